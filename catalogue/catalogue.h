@@ -21,12 +21,14 @@ struct Line {
 // All 118 lines, in the catalogue's order.
 std::span<const Line> lines() noexcept;
 
-// Registers the functions of one group in the catalogue's order. Specifications are static objects, made on first use.
+// Registers the functions of one group in the catalogue's order. Specifications are static objects, made on
+// first use.
 void register_extended(Function_CLibrary& library);
 void register_math(Function_CLibrary& library);
 void register_gerg_math(Function_CLibrary& library);
 
-// The specifications of all functions of this build, in the catalogue's order; specification i has position i.
+// The specifications of all functions of this build, in the catalogue's order; specification i has position
+// i.
 std::span<const Function_CFunctionSpec* const> specifications();
 
 // By identifier without prefix ("AGA8_M"), any case; null when this build has no such function.

@@ -22,9 +22,9 @@ constexpr std::uint32_t case_insensitive_hash(std::u16string_view text) {
   return state;
 }
 
-// A new entry goes to the front of its bucket's chain and to the end of the insertion-ordered list. The bucket
-// count starts at 4 and doubles as soon as the entry count reaches it. Inserting an existing key replaces its
-// value and keeps its place. Nodes of erased entries are kept and used again.
+// A new entry goes to the front of its bucket's chain and to the end of the insertion-ordered list. The
+// bucket count starts at 4 and doubles as soon as the entry count reaches it. Inserting an existing key
+// replaces its value and keeps its place. Nodes of erased entries are kept and used again.
 template <class Value>
 class Core_CCIStringMap {
  public:

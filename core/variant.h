@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "core/result.h"
 
@@ -89,9 +90,9 @@ class Core_CVariant {
   std::int32_t AsInt32() const noexcept { return payload_.i32; }
   double AsDouble() const noexcept { return payload_.f64; }
   std::uint32_t AsError() const noexcept { return payload_.u32; }
-  std::u16string_view AsText() const noexcept;  // tags 12 and 13
-  Core_CVariant* Elements() const noexcept;     // tag 17
-  std::uint32_t Count() const noexcept;         // elements of tag 17, bytes of tag 15
+  std::u16string_view AsText() const noexcept;    // tags 12 and 13
+  Core_CVariant* Elements() const noexcept;       // tag 17
+  std::uint32_t Count() const noexcept;           // elements of tag 17, bytes of tag 15
   std::uint32_t ReferenceCount() const noexcept;  // tags 15 and 17
 
  private:
@@ -124,8 +125,8 @@ class Core_CVariant {
 
 static_assert(sizeof(Core_CVariant) == 16);
 
-// Numbers (tags 1 to 11, 14) by value, texts exactly (tags 12 and 13 alike), errors by code, empty with empty;
-// a number and a text are never equal, nor is a NaN equal to anything.
+// Numbers (tags 1 to 11, 14) by value, texts exactly (tags 12 and 13 alike), errors by code, empty with
+// empty; a number and a text are never equal, nor is a NaN equal to anything.
 bool operator==(const Core_CVariant& a, const Core_CVariant& b) noexcept;
 
 }  // namespace norvane

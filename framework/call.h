@@ -10,8 +10,8 @@
 //   call.set(Out::z, z);
 //   return call.done();
 //
-// Reading keeps on after a failure (values read then are 0) so that one test after the last read is enough; the
-// first failure is the one reported.
+// Reading keeps on after a failure (values read then are 0) so that one test after the last read is enough;
+// the first failure is the one reported.
 #pragma once
 
 #include <array>
@@ -52,8 +52,8 @@ class Call {
     std::u16string_view value;
     return note(context_.ReadText(argument(index), value, u"")) ? value : std::u16string_view{};
   }
-  // An option: a whole number, truncated from what was given (a NaN or a value beyond 32 bits reads as 0, which no
-  // list holds). The implementation says what a number outside its list means.
+  // An option: a whole number, truncated from what was given (a NaN or a value beyond 32 bits reads as 0,
+  // which no list holds). The implementation says what a number outside its list means.
   template <class Index>
   int option(Index index) noexcept {
     const double value = number(index);
@@ -77,8 +77,9 @@ class Call {
     return code;
   }
 
-  // Outputs: one value, or a column of all outputs; what is not set stays ARG_EMPTY. A value that is not finite is
-  // not written: the call then answers ERROR_NUM, which the context replaces by the fallback outputs.
+  // Outputs: one value, or a column of all outputs; what is not set stays ARG_EMPTY. A value that is not
+  // finite is not written: the call then answers ERROR_NUM, which the context replaces by the fallback
+  // outputs.
   template <class Index>
   void set(Index index, double value) noexcept {
     if (!(value - value == 0.0)) {
@@ -99,7 +100,8 @@ class Call {
   void set_text(Index index, std::u16string_view value) noexcept {
     if (!context_.SetText(slot(static_cast<std::size_t>(index)), value)) error_ = ERROR_VALUE;
   }
-  // A calculation status found by the algorithm: a successful call of which only the status output is written.
+  // A calculation status found by the algorithm: a successful call of which only the status output is
+  // written.
   std::uint32_t status_only(int status) noexcept {
     output_written_ = false;
     set_integer(0, status);
@@ -117,7 +119,8 @@ class Call {
 
  private:
   bool note(bool good) noexcept {
-    if (!good && !failed()) error_ = context_.conversion_error() != 0 ? context_.conversion_error() : ERROR_VALUE;
+    if (!good && !failed())
+      error_ = context_.conversion_error() != 0 ? context_.conversion_error() : ERROR_VALUE;
     return good;
   }
   void read_numbers(const FUNCTION_ARG* arg, std::span<double> values) noexcept;

@@ -1,8 +1,9 @@
 // Function_CContext: the object through which one call of a function runs.
 //
-// A host resets the context, converts its arguments into FUNCTION_ARG values of the context's arena and executes a
-// specification. The context checks the arguments against the input records, runs the implementation and completes
-// the output. One context serves one thread; nothing is locked and, once warm, nothing is allocated on the heap.
+// A host resets the context, converts its arguments into FUNCTION_ARG values of the context's arena and
+// executes a specification. The context checks the arguments against the input records, runs the
+// implementation and completes the output. One context serves one thread; nothing is locked and, once warm,
+// nothing is allocated on the heap.
 #pragma once
 
 #include <cstddef>
@@ -32,15 +33,17 @@ enum MESSAGE_LEVEL : std::uint32_t { MESSAGE_ERROR = 0, MESSAGE_WARNING = 1 };
 class Function_CContext {
  public:
   // Runs before the implementation, or after the output step; a non-zero result ends the row of hooks.
-  using Hook = std::uint32_t (*)(Function_CContext& context, const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
-                                 std::size_t count, FUNCTION_ARG& output, std::uint32_t& flags, void* parameter);
+  using Hook = std::uint32_t (*)(Function_CContext& context, const Function_CFunctionSpec& spec,
+                                 FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output,
+                                 std::uint32_t& flags, void* parameter);
 
   Function_CContext(const Function_CLibrary& library, const Unit_CTypeAndUnitContainer& units);
   virtual ~Function_CContext();  // slot 0
   Function_CContext(const Function_CContext&) = delete;
   Function_CContext& operator=(const Function_CContext&) = delete;
 
-  // Slot 1. Converts to the kind (1 to 8) asked for. False on failure, with the error code in conversion_error().
+  // Slot 1. Converts to the kind (1 to 8) asked for. False on failure, with the error code in
+  // conversion_error().
   virtual bool ConvertArgument(FUNCTION_ARG& out, const FUNCTION_ARG& in, std::uint32_t kind) noexcept;
   // Slots 2 to 5: hooks of hosts, never called from the steps of a call.
   virtual void HostNotify1() noexcept {}
@@ -52,8 +55,9 @@ class Function_CContext {
   // Slot 7. As slot 6; an empty text fails unless allowed.
   virtual bool GetText(const FUNCTION_ARG& in, std::u16string_view& text, bool allow_empty) noexcept;
   // Slots 8 and 9: the steps before and after the implementation.
-  virtual void ValidateArguments(std::uint32_t& status, const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
-                                 std::size_t count, FUNCTION_ARG& output, std::uint32_t& flags) noexcept;
+  virtual void ValidateArguments(std::uint32_t& status, const Function_CFunctionSpec& spec,
+                                 FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output,
+                                 std::uint32_t& flags) noexcept;
   virtual void CompleteOutputs(std::uint32_t& status, const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
                                std::size_t count, FUNCTION_ARG& output, std::uint32_t& flags) noexcept;
   // Slot 10. Level 0 is an error, 1 a warning.
@@ -70,14 +74,15 @@ class Function_CContext {
 
   // Runs a function. Returns a worksheet error code, 0 for success; flags receives the status flags word.
   std::uint32_t Execute(const Function_CFunctionSpec& spec, FUNCTION_ARG* args, std::size_t count,
-                        FUNCTION_ARG& output, std::uint32_t& flags, std::uint64_t* data_slot = nullptr) noexcept;
+                        FUNCTION_ARG& output, std::uint32_t& flags,
+                        std::uint64_t* data_slot = nullptr) noexcept;
 
   // Memory of the call; null when refused.
   void* Allocate(std::size_t size) noexcept { return arena_.Allocate(size); }
   Core_CArena& arena() noexcept { return arena_; }
 
-  // Typed readers. An absent argument (null) counts as missing; missing and empty give the default where the reader
-  // has one. False on failure, with the error code in conversion_error().
+  // Typed readers. An absent argument (null) counts as missing; missing and empty give the default where the
+  // reader has one. False on failure, with the error code in conversion_error().
   bool ReadNumber(const FUNCTION_ARG* arg, double& value) noexcept;
   bool ReadNumber(const FUNCTION_ARG* arg, double& value, double fallback) noexcept;
   bool ReadInteger(const FUNCTION_ARG* arg, std::int32_t& value) noexcept;
@@ -90,8 +95,8 @@ class Function_CContext {
   bool ReadText(const FUNCTION_ARG* arg, std::u16string_view& text, std::u16string_view fallback) noexcept;
   bool ReadArray(const FUNCTION_ARG* arg, FUNCTION_ARG::Array& array) noexcept;
   bool ReadError(const FUNCTION_ARG* arg, std::uint32_t& code) noexcept;
-  // A unit or enumeration code: a number is truncated, an integer taken as it is, a text looked up in the unit
-  // catalogue (an empty text gives 0).
+  // A unit or enumeration code: a number is truncated, an integer taken as it is, a text looked up in the
+  // unit catalogue (an empty text gives 0).
   bool ReadIdentifier(const FUNCTION_ARG* arg, std::uint32_t& code) noexcept;
 
   // A copy of the text in the arena; a null text makes the output ARG_MISSING. False when memory is refused.
@@ -107,7 +112,8 @@ class Function_CContext {
   // Call value to Core_CVariant; a text is borrowed and must not outlive the call.
   bool ToVariant(Core_CVariant& out, const FUNCTION_ARG& value) noexcept;
 
-  // Messages. With messages disabled nothing is formatted; the result is the same (ERROR_ERROR, ERROR_WARNING).
+  // Messages. With messages disabled nothing is formatted; the result is the same (ERROR_ERROR,
+  // ERROR_WARNING).
   std::uint32_t ReportError(std::size_t index, std::u16string_view message) noexcept;
   std::uint32_t ReportWarning(std::size_t index, std::u16string_view message) noexcept;
   std::uint32_t ReportError(std::u16string_view message) noexcept;
@@ -160,8 +166,8 @@ class Function_CContext {
   void SubstituteDefaults(const Function_CFunctionSpec& spec, FUNCTION_ARG* args, std::size_t n) noexcept;
   void CheckName(const Function_CFunctionSpec& spec, const FUNCTION_ARG* args, std::size_t count) noexcept;
   void CheckTypes(const Function_CFunctionSpec& spec, const FUNCTION_ARG* args, std::size_t n) noexcept;
-  void CheckRange(std::size_t index, const Function_CInput& input, const FUNCTION_ARG& arg, std::uint32_t& status,
-                  std::uint32_t& flags) noexcept;
+  void CheckRange(std::size_t index, const Function_CInput& input, const FUNCTION_ARG& arg,
+                  std::uint32_t& status, std::uint32_t& flags) noexcept;
   void ReportArgument(std::uint32_t level, std::size_t index, std::u16string_view message) noexcept;
   static bool AddHook(HookNode*& list, Hook routine, void* parameter) noexcept;
 

@@ -19,8 +19,9 @@ enum ARG_KIND : std::uint32_t {
   // 9 to 12 are references of a spreadsheet host, known to its contexts only.
 };
 
-// 24 bytes of payload and the kind. Owns nothing: texts and elements live in the arena of the call's context and
-// vanish when that is reset. Array elements stand row by row: (column, row) is number row * columns + column.
+// 24 bytes of payload and the kind. Owns nothing: texts and elements live in the arena of the call's context
+// and vanish when that is reset. Array elements stand row by row: (column, row) is number row * columns +
+// column.
 struct FUNCTION_ARG {
   struct Text {
     const char16_t* data;  // NUL-terminated
@@ -109,8 +110,8 @@ enum WORKSHEET_ERROR : std::uint32_t {
   ERROR_NUM = 6,  // a result is not a finite number
   ERROR_NA = 7,   // a named function or item does not exist
   ERROR_ARGCOUNT = 8,
-  ERROR_ERROR = 9,      // an error message was reported
-  ERROR_WARNING = 10,   // a warning message was reported
+  ERROR_ERROR = 9,     // an error message was reported
+  ERROR_WARNING = 10,  // a warning message was reported
   ERROR_OUTPUTMISMATCH = 11,
   ERROR_ACCESSOR = 12  // retentive data of the call could not be accessed
 };

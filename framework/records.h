@@ -23,8 +23,8 @@ namespace norvane {
 
 class Function_CContext;
 
-// An implementation reads its arguments and writes its output through the context; it returns a worksheet error
-// code, 0 for success, and never throws.
+// An implementation reads its arguments and writes its output through the context; it returns a worksheet
+// error code, 0 for success, and never throws.
 using Function_Implementation = std::uint32_t (*)(Function_CContext& context, FUNCTION_ARG* args,
                                                   std::size_t count, FUNCTION_ARG& output);
 
@@ -40,7 +40,12 @@ enum FUNCTION_FLAGS : std::uint32_t {
   FUNCTION_NO_RANGE_CHECK = 512
 };
 
-enum INPUT_FLAGS : std::uint32_t { INPUT_OPTIONAL = 1, INPUT_HAS_MINIMUM = 2, INPUT_HAS_MAXIMUM = 4, INPUT_ARRAY = 16 };
+enum INPUT_FLAGS : std::uint32_t {
+  INPUT_OPTIONAL = 1,
+  INPUT_HAS_MINIMUM = 2,
+  INPUT_HAS_MAXIMUM = 4,
+  INPUT_ARRAY = 16
+};
 
 enum class GroupId : std::uint8_t { Extended, Math, GergMath };
 

@@ -17,23 +17,23 @@ namespace norvane {
 
 enum UnitResult : std::uint32_t {
   UNIT_OK = 0,
-  UNIT_ALREADY_EXISTS = 2,         // entry or system key exists, or a pair's from-unit is mapped already
+  UNIT_ALREADY_EXISTS = 2,  // entry or system key exists, or a pair's from-unit is mapped already
   UNIT_MEMBER_EXISTS = 3,
-  UNIT_UNKNOWN_CODE = 4,           // unknown code, or a member whose owner is unknown
-  UNIT_UNKNOWN_UNIT = 5,           // conversion between units of which one is unknown
-  UNIT_MISMATCH = 6,               // different quantity types, or no enumeration value of that number
-  UNIT_NOT_A_UNIT = 7,             // conversion of something that is no unit
-  UNIT_WRONG_KIND = 8,             // code of another kind than the operation asks for
-  UNIT_BAD_ARGUMENT = 9            // missing text or bad kind byte
+  UNIT_UNKNOWN_CODE = 4,  // unknown code, or a member whose owner is unknown
+  UNIT_UNKNOWN_UNIT = 5,  // conversion between units of which one is unknown
+  UNIT_MISMATCH = 6,      // different quantity types, or no enumeration value of that number
+  UNIT_NOT_A_UNIT = 7,    // conversion of something that is no unit
+  UNIT_WRONG_KIND = 8,    // code of another kind than the operation asks for
+  UNIT_BAD_ARGUMENT = 9   // missing text or bad kind byte
 };
 
 // One row of the catalogue: a quantity type, a unit, an enumeration type or an enumeration value.
 struct Unit_CEntry {
   std::uint32_t code = 0;
-  std::u16string_view key;          // lookup key without blanks, for example "inH2O_60_degF"
-  std::u16string_view text;         // symbol of a unit, display name of a type or value
-  std::u16string_view long_name;    // "inches of water @ 60 degF"; units and unit systems only
-  double factor = 0.0;              // unit: base = value * factor + offset; enumeration value: its number
+  std::u16string_view key;        // lookup key without blanks, for example "inH2O_60_degF"
+  std::u16string_view text;       // symbol of a unit, display name of a type or value
+  std::u16string_view long_name;  // "inches of water @ 60 degF"; units and unit systems only
+  double factor = 0.0;            // unit: base = value * factor + offset; enumeration value: its number
   double offset = 0.0;
   std::vector<std::uint32_t> members;  // types: codes of the members, in table order
 };
@@ -66,7 +66,8 @@ class Unit_CTypeAndUnitContainer {
   std::uint32_t TypeDetails(std::uint32_t code, const Unit_CEntry*& entry) const noexcept;
   std::uint32_t EnumerationValueDetails(std::uint32_t code, const Unit_CEntry*& entry) const noexcept;
   // First member of an enumeration type whose number equals value exactly.
-  std::uint32_t EnumerationValueByNumber(std::uint32_t type, double value, std::uint32_t& code) const noexcept;
+  std::uint32_t EnumerationValueByNumber(std::uint32_t type, double value,
+                                         std::uint32_t& code) const noexcept;
   // Key (any case) of a unit or type, or data type name (exact case). False and code 0 when not found;
   // an empty text gives code 0 and true.
   bool CodeOfText(std::u16string_view text, std::uint32_t& code) const noexcept;
@@ -87,7 +88,8 @@ class Unit_CTypeAndUnitContainer {
   // Building steps, also used to extend a catalogue in a test.
   std::uint32_t Add(CodeKind kind, std::uint32_t type, std::uint32_t member, std::u16string_view key,
                     std::u16string_view text, std::u16string_view long_name, double factor, double offset);
-  std::uint32_t AddRateRelation(std::uint32_t rate_unit, std::uint32_t time_unit, std::uint32_t quantity_unit);
+  std::uint32_t AddRateRelation(std::uint32_t rate_unit, std::uint32_t time_unit,
+                                std::uint32_t quantity_unit);
   struct Pair {
     std::uint32_t from = 0, to = 0;
   };

@@ -4,7 +4,8 @@
 //   bits  8-23  type number (the quantity type of kinds 1 and 3, the enumeration type of kinds 2 and 4)
 //   bits  0-7   member number within the type, from 1; 0 in a type's own code
 //
-// The constants come from the same rows as the catalogue, so that a record cannot name a unit that is not there.
+// The constants come from the same rows as the catalogue, so that a record cannot name a unit that is not
+// there.
 #pragma once
 
 #include <cstdint>
@@ -29,8 +30,12 @@ constexpr CodeKind kind_of_code(std::uint32_t code) {
   return kind <= 4 ? static_cast<CodeKind>(kind) : CodeKind::invalid;
 }
 
-constexpr std::uint32_t type_number(std::uint32_t code) { return (code >> 8) & 0xFFFF; }
-constexpr std::uint32_t member_number(std::uint32_t code) { return code & 0xFF; }
+constexpr std::uint32_t type_number(std::uint32_t code) {
+  return (code >> 8) & 0xFFFF;
+}
+constexpr std::uint32_t member_number(std::uint32_t code) {
+  return code & 0xFF;
+}
 
 // Plain data types.
 namespace data_type {

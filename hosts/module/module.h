@@ -10,8 +10,8 @@
 
 namespace norvane::host {
 
-// The catalogues of the process, built on first use (a host that is loaded as a library asks for them while it is
-// loaded) and read-only afterwards. Never throws; null when building them failed for want of memory.
+// The catalogues of the process, built on first use (a host that is loaded as a library asks for them while
+// it is loaded) and read-only afterwards. Never throws; null when building them failed for want of memory.
 struct Module {
   Function_CLibrary library;
   const Unit_CTypeAndUnitContainer& units;
@@ -46,8 +46,8 @@ class ThreadState {
 using ContextFactory = std::unique_ptr<Function_CContext> (*)(const Module& module);
 void set_context_factory(ContextFactory factory) noexcept;
 
-// Process-wide set-up and tear-down of the thread slot: when the image is loaded and unloaded. A plain program needs
-// neither: the first thread_state() sets up.
+// Process-wide set-up and tear-down of the thread slot: when the image is loaded and unloaded. A plain
+// program needs neither: the first thread_state() sets up.
 bool attach() noexcept;
 void detach() noexcept;
 

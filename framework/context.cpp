@@ -1,0 +1,735 @@
+#include "framework/context.h"
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "core/text.h"
+
+namespace norvane {
+namespace {
+
+// Nesting of arrays inside arrays that is followed; a host's sheet knows one level.
+constexpr int max_nesting = 8;
+
+constexpr std::size_t message_size = 512;
+constexpr std::size_t longest_value_shown = 200;
+
+// Message text in a fixed buffer; what does not fit is cut.
+class MessageText {
+ public:
+  MessageText& operator<<(std::u16string_view text) noexcept {
+    const std::size_t room = message_size - 1 - length_;
+    const std::size_t n = text.size() < room ? text.size() : room;
+    if (n != 0) std::memcpy(buffer_ + length_, text.data(), n * sizeof(char16_t));
+    length_ += n;
+    return *this;
+  }
+  MessageText& operator<<(double value) noexcept {
+    char16_t digits[max_number_text + 1];
+    return *this << std::u16string_view{digits, format_number(value, digits)};
+  }
+  MessageText& operator<<(std::size_t value) noexcept {
+    char16_t digits[max_number_text + 1];
+    return *this << std::u16string_view{digits, format_integer(static_cast<std::int32_t>(value), digits)};
+  }
+  std::u16string_view view() const noexcept { return {buffer_, length_}; }
+
+ private:
+  char16_t buffer_[message_size];
+  std::size_t length_ = 0;
+};
+
+std::int32_t truncate_to_32_bits(double value) noexcept {
+  // Saturates, and a NaN is 0: a conversion that the language leaves undefined must not reach a caller.
+  if (std::isnan(value)) return 0;
+  if (value <= static_cast<double>(std::numeric_limits<std::int32_t>::min()))
+    return std::numeric_limits<std::int32_t>::min();
+  if (value >= static_cast<double>(std::numeric_limits<std::int32_t>::max()))
+    return std::numeric_limits<std::int32_t>::max();
+  return static_cast<std::int32_t>(value);
+}
+
+bool is_absent(const FUNCTION_ARG* arg) noexcept {
+  return arg == nullptr || arg->kind == ARG_MISSING || arg->kind == ARG_EMPTY;
+}
+
+bool is_dotted_address(std::u16string_view text) noexcept {
+  int groups = 0;
+  std::size_t i = 0;
+  while (true) {
+    std::uint32_t value = 0;
+    const std::size_t start = i;
+    for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9'; ++i) {
+      value = value * 10 + (text[i] - u'0');
+      if (value > 255) return false;
+    }
+    if (i == start) return false;
+    ++groups;
+    if (i == text.size()) return groups == 4;
+    if (groups == 4 || text[i] != u'.') return false;
+    ++i;
+  }
+}
+
+constexpr bool is_digit(char16_t unit) {
+  return unit >= u'0' && unit <= u'9';
+}
+constexpr bool is_letter(char16_t unit) {
+  return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z');
+}
+
+// The first rule that a name breaks, or no text.
+std::u16string_view broken_name_rule(std::u16string_view name) noexcept {
+  if (name.empty()) return u"cannot be empty";
+  if (is_digit(name[0]))
+    return u"is invalid, the name cannot be a number or begin with a decimal (0-9) character";
+  for (char16_t unit : name) {
+    // Lower-case letters are accepted although the message does not list them; this is intended.
+    if (!is_letter(unit) && !is_digit(unit) && unit != u'_' && unit != u'.')
+      return u"is invalid, only the following characters are allowed: 'A-Z', '0-9', '_' and '.'";
+  }
+  const char16_t first = fold_ascii_upper(name[0]);
+  if ((first == u'C' || first == u'R') && name.size() > 1 && is_digit(name[1]))
+    return u"is invalid, the name cannot start with a 'C' or 'R' followed directly by a number '0-9'";
+  if (name.size() > 32) return u"is invalid, the name cannot be longer than 32 characters";
+  return {};
+}
+
+}  // namespace
+
+Function_CContext::Function_CContext(const Function_CLibrary& library,
+                                     const Unit_CTypeAndUnitContainer& units)
+    : library_(&library), units_(&units) {
+  data_manager_.AddFactory(Function_CMutexFactory::Process());
+}
+
+Function_CContext::~Function_CContext() {
+  for (HookNode* list : {pre_hooks_, post_hooks_}) {
+    while (list != nullptr) {
+      HookNode* next = list->next;
+      delete list;
+      list = next;
+    }
+  }
+}
+
+// ---- Conversions
+// -----------------------------------------------------------------------------------------------
+
+bool Function_CContext::ConvertArgument(FUNCTION_ARG& out, const FUNCTION_ARG& in,
+                                        std::uint32_t kind) noexcept {
+  if (&out == &in) {
+    const FUNCTION_ARG copy = in;
+    return ConvertArgument(out, copy, kind);
+  }
+  out.kind = kind;
+  switch (kind) {
+    case ARG_NUMBER: return ConvertToNumber(out, in);
+    case ARG_INTEGER: return ConvertToInteger(out, in);
+    case ARG_BOOLEAN: return ConvertToBoolean(out, in);
+    case ARG_STRING: return ConvertToString(out, in);
+    case ARG_ARRAY: return ConvertToArray(out, in);
+    case ARG_MISSING:
+    case ARG_EMPTY: return true;
+    case ARG_ERROR:
+      if (in.kind != ARG_ERROR) return FailConversion(ERROR_VALUE);
+      out.error = in.error;
+      return true;
+    default: return FailConversion(ERROR_VALUE);
+  }
+}
+
+// The first scalar of an array, or null: an array without elements fails without a code.
+const FUNCTION_ARG* Function_CContext::FirstElement(const FUNCTION_ARG& array) noexcept {
+  const FUNCTION_ARG* element = &array;
+  for (int depth = 0; element->kind == ARG_ARRAY; ++depth) {
+    if (depth == max_nesting || element->count() == 0 || element->array.elements == nullptr) return nullptr;
+    element = element->array.elements;
+  }
+  return element;
+}
+
+bool Function_CContext::ConvertToNumber(FUNCTION_ARG& out, const FUNCTION_ARG& in) noexcept {
+  switch (in.kind) {
+    case ARG_NUMBER: out.number = in.number; return true;
+    case ARG_INTEGER: out.number = in.integer; return true;
+    case ARG_BOOLEAN: out.number = in.boolean != 0 ? 1.0 : 0.0; return true;
+    case ARG_STRING: return parse_number(in.text(), out.number) || FailConversion(ERROR_VALUE);
+    case ARG_ARRAY: {
+      const FUNCTION_ARG* first = FirstElement(in);
+      return first != nullptr && ConvertArgument(out, *first, ARG_NUMBER);
+    }
+    case ARG_EMPTY: out.number = 0.0; return true;
+    case ARG_ERROR: return FailConversion(in.error);
+    default: return FailConversion(ERROR_VALUE);
+  }
+}
+
+bool Function_CContext::ConvertToInteger(FUNCTION_ARG& out, const FUNCTION_ARG& in) noexcept {
+  switch (in.kind) {
+    case ARG_NUMBER: out.integer = truncate_to_32_bits(in.number); return true;
+    case ARG_INTEGER: out.integer = in.integer; return true;
+    case ARG_BOOLEAN: out.integer = in.boolean != 0 ? 1 : 0; return true;
+    case ARG_STRING: return parse_integer(in.text(), out.integer) || FailConversion(ERROR_VALUE);
+    case ARG_ARRAY: {
+      const FUNCTION_ARG* first = FirstElement(in);
+      return first != nullptr && ConvertArgument(out, *first, ARG_INTEGER);
+    }
+    case ARG_EMPTY: out.integer = 0; return true;
+    case ARG_ERROR: return FailConversion(in.error);
+    default: return FailConversion(ERROR_VALUE);
+  }
+}
+
+bool Function_CContext::ConvertToBoolean(FUNCTION_ARG& out, const FUNCTION_ARG& in) noexcept {
+  const auto set = [&out](bool value) {
+    out.boolean = value ? 1 : 0;
+    return true;
+  };
+  switch (in.kind) {
+    case ARG_NUMBER: return set(in.number != 0.0);
+    case ARG_INTEGER: return set(in.integer != 0);
+    case ARG_BOOLEAN: return set(in.boolean != 0);
+    case ARG_STRING: {
+      if (equal_ignoring_case(in.text(), u"TRUE")) return set(true);
+      if (equal_ignoring_case(in.text(), u"FALSE")) return set(false);
+      double number = 0.0;
+      if (!parse_number(in.text(), number)) return FailConversion(ERROR_VALUE);
+      return set(number != 0.0);
+    }
+    case ARG_ARRAY: {
+      const FUNCTION_ARG* first = FirstElement(in);
+      return first != nullptr && ConvertArgument(out, *first, ARG_BOOLEAN);
+    }
+    case ARG_EMPTY: return set(false);
+    case ARG_ERROR: return FailConversion(in.error);
+    default: return FailConversion(ERROR_VALUE);
+  }
+}
+
+bool Function_CContext::ConvertToString(FUNCTION_ARG& out, const FUNCTION_ARG& in) noexcept {
+  constexpr std::size_t number_buffer = 64;
+  constexpr std::size_t integer_buffer = 32;
+  switch (in.kind) {
+    case ARG_STRING: out.string = in.string; return true;
+    case ARG_BOOLEAN:
+      out.string = in.boolean != 0 ? FUNCTION_ARG::Text{u"TRUE", 4} : FUNCTION_ARG::Text{u"FALSE", 5};
+      return true;
+    case ARG_NUMBER:
+    case ARG_INTEGER: {
+      char16_t digits[max_number_text + 1];
+      const bool whole = in.kind == ARG_INTEGER;
+      const std::size_t length =
+          whole ? format_integer(in.integer, digits) : format_number(in.number, digits);
+      const std::size_t room = whole ? integer_buffer : number_buffer;
+      char16_t* text = length < room ? arena_.AllocateArray<char16_t>(room) : nullptr;
+      if (text == nullptr) return FailConversion(ERROR_VALUE);
+      std::memcpy(text, digits, (length + 1) * sizeof(char16_t));
+      out.string = {text, length};
+      return true;
+    }
+    case ARG_ARRAY: {
+      const FUNCTION_ARG* first = FirstElement(in);
+      return first != nullptr && ConvertArgument(out, *first, ARG_STRING);
+    }
+    case ARG_EMPTY: out.string = {u"", 0}; return true;
+    case ARG_ERROR: return FailConversion(in.error);
+    default: return FailConversion(ERROR_VALUE);
+  }
+}
+
+bool Function_CContext::ConvertToArray(FUNCTION_ARG& out, const FUNCTION_ARG& in) noexcept {
+  switch (in.kind) {
+    case ARG_ARRAY: out.array = in.array; return true;
+    case ARG_NUMBER:
+    case ARG_INTEGER:
+    case ARG_BOOLEAN:
+    case ARG_STRING: {
+      auto* element = arena_.AllocateArray<FUNCTION_ARG>(1);
+      if (element == nullptr) return FailConversion(ERROR_VALUE);
+      *element = in;
+      out.array = {1, 1, element};
+      return true;
+    }
+    // A cell's error, like every other thing that is no array, is a wrong argument here and keeps no code.
+    default: return FailConversion(ERROR_VALUE);
+  }
+}
+
+bool Function_CContext::FromVariant(FUNCTION_ARG& out, const Core_CVariant& value) noexcept {
+  switch (value.tag()) {
+    case Core_CVariant::EMPTY: out = FUNCTION_ARG::Empty(); return true;
+    case Core_CVariant::BOOL: out = FUNCTION_ARG::Boolean(value.AsBool()); return true;
+    case Core_CVariant::STRING:
+    case Core_CVariant::BORROWED_STRING: return SetText(out, value.AsText());
+    case Core_CVariant::ERROR_CODE: out = FUNCTION_ARG::Error(value.AsError()); return true;
+    default: {
+      double number = 0.0;
+      const bool numeric = value.tag() >= Core_CVariant::INT8 && value.tag() <= Core_CVariant::DOUBLE;
+      const bool good = numeric && value.ToDouble(number) == CORE_RESULT_OK;
+      out = FUNCTION_ARG::Number(good ? number : 0.0);
+      return good;
+    }
+  }
+}
+
+bool Function_CContext::ToVariant(Core_CVariant& out, const FUNCTION_ARG& value) noexcept {
+  switch (value.kind) {
+    case ARG_NUMBER: out.SetDouble(value.number); return true;
+    case ARG_INTEGER: out.SetInt32(value.integer); return true;
+    case ARG_BOOLEAN: out.SetBool(value.boolean != 0); return true;
+    case ARG_STRING: return out.SetText(value.text(), false) == CORE_RESULT_OK;
+    case ARG_MISSING:
+    case ARG_EMPTY: out.Clear(); return true;
+    // An error becomes its number, not an error value: comparisons of outputs rely on it.
+    case ARG_ERROR: out.SetInt32(static_cast<std::int32_t>(value.error)); return true;
+    case ARG_ARRAY: {
+      const FUNCTION_ARG* first = FirstElement(value);
+      return first != nullptr ? ToVariant(out, *first) : FailConversion(ERROR_VALUE);
+    }
+    default: return FailConversion(ERROR_VALUE);
+  }
+}
+
+// ---- Readers and writers
+// ---------------------------------------------------------------------------------------
+
+bool Function_CContext::GetString(const FUNCTION_ARG& in, std::u16string_view& text) noexcept {
+  if (in.kind == ARG_STRING) {
+    text = in.text();
+    return true;
+  }
+  text = {};
+  if (in.kind == ARG_MISSING || in.kind == ARG_EMPTY) return true;
+  FUNCTION_ARG converted;
+  if (!ConvertArgument(converted, in, ARG_STRING)) return false;
+  text = converted.text();
+  return true;
+}
+
+bool Function_CContext::GetText(const FUNCTION_ARG& in, std::u16string_view& text,
+                                bool allow_empty) noexcept {
+  return GetString(in, text) && (allow_empty || !text.empty());
+}
+
+bool Function_CContext::ReadNumber(const FUNCTION_ARG* arg, double& value) noexcept {
+  if (arg == nullptr) return FailConversion(ERROR_VALUE);
+  if (arg->kind == ARG_NUMBER) {
+    value = arg->number;
+    return true;
+  }
+  FUNCTION_ARG converted;
+  if (!ConvertArgument(converted, *arg, ARG_NUMBER)) return false;
+  value = converted.number;
+  return true;
+}
+
+bool Function_CContext::ReadNumber(const FUNCTION_ARG* arg, double& value, double fallback) noexcept {
+  if (!is_absent(arg)) return ReadNumber(arg, value);
+  value = fallback;
+  return true;
+}
+
+bool Function_CContext::ReadInteger(const FUNCTION_ARG* arg, std::int32_t& value) noexcept {
+  if (arg == nullptr) return FailConversion(ERROR_VALUE);
+  FUNCTION_ARG converted;
+  if (!ConvertArgument(converted, *arg, ARG_INTEGER)) return false;
+  value = converted.integer;
+  return true;
+}
+
+bool Function_CContext::ReadInteger(const FUNCTION_ARG* arg, std::int32_t& value,
+                                    std::int32_t fallback) noexcept {
+  if (!is_absent(arg)) return ReadInteger(arg, value);
+  value = fallback;
+  return true;
+}
+
+bool Function_CContext::ReadUnsigned(const FUNCTION_ARG* arg, std::uint32_t& value) noexcept {
+  double number = 0.0;
+  if (!ReadNumber(arg, number)) return false;
+  if (!(number >= 0.0 && number <= 4294967295.0)) return FailConversion(ERROR_NUM);
+  value = static_cast<std::uint32_t>(number);
+  return true;
+}
+
+bool Function_CContext::ReadBoolean(const FUNCTION_ARG* arg, bool& value) noexcept {
+  if (arg == nullptr) return FailConversion(ERROR_VALUE);
+  FUNCTION_ARG converted;
+  if (!ConvertArgument(converted, *arg, ARG_BOOLEAN)) return false;
+  value = converted.boolean != 0;
+  return true;
+}
+
+bool Function_CContext::ReadBoolean(const FUNCTION_ARG* arg, bool& value, bool fallback) noexcept {
+  if (!is_absent(arg)) return ReadBoolean(arg, value);
+  value = fallback;
+  return true;
+}
+
+bool Function_CContext::ReadText(const FUNCTION_ARG* arg, std::u16string_view& text) noexcept {
+  if (arg == nullptr) return FailConversion(ERROR_VALUE);
+  FUNCTION_ARG converted;
+  if (!ConvertArgument(converted, *arg, ARG_STRING)) return false;
+  text = converted.text();
+  return true;
+}
+
+bool Function_CContext::ReadText(const FUNCTION_ARG* arg, std::u16string_view& text,
+                                 std::u16string_view fallback) noexcept {
+  if (!is_absent(arg)) return ReadText(arg, text);
+  text = fallback;
+  return true;
+}
+
+bool Function_CContext::ReadArray(const FUNCTION_ARG* arg, FUNCTION_ARG::Array& array) noexcept {
+  if (arg == nullptr) return FailConversion(ERROR_VALUE);
+  FUNCTION_ARG converted;
+  if (!ConvertArgument(converted, *arg, ARG_ARRAY)) return false;
+  array = converted.array;
+  // A count without elements is a caller's mistake: nothing is read through it.
+  if (array.elements == nullptr && std::uint64_t{array.columns} * array.rows != 0)
+    return FailConversion(ERROR_VALUE);
+  return true;
+}
+
+bool Function_CContext::ReadError(const FUNCTION_ARG* arg, std::uint32_t& code) noexcept {
+  if (arg == nullptr) return FailConversion(ERROR_VALUE);
+  FUNCTION_ARG converted;
+  if (!ConvertArgument(converted, *arg, ARG_ERROR)) return false;
+  code = converted.error;
+  return true;
+}
+
+bool Function_CContext::ReadIdentifier(const FUNCTION_ARG* arg, std::uint32_t& code) noexcept {
+  if (arg == nullptr) return FailConversion(ERROR_VALUE);
+  if (arg->kind == ARG_NUMBER || arg->kind == ARG_INTEGER) {
+    std::int32_t value = 0;
+    if (!ReadInteger(arg, value)) return false;
+    code = static_cast<std::uint32_t>(value);
+    return true;
+  }
+  std::u16string_view text;
+  if (!ReadText(arg, text)) return false;
+  return units_->CodeOfText(text, code) || FailConversion(ERROR_VALUE);
+}
+
+bool Function_CContext::SetText(FUNCTION_ARG& output, std::u16string_view text) noexcept {
+  output = FUNCTION_ARG::Missing();
+  if (text.data() == nullptr) return true;
+  char16_t* copy = arena_.AllocateArray<char16_t>(text.size() + 1);
+  if (copy == nullptr) return FailConversion(ERROR_VALUE);
+  if (!text.empty()) std::memcpy(copy, text.data(), text.size() * sizeof(char16_t));
+  copy[text.size()] = u'\0';
+  output = FUNCTION_ARG::String(copy, text.size());
+  return true;
+}
+
+bool Function_CContext::SetArray(FUNCTION_ARG& output, std::uint32_t columns, std::uint32_t rows) noexcept {
+  const std::uint64_t count = std::uint64_t{columns} * rows;
+  auto* elements = arena_.AllocateArray<FUNCTION_ARG>(static_cast<std::size_t>(count));
+  if (elements == nullptr) {
+    output = FUNCTION_ARG::Missing();
+    return FailConversion(ERROR_VALUE);
+  }
+  for (std::uint64_t i = 0; i < count; ++i) elements[i].kind = ARG_EMPTY;
+  output = FUNCTION_ARG::OfArray(columns, rows, elements);
+  return true;
+}
+
+// ---- The call
+// --------------------------------------------------------------------------------------------------
+
+std::uint32_t Function_CContext::Execute(const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
+                                         std::size_t count, FUNCTION_ARG& output, std::uint32_t& flags,
+                                         std::uint64_t* data_slot) noexcept {
+  specification_ = &spec;
+  arguments_ = args;
+  argument_count_ = count;
+  output_ = &output;
+  data_slot_ = data_slot;
+  flags = 0;
+  std::uint32_t status = ERROR_OK;
+
+  const bool variable = spec.has(FUNCTION_VARIABLE_INPUTS);
+  if (variable ? count < spec.input_count : count != spec.input_count) {
+    if (messages_enabled_) {
+      MessageText text;
+      text << u"Invalid number of arguments (" << count << u") specified, expected "
+           << (variable ? u"at least (" : u"(") << spec.input_count << u")";
+      ReportError(text.view());
+    }
+    if (!variable) return ERROR_ARGCOUNT;
+  }
+
+  ValidateArguments(status, spec, args, count, output, flags);
+
+  for (const HookNode* hook = pre_hooks_; hook != nullptr; hook = hook->next) {
+    status = hook->routine(*this, spec, args, count, output, flags, hook->parameter);
+    if (status != ERROR_OK) return status;
+  }
+  if (pre_hooks_ != nullptr || status == ERROR_OK) {
+    status = spec.implementation(*this, args, count, output);
+    if (status != ERROR_OK) flags |= FLAG_IMPLEMENTATION_FAILED;
+  }
+
+  CompleteOutputs(status, spec, args, count, output, flags);
+
+  for (const HookNode* hook = post_hooks_; hook != nullptr; hook = hook->next)
+    if (hook->routine(*this, spec, args, count, output, flags, hook->parameter) != ERROR_OK) break;
+  return status;
+}
+
+void Function_CContext::ValidateArguments(std::uint32_t& status, const Function_CFunctionSpec& spec,
+                                          FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG&,
+                                          std::uint32_t& flags) noexcept {
+  if (spec.has(FUNCTION_NO_VALIDATION)) return;
+  const std::size_t n =
+      spec.has(FUNCTION_VARIABLE_INPUTS) ? count : (count < spec.input_count ? count : spec.input_count);
+  SubstituteDefaults(spec, args, n);
+  if (messages_enabled_) {
+    CheckName(spec, args, count);
+    CheckTypes(spec, args, n);
+  }
+  if (spec.has(FUNCTION_NO_RANGE_CHECK)) return;
+  for (std::size_t i = 0; i < n; ++i) {
+    const Function_CInput* input = spec.input_of(i);
+    if (input == nullptr) continue;
+    if ((input->flags & (INPUT_HAS_MINIMUM | INPUT_HAS_MAXIMUM)) != 0 ||
+        kind_of_code(input->type) == CodeKind::enumeration)
+      CheckRange(i, *input, args[i], status, flags);
+  }
+}
+
+void Function_CContext::SubstituteDefaults(const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
+                                           std::size_t n) noexcept {
+  for (std::size_t i = 0; i < n; ++i) {
+    if (args[i].kind != ARG_MISSING && args[i].kind != ARG_EMPTY) continue;
+    const Function_CInput* input = spec.input_of(i);
+    if (input == nullptr) continue;
+    if (!input->optional()) {
+      if (messages_enabled_) ReportError(i, u"is not optional");
+    } else if (!input->default_value.empty()) {
+      FromVariant(args[i], input->default_value);
+    }
+  }
+}
+
+void Function_CContext::CheckName(const Function_CFunctionSpec& spec, const FUNCTION_ARG* args,
+                                  std::size_t count) noexcept {
+  if (spec.name_input < 0 || static_cast<std::size_t>(spec.name_input) >= count) return;
+  const auto index = static_cast<std::size_t>(spec.name_input);
+  std::u16string_view name;
+  if (!GetText(args[index], name, true)) {
+    ReportError(index, u"is invalid (not a string)");
+  } else if (!name.empty()) {
+    const std::u16string_view complaint = broken_name_rule(name);
+    if (!complaint.empty()) ReportError(index, complaint);
+  } else if (spec.has(FUNCTION_RETENTIVE)) {
+    ReportError(index, u"cannot be optional or empty");
+  }
+}
+
+void Function_CContext::CheckTypes(const Function_CFunctionSpec& spec, const FUNCTION_ARG* args,
+                                   std::size_t n) noexcept {
+  for (std::size_t i = 0; i < n; ++i) {
+    const Function_CInput* input = spec.input_of(i);
+    if (input == nullptr || is_absent(&args[i])) continue;
+    double number = 0.0;
+    bool truth = false;
+    std::uint32_t code = 0;
+    std::u16string_view text;
+    std::u16string_view complaint;
+    switch (input->type) {
+      case data_type::any: break;
+      case data_type::text:
+        if (!ReadText(&args[i], text)) complaint = u"is not a valid text";
+        break;
+      case data_type::date:
+        if (!ReadNumber(&args[i], number))
+          complaint = u"is not a valid date/time (not a number)";
+        else if (number < 0.0)
+          complaint = u"is not a valid date/time (negative number)";
+        break;
+      case data_type::boolean:
+        if (!ReadBoolean(&args[i], truth)) complaint = u"is not a valid boolean (0/1, true/false)";
+        break;
+      case data_type::integer:
+        if (!ReadNumber(&args[i], number))
+          complaint = u"is not a valid number";
+        else if (number != std::trunc(number))
+          complaint = u"is not a valid whole number";
+        break;
+      case data_type::unit:
+        if (!ReadIdentifier(&args[i], code) ||
+            (code != 0 && (kind_of_code(code) != CodeKind::unit || !units_->IsKnown(code))))
+          complaint = u"is not a valid unit";
+        break;
+      case data_type::enumeration:
+        if (!ReadIdentifier(&args[i], code) ||
+            (code != 0 && (kind_of_code(code) != CodeKind::enumeration || !units_->IsKnown(code))))
+          complaint = u"is not a valid enum";
+        break;
+      case data_type::ipaddr:
+        if (!ReadText(&args[i], text) || !is_dotted_address(text)) complaint = u"is not a valid ip-address";
+        break;
+      default:
+        if (!ReadNumber(&args[i], number)) complaint = u"is not a valid number";
+        break;
+    }
+    if (!complaint.empty()) ReportError(i, complaint);
+  }
+}
+
+void Function_CContext::CheckRange(std::size_t index, const Function_CInput& input, const FUNCTION_ARG& arg,
+                                   std::uint32_t& status, std::uint32_t& flags) noexcept {
+  const auto fail = [&status, &flags] {
+    status = ERROR_VALUE;
+    flags |= FLAG_INPUT_INVALID;
+  };
+  double value = 0.0;
+  if (!ReadNumber(&arg, value)) {
+    fail();
+    ReportError(index, u"is not a valid number");
+    return;
+  }
+  if (kind_of_code(input.type) == CodeKind::enumeration) {
+    std::uint32_t member = 0;
+    if (units_->EnumerationValueByNumber(input.type, value, member) != UNIT_OK) {
+      fail();
+      if (messages_enabled_) {
+        std::u16string_view name;
+        units_->TextOfCode(input.type, name);
+        MessageText text;
+        text << u"is not a valid " << name;
+        ReportError(index, text.view());
+      }
+    }
+  }
+  if (input.has_minimum() && value < input.minimum) {
+    fail();
+    if (messages_enabled_) {
+      MessageText text;
+      text << u"should be higher or equal than: " << input.minimum;
+      ReportWarning(index, text.view());
+    }
+  }
+  if (input.has_maximum() && value > input.maximum) {
+    fail();
+    if (messages_enabled_) {
+      MessageText text;
+      text << u"should be lower or equal than: " << input.maximum;
+      ReportWarning(index, text.view());
+    }
+  }
+}
+
+void Function_CContext::CompleteOutputs(std::uint32_t& status, const Function_CFunctionSpec& spec,
+                                        FUNCTION_ARG*, std::size_t, FUNCTION_ARG& output,
+                                        std::uint32_t& flags) noexcept {
+  if (status == ERROR_OK && output.kind == ARG_NUMBER && !std::isfinite(output.number)) {
+    status = ERROR_NUM;
+    flags |= FLAG_OUTPUT_NOT_FINITE;
+  }
+  if (status != ERROR_OK && spec.has(FUNCTION_FALLBACK) && WriteFallbackOutputs(spec, output)) {
+    flags |= FLAG_OUTPUT_FALLBACK;
+    status = ERROR_OK;
+  }
+  if (status == ERROR_OK && output.kind == ARG_ARRAY && output.array.columns == 1 && output.array.rows >= 2) {
+    const Function_CCallerInfo* caller = caller_info();
+    if (caller != nullptr && caller->columns > 1) {
+      const std::uint32_t rows = output.array.rows;
+      output.array.rows = output.array.columns;
+      output.array.columns = rows;
+      flags |= FLAG_OUTPUT_TRANSPOSED;
+    }
+  }
+}
+
+bool Function_CContext::WriteFallbackOutputs(const Function_CFunctionSpec& spec,
+                                             FUNCTION_ARG& output) noexcept {
+  const auto fill = [this](FUNCTION_ARG& value, const Core_CVariant& fallback) {
+    if (fallback.empty())
+      value = FUNCTION_ARG::Number(0.0);
+    else if (fallback.tag() == Core_CVariant::INT32)
+      value = FUNCTION_ARG::Integer(fallback.AsInt32());
+    else
+      FromVariant(value, fallback);
+  };
+  if (spec.output_count == 1) {
+    fill(output, spec.outputs[0].fallback);
+    return true;
+  }
+  if (!SetArray(output, 1, static_cast<std::uint32_t>(spec.output_count))) return false;
+  for (std::size_t i = 0; i < spec.output_count; ++i)
+    fill(output.array.elements[i], spec.outputs[i].fallback);
+  return true;
+}
+
+// ---- Messages and hooks
+// ----------------------------------------------------------------------------------------
+
+void Function_CContext::ReportMessage(std::uint32_t, std::u16string_view) noexcept {}
+
+void Function_CContext::ReportArgument(std::uint32_t level, std::size_t index,
+                                       std::u16string_view message) noexcept {
+  if (!messages_enabled_) return;
+  // Reading the value for the message must not disturb the code of the failure that is being reported.
+  const std::uint32_t kept = conversion_error_;
+  const Function_CInput* input = specification_ != nullptr ? specification_->input_of(index) : nullptr;
+  std::u16string_view value;
+  if (index < argument_count_) {
+    const FUNCTION_ARG& arg = arguments_[index];
+    if (!GetString(arg, value)) value = arg.kind == ARG_ERROR ? error_text(arg.error) : std::u16string_view{};
+  }
+  MessageText text;
+  text << u"[" << index + 1 << u"] " << (input != nullptr ? input->key : std::u16string_view{}) << u" ";
+  if (level == MESSAGE_ERROR && value.size() >= longest_value_shown)
+    text << u"(...) ";
+  else if (!value.empty())
+    text << u"(" << value << u") ";
+  text << message;
+  ReportMessage(level, text.view());
+  conversion_error_ = kept;
+}
+
+std::uint32_t Function_CContext::ReportError(std::size_t index, std::u16string_view message) noexcept {
+  ReportArgument(MESSAGE_ERROR, index, message);
+  return ERROR_ERROR;
+}
+
+std::uint32_t Function_CContext::ReportWarning(std::size_t index, std::u16string_view message) noexcept {
+  ReportArgument(MESSAGE_WARNING, index, message);
+  return ERROR_WARNING;
+}
+
+std::uint32_t Function_CContext::ReportError(std::u16string_view message) noexcept {
+  if (messages_enabled_) ReportMessage(MESSAGE_ERROR, message);
+  return ERROR_ERROR;
+}
+
+std::uint32_t Function_CContext::ReportWarning(std::u16string_view message) noexcept {
+  if (messages_enabled_) ReportMessage(MESSAGE_WARNING, message);
+  return ERROR_WARNING;
+}
+
+bool Function_CContext::AddHook(HookNode*& list, Hook routine, void* parameter) noexcept {
+  auto* node = new (std::nothrow) HookNode{routine, parameter, nullptr};
+  if (node == nullptr) return false;
+  HookNode** end = &list;
+  while (*end != nullptr) end = &(*end)->next;
+  *end = node;
+  return true;
+}
+
+bool Function_CContext::AddPreCallHook(Hook routine, void* parameter) noexcept {
+  return AddHook(pre_hooks_, routine, parameter);
+}
+
+bool Function_CContext::AddPostCallHook(Hook routine, void* parameter) noexcept {
+  return AddHook(post_hooks_, routine, parameter);
+}
+
+}  // namespace norvane

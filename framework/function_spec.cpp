@@ -1,0 +1,168 @@
+#include "framework/function_spec.h"
+
+#include <iterator>
+
+#include "framework/context.h"
+
+namespace norvane {
+namespace {
+
+constexpr Function_CKeyword math_keywords[] = {
+    {u"metric", u"Metric", u"Functions using metric units", u"Units"},
+    {u"customary", u"U.S. Customary", u"Functions using U.S. customary units", u"Units"},
+    {u"liquid", u"Liquid", u"Functions for hydrocarbon liquids", u"States"},
+    {u"gas", u"Gas", u"Functions for hydrocarbon gases and steam", u"States"},
+    {u"flow", u"Flow", u"Functions for differential pressure flow meters", u"States"},
+    {u"aga", u"AGA", u"American Gas Association", u"Standards"},
+    {u"api", u"API", u"American Petroleum Institute", u"Standards"},
+    {u"astm", u"ASTM", u"American Society for Testing and Materials", u"Standards"},
+    {u"gerg", u"GERG", u"European Gas Research Group standards", u"Standards"},
+    {u"gost", u"GOST", u"GOST", u"Standards"},
+    {u"gpa", u"GPA", u"Gas Processors Association", u"Standards"},
+    {u"iapws", u"IAPWS", u"IAPWS-IF97 calculations for water and steam", u"Standards"},
+    {u"iso", u"ISO", u"International Organization for Standardization", u"Standards"},
+    {u"iupac", u"IUPAC", u"International Union of Pure and Applied Chemistry", u"Standards"},
+    {u"nist", u"NIST", u"National Institute of Standards and Technology", u"Standards"},
+    {u"densitometer", u"Densitometer", u"Functions for densitometers", u"Misc"},
+};
+static_assert(std::size(math_keywords) == 16);
+
+constexpr Function_CGroup extended_group{u"Extended", u"General purpose functions", u"nv", 1, {}};
+constexpr Function_CGroup math_group{u"Math", u"Mathematical functions", u"nv", 1, math_keywords};
+constexpr Function_CGroup gerg_math_group{u"GergMath", u"Mathematical functions", u"nv", 1, {}};
+
+// Number of the enumeration value "function disabled", which stands for a status that was never calculated.
+constexpr std::uint32_t disabled_status =
+    make_code(CodeKind::enumeration_value, type_number(enumeration::mathfunctionstatus), 6);
+static_assert(disabled_status == 0x02000E06);
+
+Core_CVariant to_variant(const record::Value& value) {
+  Core_CVariant out;
+  switch (value.kind) {
+    case record::Value::Kind::none: break;
+    case record::Value::Kind::number: out.SetDouble(value.number); break;
+    case record::Value::Kind::boolean: out.SetBool(value.number != 0.0); break;
+    case record::Value::Kind::integer: out.SetInt32(static_cast<std::int32_t>(value.number)); break;
+    // The variant owns its default, as every value of a record that is not a number.
+    case record::Value::Kind::text:
+      if (out.SetText(value.text, true) != CORE_RESULT_OK) throw std::bad_alloc();
+      break;
+  }
+  return out;
+}
+
+}  // namespace
+
+const Function_CGroup& Function_CGroup::Of(GroupId id) noexcept {
+  switch (id) {
+    case GroupId::Extended: return extended_group;
+    case GroupId::GergMath: return gerg_math_group;
+    default: return math_group;
+  }
+}
+
+Function_CFunctionSpec::Function_CFunctionSpec(const Function_CGroup& group_,
+                                               Function_Implementation implementation_,
+                                               std::u16string_view id_, std::u16string_view display_name_,
+                                               std::u16string_view description_,
+                                               std::u16string_view category_, std::uint32_t flags_,
+                                               std::size_t input_count_, std::size_t output_count_)
+    : group(&group_),
+      implementation(implementation_),
+      second_implementation(implementation_),
+      status_filler(&default_status_filler),
+      id(id_),
+      display_name(display_name_),
+      description(description_),
+      category(category_),
+      subcategory(u""),
+      keywords(u""),
+      flags(flags_),
+      input_count(input_count_),
+      inputs(std::make_unique<Function_CInput[]>(input_count_)),
+      output_count(output_count_),
+      outputs(std::make_unique<Function_COutput[]>(output_count_)) {}
+
+Function_CFunctionSpec::Function_CFunctionSpec(const record::Function& record)
+    : Function_CFunctionSpec(Function_CGroup::Of(record.group), record.implementation, record.id,
+                             record.display, record.description, record.category, record.flags,
+                             record.inputs.size(), record.outputs.size()) {
+  subcategory = record.subcategory;
+  keywords = record.keywords;
+  name_input = record.name_input;
+  notes = record.notes;
+  for (std::size_t i = 0; i < input_count; ++i) {
+    const record::Input& from = record.inputs[i];
+    Function_CInput& to = inputs[i];
+    to.role = from.role;
+    to.key = from.key;
+    to.display_name = from.display;
+    to.description = from.description;
+    to.default_value = to_variant(from.default_value);
+    to.type = from.type;
+    to.minimum = from.minimum;
+    to.maximum = from.maximum;
+    to.flags = from.flags;
+  }
+  for (std::size_t i = 0; i < output_count; ++i) {
+    const record::Output& from = record.outputs[i];
+    Function_COutput& to = outputs[i];
+    to.role = from.role;
+    to.key = from.key;
+    to.display_name = from.display;
+    to.description = from.description;
+    to.fallback = to_variant(from.fallback);
+    to.type = from.type;
+    to.unit_input = from.unit_input;
+    to.tag_name = from.tag;
+    to.tag_text = from.tag_text;
+    Function_CStatusValue* values = AllocateStatusValues(i, from.values.size());
+    for (const record::StatusValue& value : from.values)
+      *values++ = {value.id, value.description, value.value, 1};
+  }
+}
+
+Function_CStatusValue* Function_CFunctionSpec::AllocateStatusValues(std::size_t output, std::size_t count) {
+  Function_COutput& record = outputs[output];
+  record.status_values = std::make_unique<Function_CStatusValue[]>(count);
+  record.status_value_count = count;
+  return record.status_values.get();
+}
+
+void Function_CLibrary::Register(const Function_CFunctionSpec& spec) {
+  map_.Insert(spec.worksheet_name(), &spec);
+}
+
+const Function_CFunctionSpec* Function_CLibrary::Find(std::u16string_view worksheet_name) const noexcept {
+  const Function_CFunctionSpec* const* found = map_.Find(worksheet_name);
+  return found != nullptr ? *found : nullptr;
+}
+
+const Function_CFunctionSpec* Function_CLibrary::FindVisible(
+    std::u16string_view worksheet_name) const noexcept {
+  const Function_CFunctionSpec* found = Find(worksheet_name);
+  return found != nullptr && found->visible() ? found : nullptr;
+}
+
+std::uint32_t default_status_filler(Function_CContext& context, const Function_CFunctionSpec& spec,
+                                    FUNCTION_ARG& output) {
+  if (spec.has(FUNCTION_FALLBACK) && !context.WriteFallbackOutputs(spec, output)) return ERROR_OUTPUTMISMATCH;
+  bool filled = false;
+  for (std::size_t i = 0; i < spec.output_count; ++i) {
+    if (spec.outputs[i].role != 1) continue;
+    const Unit_CEntry* entry = nullptr;
+    if (context.units().EnumerationValueDetails(disabled_status, entry) != UNIT_OK) break;
+    const FUNCTION_ARG value = FUNCTION_ARG::Integer(static_cast<std::int32_t>(entry->factor));
+    if (spec.output_count == 1) {
+      output = value;
+    } else if (output.kind == ARG_ARRAY && i < output.count()) {
+      output.array.elements[i] = value;
+    } else {
+      continue;
+    }
+    filled = true;
+  }
+  return filled ? ERROR_OK : ERROR_OUTPUTMISMATCH;
+}
+
+}  // namespace norvane

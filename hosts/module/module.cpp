@@ -1,0 +1,191 @@
+#include "hosts/module/module.h"
+
+#include <atomic>
+#include <mutex>
+#include <new>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <pthread.h>
+#endif
+
+#if defined(__SSE2__)
+#include <xmmintrin.h>
+#else
+#include <cfenv>
+#endif
+
+namespace norvane::host {
+namespace {
+
+// One pointer a thread. A thread_local object with a destructor would pin a Windows DLL in its process, so
+// the slot is the system's own and DllMain (or the key's destructor) clears it.
+#if defined(_WIN32)
+using Key = DWORD;
+void* get_value(Key key) noexcept {
+  return TlsGetValue(key);
+}
+bool set_value(Key key, void* value) noexcept {
+  return TlsSetValue(key, value) != 0;
+}
+bool make_key(Key& key) noexcept {
+  key = TlsAlloc();
+  return key != TLS_OUT_OF_INDEXES;
+}
+void free_key(Key key) noexcept {
+  TlsFree(key);
+}
+#else
+using Key = pthread_key_t;
+void* get_value(Key key) noexcept {
+  return pthread_getspecific(key);
+}
+bool set_value(Key key, void* value) noexcept {
+  return pthread_setspecific(key, value) == 0;
+}
+void thread_value_ended(void* value) noexcept;
+bool make_key(Key& key) noexcept {
+  return pthread_key_create(&key, [](void* value) { thread_value_ended(value); }) == 0;
+}
+void free_key(Key key) noexcept {
+  pthread_key_delete(key);
+}
+#endif
+
+// A thread's state in the list of all, so that unloading the image leaves none behind.
+struct Registered {
+  Registered(std::unique_ptr<Function_CContext> context, std::size_t functions)
+      : state(std::move(context), functions) {}
+  ThreadState state;
+  Registered* next = nullptr;
+  Registered* previous = nullptr;
+};
+
+struct Registry {
+  std::mutex mutex;
+  Registered* first = nullptr;
+  Key key{};
+  std::atomic<bool> attached{false};
+  std::atomic<ContextFactory> factory{nullptr};
+};
+
+Registry& registry() noexcept {
+  static Registry instance;
+  return instance;
+}
+
+void destroy(Registered* entry) noexcept {
+  if (entry == nullptr) return;
+  {
+    const std::lock_guard lock(registry().mutex);
+    (entry->previous != nullptr ? entry->previous->next : registry().first) = entry->next;
+    if (entry->next != nullptr) entry->next->previous = entry->previous;
+  }
+  delete entry;
+}
+
+#if !defined(_WIN32)
+void thread_value_ended(void* value) noexcept {
+  destroy(static_cast<Registered*>(value));
+}
+#endif
+
+std::unique_ptr<Module> make_module() noexcept {
+  try {
+    auto made = std::unique_ptr<Module>(new Module{{}, Unit_CTypeAndUnitContainer::Instance()});
+    catalogue::register_extended(made->library);
+    catalogue::register_math(made->library);
+    catalogue::register_gerg_math(made->library);
+    return made;
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+std::unique_ptr<Function_CContext> make_plain_context(const Module& shared) {
+  return std::make_unique<Module_CFunctionContext>(shared.library, shared.units);
+}
+
+ThreadState* make_thread_state() noexcept {
+  const Module* shared = module();
+  if (shared == nullptr) return nullptr;
+  try {
+    const ContextFactory factory = registry().factory.load(std::memory_order_acquire);
+    auto context = factory != nullptr ? factory(*shared) : make_plain_context(*shared);
+    auto entry = std::make_unique<Registered>(std::move(context), catalogue::specifications().size());
+    if (!set_value(registry().key, entry.get())) return nullptr;
+    const std::lock_guard lock(registry().mutex);
+    entry->next = registry().first;
+    if (entry->next != nullptr) entry->next->previous = entry.get();
+    registry().first = entry.get();
+    return &entry.release()->state;
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+const Module* module() noexcept {
+  static const std::unique_ptr<Module> instance = make_module();
+  return instance.get();
+}
+
+void set_context_factory(ContextFactory factory) noexcept {
+  registry().factory.store(factory, std::memory_order_release);
+}
+
+bool attach() noexcept {
+  Registry& all = registry();
+  const std::lock_guard lock(all.mutex);
+  if (all.attached.load(std::memory_order_relaxed)) return true;
+  if (!make_key(all.key)) return false;
+  all.attached.store(true, std::memory_order_release);
+  return true;
+}
+
+void detach() noexcept {
+  Registry& all = registry();
+  if (!all.attached.exchange(false)) return;
+  free_key(all.key);
+  while (all.first != nullptr) destroy(all.first);
+}
+
+ThreadState* thread_state() noexcept {
+  if (!registry().attached.load(std::memory_order_acquire) && !attach()) return nullptr;
+  void* value = get_value(registry().key);
+  return value != nullptr ? &static_cast<Registered*>(value)->state : make_thread_state();
+}
+
+void thread_ended() noexcept {
+  if (!registry().attached.load(std::memory_order_acquire)) return;
+  auto* entry = static_cast<Registered*>(get_value(registry().key));
+  if (entry == nullptr) return;
+  set_value(registry().key, nullptr);
+  destroy(entry);
+}
+
+#if defined(__SSE2__)
+namespace {
+// All traps masked, round to nearest, denormals kept.
+constexpr unsigned int standard_control = 0x1F80;
+constexpr unsigned int exception_flags = 0x3F;
+}  // namespace
+
+FloatingPointGuard::FloatingPointGuard() noexcept : saved_(_mm_getcsr()) {
+  if ((saved_ & ~exception_flags) != standard_control) _mm_setcsr(standard_control);
+}
+FloatingPointGuard::~FloatingPointGuard() {
+  _mm_setcsr(saved_);
+}
+#else
+FloatingPointGuard::FloatingPointGuard() noexcept {
+  saved_ = static_cast<std::uint32_t>(std::fegetround());
+}
+FloatingPointGuard::~FloatingPointGuard() {
+  std::fesetround(static_cast<int>(saved_));
+}
+#endif
+
+}  // namespace norvane::host
