@@ -1,0 +1,23 @@
+# cmake -DSOURCE=<folder> -DOUTPUT=<header> -P commit.cmake: the short id of the commit being built, with a "+" when
+# files differ from it; "unknown" outside a repository.
+set(commit unknown)
+find_program(git git)
+if(git)
+  execute_process(COMMAND ${git} -C ${SOURCE} rev-parse --short=12 HEAD
+    OUTPUT_VARIABLE id OUTPUT_STRIP_TRAILING_WHITESPACE RESULT_VARIABLE failed ERROR_QUIET)
+  if(NOT failed)
+    set(commit ${id})
+    execute_process(COMMAND ${git} -C ${SOURCE} diff-index --quiet HEAD -- RESULT_VARIABLE differs ERROR_QUIET)
+    if(differs)
+      string(APPEND commit "+")
+    endif()
+  endif()
+endif()
+set(text "#define NORVANE_COMMIT \"${commit}\"\n")
+set(old "")
+if(EXISTS ${OUTPUT})
+  file(READ ${OUTPUT} old)
+endif()
+if(NOT old STREQUAL text)
+  file(WRITE ${OUTPUT} "${text}")
+endif()

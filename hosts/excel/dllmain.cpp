@@ -1,0 +1,39 @@
+// Loading and unloading of the module, and the end of threads. Nothing here may load libraries, wait for threads or
+// call the host: on Windows this runs under the loader's lock.
+#include "hosts/excel/excel_context.h"
+#include "hosts/module/module.h"
+
+#if defined(_WIN32)
+
+#include <windows.h>
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* reserved) {
+  switch (reason) {
+    case DLL_PROCESS_ATTACH:
+      norvane::host::set_context_factory(norvane::excel::MakeContext);
+      norvane::host::attach();  // without a slot the wrappers answer null
+      break;
+    case DLL_THREAD_DETACH: norvane::host::thread_ended(); break;
+    case DLL_PROCESS_DETACH:
+      // A non-null last argument: the process ends, its other threads are gone and may have left locks behind.
+      if (reserved == nullptr) norvane::host::detach();
+      break;
+    default: break;
+  }
+  return TRUE;
+}
+
+#else
+
+namespace {
+
+__attribute__((constructor)) void loaded() {
+  norvane::host::set_context_factory(norvane::excel::MakeContext);
+  norvane::host::attach();
+}
+
+__attribute__((destructor)) void unloaded() { norvane::host::detach(); }
+
+}  // namespace
+
+#endif

@@ -1,0 +1,6 @@
+// Numbers of the resources of the spreadsheet host.
+#pragma once
+
+#define NORVANE_DIALOG_ABOUT 201
+#define NORVANE_ABOUT_VERSION 202
+#define NORVANE_ABOUT_COMMIT 203

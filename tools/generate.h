@@ -1,0 +1,23 @@
+// What the generator writes: one writer a kind of output, from the catalogue to a stream.
+#pragma once
+
+#include <ostream>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "catalogue/catalogue.h"
+#include "core/text.h"
+
+namespace norvane::generate {
+
+using Specs = std::span<const Function_CFunctionSpec* const>;
+using Writer = void (*)(std::ostream& out, Specs specs);
+
+// Worksheet wrappers of both dialects, and their names for the module's list of exports.
+void excel_wrappers(std::ostream& out, Specs specs);
+void excel_exports(std::ostream& out, Specs specs);
+
+inline std::string narrow(std::u16string_view text) { return to_utf8(text); }
+
+}  // namespace norvane::generate
