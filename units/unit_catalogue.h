@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -32,7 +33,7 @@ struct Unit_CEntry {
   std::uint32_t code = 0;
   std::u16string_view key;        // lookup key without blanks, for example "inH2O_60_degF"
   std::u16string_view text;       // symbol of a unit, display name of a type or value
-  std::u16string_view long_name;  // "inches of water @ 60 degF"; units and unit systems only
+  std::u16string_view long_name;  // "kilograms per cubic meter"; units and unit systems only
   double factor = 0.0;            // unit: base = value * factor + offset; enumeration value: its number
   double offset = 0.0;
   std::vector<std::uint32_t> members;  // types: codes of the members, in table order
@@ -98,9 +99,10 @@ class Unit_CTypeAndUnitContainer {
 
  private:
   const Unit_CEntry* Find(std::uint32_t code) const noexcept;
+  std::uint32_t Details(std::uint32_t code, const Unit_CEntry*& entry) const noexcept;
 
   struct Tables;
-  Tables* tables_;
+  std::unique_ptr<Tables> tables_;
   std::uint32_t build_result_ = 0;
 };
 
