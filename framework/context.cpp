@@ -303,7 +303,7 @@ bool Function_CContext::GetString(const FUNCTION_ARG& in, std::u16string_view& t
   }
   text = {};
   if (in.kind == ARG_MISSING || in.kind == ARG_EMPTY) return true;
-  FUNCTION_ARG converted;
+  FUNCTION_ARG converted{};
   if (!ConvertArgument(converted, in, ARG_STRING)) return false;
   text = converted.text();
   return true;
@@ -320,7 +320,7 @@ bool Function_CContext::ReadNumber(const FUNCTION_ARG* arg, double& value) noexc
     value = arg->number;
     return true;
   }
-  FUNCTION_ARG converted;
+  FUNCTION_ARG converted{};
   if (!ConvertArgument(converted, *arg, ARG_NUMBER)) return false;
   value = converted.number;
   return true;
@@ -334,7 +334,7 @@ bool Function_CContext::ReadNumber(const FUNCTION_ARG* arg, double& value, doubl
 
 bool Function_CContext::ReadInteger(const FUNCTION_ARG* arg, std::int32_t& value) noexcept {
   if (arg == nullptr) return FailConversion(ERROR_VALUE);
-  FUNCTION_ARG converted;
+  FUNCTION_ARG converted{};
   if (!ConvertArgument(converted, *arg, ARG_INTEGER)) return false;
   value = converted.integer;
   return true;
@@ -357,7 +357,7 @@ bool Function_CContext::ReadUnsigned(const FUNCTION_ARG* arg, std::uint32_t& val
 
 bool Function_CContext::ReadBoolean(const FUNCTION_ARG* arg, bool& value) noexcept {
   if (arg == nullptr) return FailConversion(ERROR_VALUE);
-  FUNCTION_ARG converted;
+  FUNCTION_ARG converted{};
   if (!ConvertArgument(converted, *arg, ARG_BOOLEAN)) return false;
   value = converted.boolean != 0;
   return true;
@@ -371,7 +371,7 @@ bool Function_CContext::ReadBoolean(const FUNCTION_ARG* arg, bool& value, bool f
 
 bool Function_CContext::ReadText(const FUNCTION_ARG* arg, std::u16string_view& text) noexcept {
   if (arg == nullptr) return FailConversion(ERROR_VALUE);
-  FUNCTION_ARG converted;
+  FUNCTION_ARG converted{};
   if (!ConvertArgument(converted, *arg, ARG_STRING)) return false;
   text = converted.text();
   return true;
@@ -386,7 +386,7 @@ bool Function_CContext::ReadText(const FUNCTION_ARG* arg, std::u16string_view& t
 
 bool Function_CContext::ReadArray(const FUNCTION_ARG* arg, FUNCTION_ARG::Array& array) noexcept {
   if (arg == nullptr) return FailConversion(ERROR_VALUE);
-  FUNCTION_ARG converted;
+  FUNCTION_ARG converted{};
   if (!ConvertArgument(converted, *arg, ARG_ARRAY)) return false;
   array = converted.array;
   // A count without elements is a caller's mistake: nothing is read through it.
@@ -397,7 +397,7 @@ bool Function_CContext::ReadArray(const FUNCTION_ARG* arg, FUNCTION_ARG::Array& 
 
 bool Function_CContext::ReadError(const FUNCTION_ARG* arg, std::uint32_t& code) noexcept {
   if (arg == nullptr) return FailConversion(ERROR_VALUE);
-  FUNCTION_ARG converted;
+  FUNCTION_ARG converted{};
   if (!ConvertArgument(converted, *arg, ARG_ERROR)) return false;
   code = converted.error;
   return true;
