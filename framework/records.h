@@ -56,13 +56,13 @@ struct Value {
   enum class Kind : std::uint8_t { none, number, boolean, text, integer };
   Kind kind = Kind::none;
   double number = 0.0;
-  std::u16string_view text;
+  std::u16string_view text{};
 };
 
 struct Input {
-  std::u16string_view key;
-  std::u16string_view display;
-  std::u16string_view description;
+  std::u16string_view key{};
+  std::u16string_view display{};
+  std::u16string_view description{};
   std::uint32_t type = data_type::any;
   Value default_value{};
   double minimum = 0.0;
@@ -127,8 +127,8 @@ struct Input {
 
 struct StatusValue {
   double value = 0.0;
-  std::u16string_view id;
-  std::u16string_view description;
+  std::u16string_view id{};
+  std::u16string_view description{};
 };
 
 struct Output {
@@ -168,16 +168,16 @@ struct Output {
 
 struct Function {
   GroupId group = GroupId::Math;
-  std::u16string_view id;
-  std::u16string_view display;
-  std::u16string_view description;
+  std::u16string_view id{};
+  std::u16string_view display{};
+  std::u16string_view description{};
   std::u16string_view category = u"Math";
-  std::u16string_view subcategory;
-  std::u16string_view keywords;
+  std::u16string_view subcategory{};
+  std::u16string_view keywords{};
   std::uint32_t flags = FUNCTION_FALLBACK;
   std::int32_t name_input = -1;
-  std::span<const Input> inputs;
-  std::span<const Output> outputs;
+  std::span<const Input> inputs{};
+  std::span<const Output> outputs{};
   Function_Implementation implementation = nullptr;
   // Standard, edition and clauses, limits and remarks for the reference documentation; not part of the record
   // that hosts see. Paragraphs end with a line feed.
