@@ -1,0 +1,149 @@
+// GPA Standard 2172, Calculation of gross heating value, relative density, compressibility and theoretical
+// hydrocarbon liquid content for natural gas mixtures; component properties of GPA 2145.
+//
+// x_i  mole fraction [-]    b_i  summation factor [psia^-1/2, kPa^-1/2]    P  base pressure [psia, kPa]
+// G    relative density [-]    Z  compressibility factor [-]    x_s  mole fraction of water in saturated gas
+// [-]
+#include "math/gas/gpa2172.h"
+
+#include <array>
+#include <iterator>
+
+#include "math/gas/gpa2145_table.h"
+
+namespace norvane::GPA2172 {
+namespace {
+
+using GPA2145::Component;
+using GPA2145::n_components;
+
+constexpr std::size_t i_water = 5, i_isopentane = 12, i_n_pentane = 13, i_neopentane = 21;
+static_assert(n_fractions == n_components + 1 && i_neopentane == n_components);
+
+constexpr double sum_low = 0.9999, sum_high = 1.0001;
+
+// Base conditions of an edition of GPA 2145.
+struct Edition {
+  const Component* components;
+  double saturation;     // x_s: vapour pressure of water over base pressure
+  double air_summation;  // summation factor of dry air
+  double pressure;       // P
+};
+
+// In the order of the editions 2000, 2003, 2009, 2016. The vapour pressure of water is 0.25636 psia, from
+// 2016 on 0.2564 psia, at 60 degF, and 1.7058 kPa at 15 degC.
+constexpr double psia = 14.696, kPa = 101.325;
+constexpr Edition customary[] = {
+    {GPA2145::customary_2000, 0.017444202504082743, 0.005, psia},
+    {GPA2145::customary_2003, 0.017444202504082743, 0.00678, psia},
+    {GPA2145::customary_2016, 0.017444202504082743, 0.00523, psia},
+    {GPA2145::customary_2016, 0.01744692433315188, 0.00537, psia},
+};
+constexpr Edition metric[] = {
+    {GPA2145::metric_2003, 0.016834937083641748, 0.00259, kPa},
+    {GPA2145::metric_2003, 0.016834937083641748, 0.00259, kPa},
+    {GPA2145::metric_2016, 0.016834937083641748, 0.00201, kPa},
+    {GPA2145::metric_2016, 0.016834937083641748, 0.00201, kPa},
+};
+constexpr int n_editions = 4;
+static_assert(std::size(customary) == n_editions && std::size(metric) == n_editions);
+
+// The sum, weighted by mole fractions, of every property (water with its own row, as tabulated).
+Component weighted(const Component* components, const std::array<double, n_components>& x) noexcept {
+  Component sum{};
+  for (std::size_t i = 0; i < n_components; ++i) {
+    const Component& c = components[i];
+    sum.molar_mass += x[i] * c.molar_mass;
+    sum.ideal_relative_density += x[i] * c.ideal_relative_density;
+    sum.gross_volume += x[i] * c.gross_volume;
+    sum.gross_mass += x[i] * c.gross_mass;
+    sum.net_volume += x[i] * c.net_volume;
+    sum.summation += x[i] * c.summation;
+  }
+  return sum;
+}
+
+constexpr double mixed(double part, double of_second, double of_first) {
+  return part * of_second + (1.0 - part) * of_first;
+}
+
+Component mixed_with_water(double x_water, const Component& dry, const Component& water) noexcept {
+  return {mixed(x_water, water.molar_mass, dry.molar_mass),
+          mixed(x_water, water.ideal_relative_density, dry.ideal_relative_density),
+          mixed(x_water, water.gross_volume, dry.gross_volume),
+          mixed(x_water, water.gross_mass, dry.gross_mass),
+          mixed(x_water, water.net_volume, dry.net_volume),
+          mixed(x_water, water.summation, dry.summation)};
+}
+
+// The real gas of one basis. x_water is the water that the air of the relative density carries: none with dry
+// gas, else the water of the gas. False when the gas has no compressibility factor.
+bool real_gas(const Component& ideal, const Edition& edition, double x_water, Basis& basis) noexcept {
+  const double P = edition.pressure;
+  const double s_air = mixed(x_water, edition.components[i_water].summation, edition.air_summation);
+  const double Z = 1.0 - P * ideal.summation * ideal.summation;
+  const double Z_air = 1.0 - P * s_air * s_air;
+  if (!(Z > 0.0)) return false;
+  basis.gross_volume = ideal.gross_volume / Z;
+  basis.molar_mass = ideal.molar_mass;
+  basis.ideal_relative_density = ideal.ideal_relative_density;
+  basis.real_relative_density = ideal.ideal_relative_density * Z_air / Z;
+  basis.compressibility = Z;
+  basis.gross_mass = ideal.gross_mass;
+  basis.net_volume = ideal.net_volume / Z;
+  return true;
+}
+
+}  // namespace
+
+Result calculate(std::span<const double, n_fractions> fractions, Units units, int edition_option,
+                 NeoPentane mode) noexcept {
+  Result result;
+  const auto end_with = [&result](Status status) {
+    result.status = status;
+    return result;
+  };
+  if (edition_option < 1 || edition_option > n_editions) return end_with(Status::unknown_option);
+  const Edition& edition =
+      (units == Units::metric ? metric : customary)[static_cast<std::size_t>(edition_option - 1)];
+
+  double total = 0.0;
+  for (double fraction : fractions) total += fraction;
+  if (!(total >= sum_low && total <= sum_high)) return end_with(Status::composition);
+  for (double fraction : fractions) {
+    if (fraction < 0.0) return end_with(Status::failed);
+  }
+
+  std::array<double, n_components> x;
+  for (std::size_t i = 0; i < n_components; ++i) x[i] = fractions[i];
+  switch (mode) {
+    case NeoPentane::to_isopentane: x[i_isopentane] += fractions[i_neopentane]; break;
+    case NeoPentane::to_n_pentane: x[i_n_pentane] += fractions[i_neopentane]; break;
+    case NeoPentane::neglect: break;
+    default: return end_with(Status::unknown_option);
+  }
+  double dry_sum = 0.0;  // summed, not subtracted, so that a rounding residue is never taken for a gas
+  for (std::size_t i = 0; i < n_components; ++i) dry_sum += i == i_water ? 0.0 : x[i];
+  if (!(dry_sum > 0.0)) return end_with(Status::failed);  // nothing but water or neglected neo-pentane
+  const double wet_sum = dry_sum + x[i_water];
+
+  std::array<double, n_components> wet, dry;
+  for (std::size_t i = 0; i < n_components; ++i) {
+    wet[i] = x[i] / wet_sum;
+    dry[i] = x[i] / dry_sum;
+  }
+  dry[i_water] = 0.0;
+
+  const Component ideal_wet = weighted(edition.components, wet);
+  const Component ideal_dry = weighted(edition.components, dry);
+  const Component ideal_saturated =
+      mixed_with_water(edition.saturation, ideal_dry, edition.components[i_water]);
+  if (!real_gas(ideal_wet, edition, wet[i_water], result.wet) ||
+      !real_gas(ideal_dry, edition, 0.0, result.dry) ||
+      !real_gas(ideal_saturated, edition, edition.saturation, result.saturated)) {
+    return end_with(Status::failed);
+  }
+  return result;
+}
+
+}  // namespace norvane::GPA2172
