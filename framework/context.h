@@ -45,7 +45,8 @@ class Function_CContext {
   // Slot 1. Converts to the kind (1 to 8) asked for. False on failure, with the error code in
   // conversion_error().
   virtual bool ConvertArgument(FUNCTION_ARG& out, const FUNCTION_ARG& in, std::uint32_t kind) noexcept;
-  // Slots 2 to 5: hooks of hosts, never called from the steps of a call.
+  // Slots 2 to 5: hooks of hosts, never called from the steps of a call. Slot 2: retentive data is about to be opened,
+  // a host that finds its calling place only when it is wanted completes the caller's texts and the data slot now.
   virtual void HostNotify1() noexcept {}
   virtual bool HostQuery1() noexcept { return false; }
   virtual bool HostQuery2() noexcept { return false; }
@@ -144,6 +145,7 @@ class Function_CContext {
   }
 
  protected:
+  void SetDataSlot(std::uint64_t* slot) noexcept { data_slot_ = slot; }
   bool FailConversion(std::uint32_t code) noexcept {
     conversion_error_ = code;
     return false;

@@ -202,6 +202,7 @@ Function_CData* Function_CDataManager::Open(const Function_CRegisteredType& type
 bool Function_CDataAccessor::Open(Function_CContext& context, const Function_CRegisteredType& type,
                                   std::u16string_view name, bool global) noexcept {
   Close();
+  context.HostNotify1();
   Function_CDataManager& manager = context.data_manager();
   std::uint64_t* const slot = context.data_slot();
   if (slot != nullptr && *slot != 0) {
