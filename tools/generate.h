@@ -18,6 +18,8 @@ using Writer = void (*)(std::ostream& out, Specs specs);
 void excel_wrappers(std::ostream& out, Specs specs);
 void excel_exports(std::ostream& out, Specs specs);
 
-inline std::string narrow(std::u16string_view text) { return to_utf8(text); }
+inline std::string narrow(std::u16string_view text) {
+  return to_utf8(text);
+}
 
 }  // namespace norvane::generate

@@ -1,5 +1,5 @@
-// Loading and unloading of the module, and the end of threads. Nothing here may load libraries, wait for threads or
-// call the host: on Windows this runs under the loader's lock.
+// Loading and unloading of the module, and the end of threads. Nothing here may load libraries, wait for
+// threads or call the host: on Windows this runs under the loader's lock.
 #include "hosts/excel/excel_context.h"
 #include "hosts/module/module.h"
 
@@ -15,7 +15,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* reserved) {
       break;
     case DLL_THREAD_DETACH: norvane::host::thread_ended(); break;
     case DLL_PROCESS_DETACH:
-      // A non-null last argument: the process ends, its other threads are gone and may have left locks behind.
+      // A non-null last argument: the process ends, its other threads are gone and may have left locks
+      // behind.
       if (reserved == nullptr) norvane::host::detach();
       break;
     default: break;
@@ -32,7 +33,9 @@ __attribute__((constructor)) void loaded() {
   norvane::host::attach();
 }
 
-__attribute__((destructor)) void unloaded() { norvane::host::detach(); }
+__attribute__((destructor)) void unloaded() {
+  norvane::host::detach();
+}
 
 }  // namespace
 

@@ -1,8 +1,9 @@
-// The records a spreadsheet host and an add-in exchange, in both dialects of its C interface (64-bit processes).
+// The records a spreadsheet host and an add-in exchange, in both dialects of its C interface (64-bit
+// processes).
 //
-// "4" is the older dialect: 8-bit strings in the code page of the host, 16-bit counts. "12" is the newer one: UTF-16
-// strings, 32-bit counts. Strings are counted, not terminated: their first unit is the length. Rows and columns of
-// references count from 0. Array elements stand row by row.
+// "4" is the older dialect: 8-bit strings in the code page of the host, 16-bit counts. "12" is the newer one:
+// UTF-16 strings, 32-bit counts. Strings are counted, not terminated: their first unit is the length. Rows
+// and columns of references count from 0. Array elements stand row by row.
 #pragma once
 
 #include <cstddef>

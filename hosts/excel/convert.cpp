@@ -1,0 +1,273 @@
+#include "hosts/excel/convert.h"
+
+#include <cstddef>
+#include <cstring>
+#include <type_traits>
+
+#include "hosts/excel/platform.h"
+
+namespace norvane::excel {
+namespace {
+
+// The host frees, the add-in frees: flags beside the type.
+constexpr std::uint32_t ownership_flags = 0x1000 | 0x4000;
+
+// Limits of one argument: a full sheet's rows and columns, arrays inside arrays, and elements in all. A count
+// beyond them is not a sheet's.
+constexpr std::int64_t max_rows = 1048576;
+constexpr std::int64_t max_columns = 16384;
+constexpr std::uint64_t max_elements = 16 * 1048576;
+constexpr int max_nesting = 8;
+
+constexpr std::int32_t host_errors[] = {XL_ERROR_NULL, XL_ERROR_DIV0, XL_ERROR_VALUE, XL_ERROR_REF,
+                                        XL_ERROR_NAME, XL_ERROR_NUM,  XL_ERROR_NA};
+
+struct Dialect12 {
+  using Record = XlRecord12;
+  using Areas = XlAreas12;
+  using Area = XlArea12;
+  static constexpr std::uint32_t reference = ARG_REFERENCE12;
+  static constexpr std::uint32_t multi_reference = ARG_MULTI_REFERENCE12;
+  static constexpr std::uint32_t max_count = 0x7FFFFFFF;
+
+  static bool ReadText(Function_CContext& context, const Record& record, FUNCTION_ARG& arg) noexcept {
+    const std::size_t length = record.string[0];
+    if (length > max_text12) return false;
+    return context.SetText(arg, {record.string + 1, length});
+  }
+
+  // A text beyond the longest cell is cut there, not inside a pair of surrogates.
+  static bool WriteText(Function_CContext& context, std::u16string_view text, Record& record) noexcept {
+    if (text.size() > max_text12) {
+      const bool pair = text[max_text12 - 1] >= 0xD800 && text[max_text12 - 1] <= 0xDBFF;
+      text = text.substr(0, pair ? max_text12 - 1 : max_text12);
+    }
+    char16_t* counted = context.arena().AllocateArray<char16_t>(text.size() + 1);
+    if (counted == nullptr) return false;
+    counted[0] = static_cast<char16_t>(text.size());
+    if (!text.empty()) std::memcpy(counted + 1, text.data(), text.size() * sizeof(char16_t));
+    record.string = counted;
+    return true;
+  }
+};
+
+struct Dialect4 {
+  using Record = XlRecord4;
+  using Areas = XlAreas4;
+  using Area = XlArea4;
+  static constexpr std::uint32_t reference = ARG_REFERENCE4;
+  static constexpr std::uint32_t multi_reference = ARG_MULTI_REFERENCE4;
+  static constexpr std::uint32_t max_count = 0xFFFF;
+
+  static bool ReadText(Function_CContext& context, const Record& record, FUNCTION_ARG& arg) noexcept {
+    const std::size_t length = record.string[0];
+    // One unit a byte in every usual code page; once more with room for two.
+    for (const std::size_t room : {length + 1, 2 * length + 2}) {
+      char16_t* text = context.arena().AllocateArray<char16_t>(room);
+      if (text == nullptr) return false;
+      const std::ptrdiff_t written = platform::FromCodePage(record.string + 1, length, text, room - 1);
+      if (written < 0) continue;
+      text[written] = u'\0';
+      arg = FUNCTION_ARG::String(text, static_cast<std::uint64_t>(written));
+      return true;
+    }
+    return false;
+  }
+
+  // The older dialect's cells are cut to 254 characters, one less than their count could say: worksheets rely
+  // on it.
+  static bool WriteText(Function_CContext& context, std::u16string_view text, Record& record) noexcept {
+    constexpr std::size_t longest = 254;
+    constexpr std::size_t whole_buffer = 255;
+    text = text.substr(0, longest);
+    std::size_t room = text.size() + 1 < whole_buffer ? text.size() + 1 : whole_buffer;
+    for (;;) {
+      unsigned char* counted = context.arena().AllocateArray<unsigned char>(room);
+      if (counted == nullptr) return false;
+      const std::ptrdiff_t written = platform::ToCodePage(text.data(), text.size(), counted + 1, room - 1);
+      if (written >= 0) {
+        counted[0] = static_cast<unsigned char>(written);
+        record.string = counted;
+        return true;
+      }
+      // Characters of several bytes: once more with all the room there is, unless that was it.
+      if (room == whole_buffer || text.size() >= longest) return false;
+      room = whole_buffer;
+    }
+  }
+};
+
+template <class Dialect>
+class Reader {
+ public:
+  using Record = typename Dialect::Record;
+
+  explicit Reader(Function_CContext& context) noexcept : context_(context) {}
+
+  bool Read(const Record& record, FUNCTION_ARG& arg, int depth = 0) noexcept {
+    switch (record.type & ~ownership_flags) {
+      case XL_NUMBER: arg = FUNCTION_ARG::Number(record.number); return true;
+      case XL_STRING: return record.string != nullptr && Dialect::ReadText(context_, record, arg);
+      case XL_BOOLEAN: arg = FUNCTION_ARG::Boolean(record.boolean != 0); return true;
+      case XL_ERROR: arg = FUNCTION_ARG::Error(code_of_error(record.error)); return true;
+      case XL_MISSING: arg = FUNCTION_ARG::Missing(); return true;
+      case XL_NIL: arg = FUNCTION_ARG::Empty(); return true;
+      case XL_INTEGER: arg = FUNCTION_ARG::Integer(record.integer); return true;
+      case XL_ARRAY: return depth < max_nesting && ReadArray(record, arg, depth);
+      case XL_REFERENCE: {
+        arg = FUNCTION_ARG::Empty();
+        arg.kind = Dialect::reference;
+        std::memcpy(arg.payload, &record.reference, sizeof record.reference);
+        return true;
+      }
+      case XL_MULTI_REFERENCE: return ReadAreas(record, arg);
+      default: return false;
+    }
+  }
+
+ private:
+  bool ReadArray(const Record& record, FUNCTION_ARG& arg, int depth) noexcept {
+    const std::int64_t rows = record.array.rows;
+    const std::int64_t columns = record.array.columns;
+    if (rows < 0 || columns < 0 || rows > max_rows || columns > max_columns) return false;
+    const auto count = static_cast<std::uint64_t>(rows * columns);
+    if (count > max_elements - elements_ || (count != 0 && record.array.elements == nullptr)) return false;
+    elements_ += count;
+    auto* elements = context_.arena().template AllocateArray<FUNCTION_ARG>(static_cast<std::size_t>(count));
+    if (elements == nullptr) return false;
+    for (std::uint64_t i = 0; i < count; ++i)
+      if (!Read(record.array.elements[i], elements[i], depth + 1)) return false;
+    arg = FUNCTION_ARG::OfArray(static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows),
+                                elements);
+    return true;
+  }
+
+  // The area list is copied: it may come back as a result, after the host has let go of its arguments.
+  bool ReadAreas(const Record& record, FUNCTION_ARG& arg) noexcept {
+    using Areas = typename Dialect::Areas;
+    const Areas* from = record.multi.areas;
+    if (from == nullptr) return false;
+    const std::size_t size =
+        offsetof(Areas, areas) + std::size_t{from->count} * sizeof(typename Dialect::Area);
+    const std::size_t room = size > sizeof(Areas) ? size : sizeof(Areas);
+    auto* areas = static_cast<Areas*>(context_.arena().Allocate(room, alignof(Areas)));
+    if (areas == nullptr) return false;
+    std::memcpy(static_cast<void*>(areas), from, size);
+    auto multi = record.multi;
+    multi.areas = areas;
+    arg = FUNCTION_ARG::Empty();
+    arg.kind = Dialect::multi_reference;
+    std::memcpy(arg.payload, &multi, sizeof multi);
+    return true;
+  }
+
+  Function_CContext& context_;
+  std::uint64_t elements_ = 0;
+};
+
+template <class Dialect>
+bool Reference(const FUNCTION_ARG& arg, typename Dialect::Record& record) noexcept {
+  if (arg.kind == Dialect::reference) {
+    std::memcpy(&record.reference, arg.payload, sizeof record.reference);
+    record.type = XL_REFERENCE;
+    return true;
+  }
+  if (arg.kind == Dialect::multi_reference) {
+    std::memcpy(&record.multi, arg.payload, sizeof record.multi);
+    record.type = XL_MULTI_REFERENCE;
+    return true;
+  }
+  return false;
+}
+
+template <class Dialect>
+bool Write(Function_CContext& context, const FUNCTION_ARG& arg, typename Dialect::Record& record,
+           int depth = 0) noexcept {
+  using Record = typename Dialect::Record;
+  record = Record{};
+  switch (arg.kind) {
+    case ARG_NUMBER:
+      record.number = arg.number;
+      record.type = XL_NUMBER;
+      return true;
+    case ARG_INTEGER:
+      // Whole numbers are split by their unsigned value: what is negative or above 65535 comes back as a
+      // number. The integer of the older dialect has 16 bits with a sign, so there 32768 to 65535 arrive
+      // negative (40000 as -25536); both are kept as worksheets know them.
+      if (static_cast<std::uint32_t>(arg.integer) <= 65535) {
+        record.integer = static_cast<decltype(record.integer)>(arg.integer);
+        record.type = XL_INTEGER;
+      } else {
+        record.number = arg.integer;
+        record.type = XL_NUMBER;
+      }
+      return true;
+    case ARG_BOOLEAN:
+      record.boolean = arg.boolean != 0 ? 1 : 0;
+      record.type = XL_BOOLEAN;
+      return true;
+    case ARG_STRING: record.type = XL_STRING; return Dialect::WriteText(context, arg.text(), record);
+    case ARG_ARRAY: {
+      const std::uint64_t count = arg.count();
+      if (arg.array.columns > Dialect::max_count || arg.array.rows > Dialect::max_count ||
+          depth == max_nesting)
+        return false;
+      auto* elements = context.arena().template AllocateArray<Record>(static_cast<std::size_t>(count));
+      if (elements == nullptr) return false;
+      for (std::uint64_t i = 0; i < count; ++i)
+        if (!Write<Dialect>(context, arg.array.elements[i], elements[i], depth + 1)) return false;
+      record.array.elements = elements;
+      record.array.rows = static_cast<decltype(record.array.rows)>(arg.array.rows);
+      record.array.columns = static_cast<decltype(record.array.columns)>(arg.array.columns);
+      record.type = XL_ARRAY;
+      return true;
+    }
+    case ARG_ERROR:
+      // An error among the outputs leaves with its number as it is stored, not translated as the error of a
+      // whole call is (a stored 7 shows as #DIV/0!, not as #N/A); kept as worksheets know it.
+      record.error = static_cast<decltype(record.error)>(arg.error);
+      record.type = XL_ERROR;
+      return true;
+    case ARG_MISSING: record.type = XL_MISSING; return true;
+    case ARG_EMPTY: record.type = XL_NIL; return true;
+    default: return Reference<Dialect>(arg, record);
+  }
+}
+
+}  // namespace
+
+std::uint32_t code_of_error(std::int32_t error) noexcept {
+  for (std::uint32_t i = 0; i < std::size(host_errors); ++i)
+    if (host_errors[i] == error) return i + 1;
+  return ERROR_VALUE;
+}
+
+std::int32_t error_of_code(std::uint32_t code) noexcept {
+  return code >= 1 && code <= std::size(host_errors) ? host_errors[code - 1] : XL_ERROR_VALUE;
+}
+
+bool ToArg(Function_CContext& context, const XlRecord12* record, FUNCTION_ARG& arg) noexcept {
+  return record != nullptr && Reader<Dialect12>(context).Read(*record, arg);
+}
+
+bool ToArg(Function_CContext& context, const XlRecord4* record, FUNCTION_ARG& arg) noexcept {
+  return record != nullptr && Reader<Dialect4>(context).Read(*record, arg);
+}
+
+bool ToRecord(Function_CContext& context, const FUNCTION_ARG& arg, XlRecord12& record) noexcept {
+  return Write<Dialect12>(context, arg, record);
+}
+
+bool ToRecord(Function_CContext& context, const FUNCTION_ARG& arg, XlRecord4& record) noexcept {
+  return Write<Dialect4>(context, arg, record);
+}
+
+bool ReferenceRecord(const FUNCTION_ARG& arg, XlRecord12& record) noexcept {
+  return Reference<Dialect12>(arg, record);
+}
+
+bool ReferenceRecord(const FUNCTION_ARG& arg, XlRecord4& record) noexcept {
+  return Reference<Dialect4>(arg, record);
+}
+
+}  // namespace norvane::excel

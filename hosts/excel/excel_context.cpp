@@ -1,0 +1,231 @@
+#include "hosts/excel/excel_context.h"
+
+#include <cstring>
+#include <type_traits>
+
+#include "hosts/excel/host.h"
+#include "hosts/excel/platform.h"
+#include "hosts/excel/sinks.h"
+
+namespace norvane::excel {
+namespace {
+
+// Text in a given room; what does not fit makes it invalid.
+class PlaceText {
+ public:
+  PlaceText(char16_t* buffer, std::size_t room) noexcept : buffer_(buffer), room_(room) {}
+  void Append(std::u16string_view text) noexcept {
+    if (text.size() > room_ - length_) {
+      good_ = false;
+      return;
+    }
+    std::memcpy(buffer_ + length_, text.data(), text.size() * sizeof(char16_t));
+    length_ += text.size();
+  }
+  void AppendCell(std::int32_t row, std::int32_t column) noexcept {
+    char16_t digits[max_number_text + 1];
+    Append(u"R");
+    Append({digits, format_integer(row + 1, digits)});
+    Append(u"C");
+    Append({digits, format_integer(column + 1, digits)});
+  }
+  bool good() const noexcept { return good_; }
+  std::u16string_view view() const noexcept { return {buffer_, length_}; }
+
+ private:
+  char16_t* buffer_;
+  std::size_t room_;
+  std::size_t length_ = 0;
+  bool good_ = true;
+};
+
+// Length of a sheet's name in the place's buffer, or -1.
+std::ptrdiff_t SheetText(const XlRecord12& record, char16_t* out, std::size_t room) noexcept {
+  const std::size_t length = record.string[0];
+  if (length > room) return -1;
+  std::memcpy(out, record.string + 1, length * sizeof(char16_t));
+  return static_cast<std::ptrdiff_t>(length);
+}
+std::ptrdiff_t SheetText(const XlRecord4& record, char16_t* out, std::size_t room) noexcept {
+  return platform::FromCodePage(record.string + 1, record.string[0], out, room);
+}
+
+}  // namespace
+
+Excel_CFunctionContext::Excel_CFunctionContext(const Function_CLibrary& library,
+                                               const Unit_CTypeAndUnitContainer& units)
+    : Function_CContext(library, units) {
+  EnableMessages(platform::DebugAsked());
+}
+
+bool Excel_CFunctionContext::NoteAnswer(int answer) noexcept {
+  if ((answer & (XL_RETURN_UNCALCULATED | XL_RETURN_ABORT)) != 0) host_closed_ = true;
+  return answer == XL_RETURN_SUCCESS;
+}
+
+// Asks the host for what the cells hold; without a place for the value it only checks that they hold
+// something.
+template <class Record>
+bool Excel_CFunctionContext::Coerce(const FUNCTION_ARG& reference, FUNCTION_ARG* value) noexcept {
+  Record record{};
+  if (!ReferenceRecord(reference, record)) return FailConversion(ERROR_VALUE);
+  Record* args[] = {&record};
+  HostResult<Record> cells;
+  if (!NoteAnswer(cells.Call(XL_COERCE, 1, args)))
+    return FailConversion(host_closed_ ? ERROR_NA : ERROR_VALUE);
+  if (value == nullptr) return true;
+  // A host that answers a reference with a reference would be asked for ever.
+  if (!ToArg(*this, &cells.record(), *value) || is_reference(value->kind)) return FailConversion(ERROR_VALUE);
+  return true;
+}
+
+bool Excel_CFunctionContext::Resolve(const FUNCTION_ARG& reference, FUNCTION_ARG* value) noexcept {
+  if (host_closed_) return FailConversion(ERROR_NA);
+  const bool from12 = reference.kind == ARG_REFERENCE12 || reference.kind == ARG_MULTI_REFERENCE12;
+  return from12 ? Coerce<XlRecord12>(reference, value) : Coerce<XlRecord4>(reference, value);
+}
+
+bool Excel_CFunctionContext::ConvertArgument(FUNCTION_ARG& out, const FUNCTION_ARG& in,
+                                             std::uint32_t kind) noexcept {
+  if (!is_reference(in.kind) || kind == ARG_MISSING || kind == ARG_EMPTY)
+    return Function_CContext::ConvertArgument(out, in, kind);
+  FUNCTION_ARG value;
+  if (!Resolve(in, &value)) {
+    out.kind = kind;
+    return false;
+  }
+  // An argument is asked for once a call, however often it is read.
+  const FUNCTION_ARG* first = arguments();
+  if (first != nullptr && &in >= first && &in < first + argument_count()) arguments()[&in - first] = value;
+  return Function_CContext::ConvertArgument(out, value, kind);
+}
+
+void Excel_CFunctionContext::ReportMessage(std::uint32_t level, std::u16string_view text) noexcept {
+  char16_t line[600];
+  PlaceText message(line, std::size(line));
+  message.Append(level == MESSAGE_ERROR ? u"Norvane: error: " : u"Norvane: warning: ");
+  message.Append(text.substr(0, 560));
+  sinks().debug(message.view());
+}
+
+template <class Record>
+void Excel_CFunctionContext::FindCaller() noexcept {
+  HostResult<Record> caller;
+  if (!NoteAnswer(caller.Call(XLF_CALLER))) return;
+  const auto take = [this](const auto& area) {
+    const std::int32_t rows = area.last_row - area.first_row + 1;
+    const std::int32_t columns = area.last_column - area.first_column + 1;
+    if (area.first_row < 0 || area.first_column < 0 || rows < 1 || columns < 1) return;
+    caller_.first_row = area.first_row;
+    caller_.first_column = area.first_column;
+    caller_.rows = rows;
+    caller_.columns = columns;
+    const bool single = rows == 1 && columns == 1;
+    caller_.end_row = single ? -1 : area.last_row;
+    caller_.end_column = single ? -1 : area.last_column;
+    caller_known_ = true;
+  };
+  const Record& record = caller.record();
+  // Anything else is a menu, a toolbar or another add-in.
+  if (record.type == XL_REFERENCE)
+    take(record.reference.area);
+  else if (record.type == XL_MULTI_REFERENCE && record.multi.areas != nullptr &&
+           record.multi.areas->count >= 1)
+    take(record.multi.areas->areas[0]);
+}
+
+template <class Record>
+bool Excel_CFunctionContext::FindSheet(std::u16string_view& sheet) noexcept {
+  Record place{};
+  place.reference.count = 1;
+  auto& area = place.reference.area;
+  using Row = decltype(area.first_row);
+  using Column = decltype(area.first_column);
+  area.first_row = static_cast<Row>(caller_.first_row);
+  area.last_row = static_cast<Row>(caller_.first_row + caller_.rows - 1);
+  area.first_column = static_cast<Column>(caller_.first_column);
+  area.last_column = static_cast<Column>(caller_.first_column + caller_.columns - 1);
+  place.type = XL_REFERENCE;
+  Record* args[] = {&place};
+  HostResult<Record> name;
+  if (!NoteAnswer(name.Call(XL_SHEET_NAME, 1, args))) return false;
+  if (name.record().type != XL_STRING || name.record().string == nullptr) return false;
+  const std::ptrdiff_t length = SheetText(name.record(), place_, longest_sheet);
+  if (length <= 0) return false;
+  sheet = {place_, static_cast<std::size_t>(length)};
+  return true;
+}
+
+// The rectangle only: the text costs two more calls of the host and is wanted by retentive functions alone.
+const Function_CCallerInfo* Excel_CFunctionContext::FetchCallerInfo() noexcept {
+  if (!caller_asked_ && !host_closed_) {
+    caller_asked_ = true;
+    switch (dialect_) {
+      case DIALECT::excel12: FindCaller<XlRecord12>(); break;
+      case DIALECT::excel4: FindCaller<XlRecord4>(); break;
+      case DIALECT::none: break;
+    }
+  }
+  return &caller_;
+}
+
+// A thread-safe function may not ask the host for the text of its caller, so it is put together here. A
+// caller without a sheet's name keeps the data slot that it was started with.
+void Excel_CFunctionContext::HostNotify1() noexcept {
+  if (dialect_ == DIALECT::none || place_asked_) return;
+  FetchCallerInfo();
+  if (!caller_known_ || host_closed_) return;
+  place_asked_ = true;
+  std::u16string_view sheet;
+  if (!(dialect_ == DIALECT::excel12 ? FindSheet<XlRecord12>(sheet) : FindSheet<XlRecord4>(sheet))) return;
+  PlaceText place(place_, longest_place);
+  place.Append(sheet);
+  place.Append(u"!");
+  place.AppendCell(caller_.first_row, caller_.first_column);
+  if (caller_.end_row >= 0) {
+    place.Append(u":");
+    place.AppendCell(caller_.end_row, caller_.end_column);
+  }
+  if (!place.good()) return;
+  caller_.range_text = place.view();
+  caller_.scope_text = sheet;
+  std::uint64_t* slot = slots_.Find(caller_.range_text);
+  if (slot == nullptr) {
+    try {
+      slot = &slots_.Insert(caller_.range_text, 0);
+    } catch (...) {
+      return;
+    }
+  }
+  SetDataSlot(slot);
+}
+
+std::uint32_t Excel_CFunctionContext::Run(DIALECT dialect, const Function_CFunctionSpec& spec,
+                                          FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output,
+                                          std::uint64_t* data_slot) noexcept {
+  dialect_ = dialect;
+  host_closed_ = false;
+  caller_asked_ = false;
+  caller_known_ = false;
+  place_asked_ = false;
+  caller_ = {};
+  std::uint32_t status = ERROR_OK;
+  if (messages_enabled())
+    for (std::size_t i = 0; i < count && !host_closed_; ++i)
+      if (is_reference(args[i].kind)) Resolve(args[i], nullptr);
+  if (!host_closed_) {
+    std::uint32_t flags = 0;
+    status = Execute(spec, args, count, output, flags, data_slot);
+  }
+  // Also when a cell turned out to be uncalculated while it was read, and whatever the fallback outputs say.
+  if (host_closed_) status = ERROR_NA;
+  dialect_ = DIALECT::none;
+  caller_ = {};
+  return status;
+}
+
+std::unique_ptr<Function_CContext> MakeContext(const host::Module& module) {
+  return std::make_unique<XLL_CFunctionContext>(module.library, module.units, platform::ThreadId());
+}
+
+}  // namespace norvane::excel

@@ -1,0 +1,44 @@
+#include "hosts/excel/wrappers.h"
+
+#include "hosts/excel/convert.h"
+#include "hosts/excel/excel_context.h"
+#include "hosts/module/module.h"
+
+namespace norvane::excel {
+namespace {
+
+template <class Record>
+Record* Run(DIALECT dialect, std::size_t position, Record* const* args, std::size_t count) noexcept {
+  const host::FloatingPointGuard guard;
+  host::ThreadState* state = host::thread_state();
+  const auto specs = catalogue::specifications();
+  if (state == nullptr || position >= specs.size()) return nullptr;
+  const Function_CFunctionSpec& spec = *specs[position];
+  // Every context of this image comes from MakeContext.
+  auto& context = static_cast<XLL_CFunctionContext&>(state->context());
+  context.Reset();
+  Record* result = context.arena().AllocateArray<Record>(1);
+  FUNCTION_ARG* values = context.arena().AllocateArray<FUNCTION_ARG>(count);
+  if (result == nullptr || values == nullptr) return nullptr;
+  for (std::size_t i = 0; i < count; ++i)
+    if (!ToArg(context, args[i], values[i])) return nullptr;
+  FUNCTION_ARG output = FUNCTION_ARG::Empty();
+  const std::uint32_t status = context.Run(dialect, spec, values, count, output, state->slot(spec));
+  if (status == ERROR_OK) return ToRecord(context, output, *result) ? result : nullptr;
+  *result = Record{};
+  result->error = static_cast<decltype(result->error)>(error_of_code(status));
+  result->type = XL_ERROR;
+  return result;
+}
+
+}  // namespace
+
+XlRecord12* Call12(std::size_t position, XlRecord12* const* args, std::size_t count) noexcept {
+  return Run(DIALECT::excel12, position, args, count);
+}
+
+XlRecord4* Call4(std::size_t position, XlRecord4* const* args, std::size_t count) noexcept {
+  return Run(DIALECT::excel4, position, args, count);
+}
+
+}  // namespace norvane::excel
