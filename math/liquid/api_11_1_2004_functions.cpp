@@ -1,0 +1,362 @@
+// API MPMS Chapter 11.1:2004: the records of Tables 5, 6, 23, 24, 53, 54, 59 and 60 and their
+// implementations.
+#include <array>
+#include <iterator>
+
+#include "framework/call.h"
+#include "framework/records.h"
+#include "math/liquid/api_11_1_2004.h"
+
+namespace norvane::functions {
+namespace {
+
+using namespace API_11_1_2004;
+
+// Every table has the same inputs and outputs but for its first value and its units.
+enum class In : std::size_t { name, value, temperature, pressure, product, rounding, count };
+enum class Out : std::size_t { status, value, ctl, cpl, ctpl, k0, k1, k2, alpha, f, product, range, count };
+template <class T>
+using InputRows = std::array<T, static_cast<std::size_t>(In::count)>;
+template <class T>
+using OutputRows = std::array<T, static_cast<std::size_t>(Out::count)>;
+
+struct Units {
+  std::uint32_t temperature;
+  double temperature_low, temperature_high;
+  std::uint32_t pressure;
+  double pressure_low, pressure_high;
+  std::uint32_t alpha;
+  std::uint32_t f;
+};
+constexpr Units customary = {unit::degF, -100, 400, unit::psig, -10, 2000, unit::per_degF, unit::per_psi};
+constexpr Units metric = {unit::degC, -100, 200, unit::bar_g, -1, 250, unit::per_degC, unit::per_kPa};
+
+constexpr InputRows<record::Input> inputs_of(const Units& units, double default_temperature,
+                                             const record::Input& value) {
+  using record::input;
+  return {
+      record::name_input(),
+      value,
+      input(u"temperature", u"Temperature", u"Observed temperature.", units.temperature)
+          .within(units.temperature_low, units.temperature_high)
+          .otherwise(default_temperature),
+      input(u"pressure", u"Pressure", u"Observed pressure.", units.pressure)
+          .within(units.pressure_low, units.pressure_high)
+          .otherwise(0),
+      input(u"product", u"Product", u"", enumeration::apiproduct).otherwise(1),
+      input(u"api rnd", u"API Rounding", u"API rounding and truncating.", data_type::boolean)
+          .otherwise(false),
+  };
+}
+
+constexpr OutputRows<record::Output> outputs_of(const Units& units, const record::Output& value) {
+  using record::output;
+  return {
+      record::status_output(),
+      value,
+      output(u"ctl", u"CTL", u"Volume correction factor for temperature.", data_type::num, u"CTL"),
+      output(u"cpl", u"CPL", u"Volume correction factor for pressure.", data_type::num, u"CPL"),
+      output(u"ctpl", u"CTPL", u"Combined volume correction factor (CTPL = CTL * CPL).", data_type::num,
+             u"CTPL"),
+      output(u"k0", u"K0", u"Actual value of constant K0 used for CTL calculation.", data_type::num, u"K0"),
+      output(u"k1", u"K1", u"Actual value of constant K1 used for CTL calculation.", data_type::num, u"K1"),
+      output(u"k2", u"K2", u"Actual value of constant K2 used for CTL calculation.", data_type::num, u"K2"),
+      output(u"alpha", u"Thermal Expansion", u"Thermal expansion factor (alpha).", units.alpha, u"ALPHA"),
+      output(u"f", u"Compressibility", u"Compressibility factor (F).", units.f, u"F"),
+      output(u"product", u"",
+             u"When input 'Product' is 'Auto select', then the output is set to the actual selected product "
+             u"of the "
+             u"used table, else the output is set equal to input 'Product'.",
+             enumeration::apiproduct, u"PRDCUR"),
+      output(u"oor", u"Range Status", u"", enumeration::rangestatus, u"OOR"),
+  };
+}
+
+// clang-format off
+namespace table5 {
+constexpr auto inputs = inputs_of(customary, 90, record::input(u"api gravity", u"API Gravity", u"", data_type::num).within(-20, 180).otherwise(30));
+constexpr auto outputs = outputs_of(customary, record::output(u"api gravity 60", u"API Gravity @60\u00B0F", u"API gravity at 60 \u00B0F.", data_type::num, u"API60"));
+}
+namespace table6 {
+constexpr auto inputs = inputs_of(customary, 90, record::input(u"api gravity 60", u"API Gravity @60\u00B0F", u"API gravity at 60 \u00B0F.", data_type::num).within(-20, 120).otherwise(30));
+constexpr auto outputs = outputs_of(customary, record::output(u"api gravity", u"API Gravity", u"", data_type::num, u"API"));
+}
+namespace table23 {
+constexpr auto inputs = inputs_of(customary, 90, record::input(u"rel density", u"Relative Density", u"Observed relative density.", data_type::num).within(0, 1.3).otherwise(0.9));
+constexpr auto outputs = outputs_of(customary, record::output(u"rel density 60", u"Rel. Density @60\u00B0F", u"Relative density at 60 \u00B0F and 0 psig.", data_type::num, u"RD60"));
+}
+namespace table24 {
+constexpr auto inputs = inputs_of(customary, 90, record::input(u"rel density 60", u"Rel. Density @60\u00B0F", u"Relative density at 60 \u00B0F and 0 psig.", data_type::num).within(0, 1.3).otherwise(0.7));
+constexpr auto outputs = outputs_of(customary, record::output(u"rel density", u"Relative Density", u"Observed relative density.", data_type::num, u"RD"));
+}
+namespace table53 {
+constexpr auto inputs = inputs_of(metric, 20, record::input(u"density", u"Density", u"Observed density.", unit::kg_m3).within(0, 1300).otherwise(1000));
+constexpr auto outputs = outputs_of(metric, record::output(u"density 15", u"Density @15\u00B0C", u"Density at 15 \u00B0C and 0 bar(g).", unit::kg_m3, u"DENS15"));
+}
+namespace table54 {
+constexpr auto inputs = inputs_of(metric, 25, record::input(u"density 15", u"Density @15\u00B0C", u"Density at 15 \u00B0C and 0 bar(g).", unit::kg_m3).within(0, 1300).otherwise(1000));
+constexpr auto outputs = outputs_of(metric, record::output(u"density", u"Density", u"Observed density.", unit::kg_m3, u"DENS"));
+}
+namespace table59 {
+constexpr auto inputs = inputs_of(metric, 25, record::input(u"density", u"Density", u"Observed density.", unit::kg_m3).within(0, 1300).otherwise(1000));
+constexpr auto outputs = outputs_of(metric, record::output(u"density 20", u"Density @20\u00B0C", u"Density at 20 \u00B0C and 0 bar(g).", unit::kg_m3, u"DENS20"));
+}
+namespace table60 {
+constexpr auto inputs = inputs_of(metric, 90, record::input(u"density 20", u"Density @20\u00B0C", u"Density at 20 \u00B0C and 0 bar(g).", unit::kg_m3).within(0, 1300).otherwise(1000));
+constexpr auto outputs = outputs_of(metric, record::output(u"density", u"Density", u"Observed density.", unit::kg_m3, u"DENS"));
+}
+// clang-format on
+
+// Product option to commodity group, and back.
+constexpr Group groups[] = {Group::crude,    Group::refined,  Group::gasoline,       Group::transition,
+                            Group::jet_fuel, Group::fuel_oil, Group::lubricating_oil};
+int product_of(Group group) {
+  for (std::size_t i = 0; i < std::size(groups); ++i) {
+    if (groups[i] == group) return static_cast<int>(i) + 1;
+  }
+  return 0;
+}
+
+struct Observation {
+  Liquid liquid;
+  double value;
+  double temperature;
+  double pressure;
+  Rounding rounding;
+};
+
+// How a table's first input and first output stand for a density, and which way the table goes.
+struct ApiGravity {
+  static double to_density(double api) { return density_of_gravity(api); }
+  static double from_density(double rho) { return gravity_of_density(rho); }
+};
+struct RelativeDensity {
+  static double to_density(double rd) { return density_of_relative(rd); }
+  static double from_density(double rho) { return relative_of_density(rho); }
+};
+struct Density {
+  static double to_density(double rho) { return rho; }
+  static double from_density(double rho) { return rho; }
+};
+struct Base60F {
+  static Outcome to_base(const Observation& o, double rho, Correction& result) {
+    return base_from_observed(o.liquid, rho, o.temperature, o.pressure, o.rounding, result);
+  }
+  static Outcome to_observed(const Observation& o, double rho, Correction& result) {
+    return observed_from_base(o.liquid, rho, o.temperature, o.pressure, o.rounding, result);
+  }
+};
+template <MetricBase base>
+struct BaseMetric {
+  static Outcome to_base(const Observation& o, double rho, Correction& result) {
+    return base_from_observed(o.liquid, base, rho, o.temperature, o.pressure, o.rounding, result);
+  }
+  static Outcome to_observed(const Observation& o, double rho, Correction& result) {
+    return observed_from_base(o.liquid, base, rho, o.temperature, o.pressure, o.rounding, result);
+  }
+};
+enum class Direction { to_base, to_observed };
+
+template <class Value, class Base, Direction direction>
+std::uint32_t run(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
+  Call call(context, args, count, output);
+  Observation observation{};
+  observation.value = call.number(In::value);
+  observation.temperature = call.number(In::temperature);
+  observation.pressure = call.number(In::pressure);
+  const int product = call.option(In::product);
+  observation.rounding = call.boolean(In::rounding) ? Rounding::on : Rounding::off;
+  if (call.failed()) return call.error();
+  if (product < 1 || product > static_cast<int>(std::size(groups))) {
+    return call.status_only(static_cast<int>(Outcome::argument_error));
+  }
+  observation.liquid.group = groups[product - 1];
+
+  const double rho = Value::to_density(observation.value);
+  Correction result;
+  const Outcome outcome = direction == Direction::to_base ? Base::to_base(observation, rho, result)
+                                                          : Base::to_observed(observation, rho, result);
+  if (outcome != Outcome::ok) return call.status_only(static_cast<int>(outcome));
+
+  call.set_integer(Out::status, 0);
+  call.set(Out::value, Value::from_density(direction == Direction::to_base ? result.base_density
+                                                                           : result.observed_density));
+  call.set(Out::ctl, result.ctl);
+  call.set(Out::cpl, result.cpl);
+  call.set(Out::ctpl, result.ctpl);
+  call.set(Out::k0, result.k.k0);
+  call.set(Out::k1, result.k.k1);
+  call.set(Out::k2, result.k.k2);
+  call.set(Out::alpha, result.alpha);
+  call.set(Out::f, result.f);
+  call.set_integer(Out::product, product_of(result.group));
+  call.set_integer(Out::range, result.out_of_range ? 1 : 0);
+  return call.done();
+}
+
+constexpr std::u16string_view subcategory = u"API 11.1 (2004)";
+constexpr std::u16string_view customary_words = u"customary,liquid,api";
+constexpr std::u16string_view metric_words = u"metric,liquid,api";
+
+// Notes for the reference, by direction and base.
+#define NOTES_COMMON                                                                                        \
+  u"Commodity groups and constants: crude oil, gasoline, transition zone, jet fuel, fuel oil, lubricating " \
+  u"oil. "                                                                                                  \
+  u"'Refined, auto' takes the group by the density at 60 \u00B0F: gasoline below 770.352, transition zone " \
+  u"below 787.5195, jet fuel below 838.3127 kg/m3, fuel oil from there.\n"                                  \
+  u"Range status 1: temperature outside -58 to 302 \u00B0F (-50 to 150 \u00B0C), pressure outside 0 to "    \
+  u"1500 "                                                                                                  \
+  u"psig (103.42 bar(g)), density at 60 \u00B0F outside 610.6 to 1163.5 kg/m3 (lubricating oil 800.9 to "   \
+  u"1163.5), or observed density outside 470.5 to 1201.8 (crude oil), 470.4 to 1209.5 (refined products), " \
+  u"714.3 to 1208.3 kg/m3 (lubricating oil). The calculation is carried out all the same.\n"                \
+  u"A negative gauge pressure gives a CPL of exactly 1. Inputs are not rounded; API rounding rounds the "   \
+  u"CTPL "                                                                                                  \
+  u"to 5 decimals, half away from zero, and nothing else.\n"
+#define NOTES_ITERATION                                                                                    \
+  u"Status 3 when 15 steps do not meet the observed density within 1e-6 kg/m3: a named refined group far " \
+  u"outside its own densities, or a density that falls into the gap of less than 0.0001 kg/m3 where two "  \
+  u"refined groups meet. A result is refined until base density times CTL times CPL gives the observed "   \
+  u"density within 1e-10 of it.\n"
+#define NOTES_METRIC                                                                                       \
+  u"CTL, CTPL and CPL belong to the table's own base: volumes go through 60 \u00B0F, CTL is the ratio of " \
+  u"the factors at the observed and at the base temperature.\n"
+
+constexpr std::u16string_view notes_to_60F =
+    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.6.2.\n" NOTES_COMMON NOTES_ITERATION;
+constexpr std::u16string_view notes_from_60F =
+    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.6.1.\n" NOTES_COMMON;
+constexpr std::u16string_view notes_to_metric =
+    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.7.2.\n" NOTES_COMMON NOTES_METRIC
+        NOTES_ITERATION;
+constexpr std::u16string_view notes_from_metric =
+    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.7.1.\n" NOTES_COMMON NOTES_METRIC
+        NOTES_ITERATION;
+#undef NOTES_COMMON
+#undef NOTES_ITERATION
+#undef NOTES_METRIC
+
+}  // namespace
+
+extern const record::Function API_Table5_2004;
+extern const record::Function API_Table6_2004;
+extern const record::Function API_Table23_2004;
+extern const record::Function API_Table24_2004;
+extern const record::Function API_Table53_2004;
+extern const record::Function API_Table54_2004;
+extern const record::Function API_Table59_2004;
+extern const record::Function API_Table60_2004;
+
+const record::Function API_Table5_2004 = {
+    .id = u"API_Table5_2004",
+    .display = u"API Table-5 (2004)",
+    .description =
+        u"API Gravity at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, typically 0 psig) according to "
+        u"API MPMS Chapter 11.1:2004 Table 5.",
+    .subcategory = subcategory,
+    .keywords = customary_words,
+    .name_input = 0,
+    .inputs = table5::inputs,
+    .outputs = table5::outputs,
+    .implementation = run<ApiGravity, Base60F, Direction::to_base>,
+    .notes = notes_to_60F};
+
+const record::Function API_Table6_2004 = {
+    .id = u"API_Table6_2004",
+    .display = u"API Table-6 (2004)",
+    .description =
+        u"CTL (Correction Factor for Temperature) at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, "
+        u"typically 0 psig) according to API MPMS Chapter 11.1:2004 Table 6.",
+    .subcategory = subcategory,
+    .keywords = customary_words,
+    .name_input = 0,
+    .inputs = table6::inputs,
+    .outputs = table6::outputs,
+    .implementation = run<ApiGravity, Base60F, Direction::to_observed>,
+    .notes = notes_from_60F};
+
+const record::Function API_Table23_2004 = {
+    .id = u"API_Table23_2004",
+    .display = u"API Table-23 (2004)",
+    .description =
+        u"Relative Density at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, typically 0 psig) "
+        u"according to API MPMS Chapter 11.1:2004 Table 23.",
+    .subcategory = subcategory,
+    .keywords = customary_words,
+    .name_input = 0,
+    .inputs = table23::inputs,
+    .outputs = table23::outputs,
+    .implementation = run<RelativeDensity, Base60F, Direction::to_base>,
+    .notes = notes_to_60F};
+
+const record::Function API_Table24_2004 = {
+    .id = u"API_Table24_2004",
+    .display = u"API Table-24 (2004)",
+    .description =
+        u"CTL (Correction Factor for Temperature) at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, "
+        u"typically 0 psig) according to API MPMS Chapter 11.1:2004 Table 24.",
+    .subcategory = subcategory,
+    .keywords = customary_words,
+    .name_input = 0,
+    .inputs = table24::inputs,
+    .outputs = table24::outputs,
+    .implementation = run<RelativeDensity, Base60F, Direction::to_observed>,
+    .notes = notes_from_60F};
+
+const record::Function API_Table53_2004 = {
+    .id = u"API_Table53_2004",
+    .display = u"API Table-53 (2004)",
+    .description =
+        u"Density at 15 \u00B0C and EVP (Equilibrium Vapor Pressure, typically 0 bar(g)) according to "
+        u"API MPMS Chapter 11.1:2004 Table 53.",
+    .subcategory = subcategory,
+    .keywords = metric_words,
+    .name_input = 0,
+    .inputs = table53::inputs,
+    .outputs = table53::outputs,
+    .implementation = run<Density, BaseMetric<MetricBase::degC15>, Direction::to_base>,
+    .notes = notes_to_metric};
+
+const record::Function API_Table54_2004 = {
+    .id = u"API_Table54_2004",
+    .display = u"API Table-54 (2004)",
+    .description =
+        u"CTL (Correction Factor for Temperature) at 15 \u00B0C and EVP (Equilibrium Vapor Pressure, "
+        u"typically 0 bar(g)) according to API MPMS Chapter 11.1:2004 Table 54.",
+    .subcategory = subcategory,
+    .keywords = metric_words,
+    .name_input = 0,
+    .inputs = table54::inputs,
+    .outputs = table54::outputs,
+    .implementation = run<Density, BaseMetric<MetricBase::degC15>, Direction::to_observed>,
+    .notes = notes_from_metric};
+
+// "psig" in a metric table is the established text.
+const record::Function API_Table59_2004 = {
+    .id = u"API_Table59_2004",
+    .display = u"API Table-59 (2004)",
+    .description =
+        u"Density at 20 \u00B0C and EVP (Equilibrium Vapor Pressure, typically 0 psig) according to "
+        u"API MPMS Chapter 11.1:2004 Table 59.",
+    .subcategory = subcategory,
+    .keywords = metric_words,
+    .name_input = 0,
+    .inputs = table59::inputs,
+    .outputs = table59::outputs,
+    .implementation = run<Density, BaseMetric<MetricBase::degC20>, Direction::to_base>,
+    .notes = notes_to_metric};
+
+const record::Function API_Table60_2004 = {
+    .id = u"API_Table60_2004",
+    .display = u"API Table-60 (2004)",
+    .description =
+        u"CTL (Correction Factor for Temperature) at 20 \u00B0C and EVP (Equilibrium Vapor Pressure, "
+        u"typically 0 bar(g)) according to API MPMS Chapter 11.1:2004 Table 60.",
+    .subcategory = subcategory,
+    .keywords = metric_words,
+    .name_input = 0,
+    .inputs = table60::inputs,
+    .outputs = table60::outputs,
+    .implementation = run<Density, BaseMetric<MetricBase::degC20>, Direction::to_observed>,
+    .notes = notes_from_metric};
+
+}  // namespace norvane::functions
