@@ -1,0 +1,673 @@
+// AGA Report No. 8, detail characterisation method.
+//
+//   x_i  mole fraction            T  temperature [K]         p  pressure [MPa]     rho  molar density
+//   [kmol/m3] B    second virial coefficient [m3/kmol]                 K  mixture size parameter
+//   [(m3/kmol)^(1/3)] r    reduced density K^3 rho                             U  mixture energy parameter
+//   [K] E_ij = E*_ij sqrt(E_i E_j)    G_ij = G*_ij (G_i + G_j)/2
+//
+//   Z = 1 + rho B - r sum(13..18) C*_n + sum(13..58) C*_n (b_n - k_n r^k_n) r^b_n exp(-r^k_n)
+//   p = rho R T Z
+//
+//   B      = sum(1..18) a_n T^-u_n sum_i sum_j x_i x_j E_ij^u_n (K_i K_j)^1.5 Bn*_ij
+//   Bn*_ij = (G_ij+1-g)^g (Q_i Q_j+1-q)^q (sqrt(F_i F_j)+1-f)^f (S_i S_j+1-s)^s (W_i W_j+1-w)^w
+//   C*_n   = a_n (G+1-g)^g (Q^2+1-q)^q (F+1-f)^f U^u_n T^-u_n
+//
+// The exponential of term n has r^k_n only where k_n > 0. All exponents u are multiples of one half, so that
+// a square root and products give every power of a temperature.
+
+#include "math/gas/aga8.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include "core/elementary.h"
+#include "math/common/composition.h"
+
+namespace norvane::AGA8 {
+namespace {
+
+// ---- Powers of a temperature or an energy
+// -------------------------------------------------------------------------
+
+constexpr double exponents[] = {-13, -6, -1, -0.5, 0, 0.5, 1,   1.5, 2,  3,    3.5, 4,  4.5,
+                                5,   6,  7,  7.5,  8, 9,   9.5, 11,  12, 12.5, 21,  22, 23};
+constexpr std::size_t exponent_count = std::size(exponents);
+using Powers = std::array<double, exponent_count>;
+
+constexpr std::size_t position_of(double u) {
+  std::size_t i = 0;
+  while (exponents[i] != u) ++i;  // a u that is not listed does not compile
+  return i;
+}
+
+// x^u for every exponent.
+inline Powers powers(double x, double inverse) noexcept {
+  const double i2 = inverse * inverse, i3 = i2 * inverse, i6 = i3 * i3, i12 = i6 * i6;
+  const double root = std::sqrt(x);
+  const double x2 = x * x, x3 = x2 * x, x4 = x2 * x2, x5 = x4 * x, x6 = x3 * x3, x7 = x4 * x3, x8 = x4 * x4;
+  const double x9 = x5 * x4, x11 = x6 * x5, x12 = x6 * x6;
+  return {i12 * inverse,
+          i6,
+          inverse,
+          inverse * root,
+          1.0,
+          root,
+          x,
+          x * root,
+          x2,
+          x3,
+          x3 * root,
+          x4,
+          x4 * root,
+          x5,
+          x6,
+          x7,
+          x7 * root,
+          x8,
+          x9,
+          x9 * root,
+          x11,
+          x12,
+          x12 * root,
+          x12 * x9,
+          x11 * x11,
+          x12 * x11};
+}
+
+constexpr std::size_t first_density_term = 12;  // term 13: terms below act in B only
+constexpr std::size_t density_term_count = term_count - first_density_term;
+constexpr std::size_t virial_term_count = 18;
+
+constexpr std::array<std::size_t, term_count> make_positions() {
+  std::array<std::size_t, term_count> positions{};
+  for (std::size_t n = 0; n < term_count; ++n) positions[n] = position_of(terms[n].u);
+  return positions;
+}
+constexpr auto position = make_positions();
+
+// ---- The 24 pairs (k, b)
+// ------------------------------------------------------------------------------------------
+
+struct Exponents {
+  int k, b;
+};
+constexpr Exponents slots[] = {{0, 2}, {0, 3}, {0, 4}, {0, 5}, {0, 6}, {0, 7},  // 0..5
+                               {1, 3}, {1, 8},                                  // 6, 7
+                               {2, 1}, {2, 2}, {2, 3}, {2, 4}, {2, 5}, {2, 6},
+                               {2, 7}, {2, 8}, {2, 9},                   // 8..16
+                               {3, 1}, {3, 3},                           // 17, 18
+                               {4, 1}, {4, 2}, {4, 3}, {4, 4}, {4, 5}};  // 19..23
+constexpr std::size_t slot_count = std::size(slots);
+
+constexpr std::array<std::size_t, density_term_count> make_slots() {
+  std::array<std::size_t, density_term_count> slot{};
+  for (std::size_t n = 0; n < density_term_count; ++n) {
+    const Term& term = terms[first_density_term + n];
+    while (slots[slot[n]].k != term.k || slots[slot[n]].b != term.b) ++slot[n];
+  }
+  return slot;
+}
+constexpr auto slot_of = make_slots();
+
+// Sums that fold the terms 13..58 into their slots, unrolled: f(term, slot, position of the exponent).
+template <class Function, std::size_t... n>
+inline void for_each_density_term(const Function& function, std::index_sequence<n...>) noexcept {
+  (function(std::integral_constant<std::size_t, n>{}, std::integral_constant<std::size_t, slot_of[n]>{},
+            std::integral_constant<std::size_t, position[first_density_term + n]>{}),
+   ...);
+}
+
+// ---- Pair coefficients, tabulated once
+// ----------------------------------------------------------------------------
+
+// Terms of B that all pairs have, and terms that only pairs of polar components or of hydrogen have.
+constexpr std::size_t common_terms[] = {1, 2, 3, 4, 5, 6, 14, 15, 17, 18};
+constexpr std::size_t polar_terms[] = {7, 8, 9, 10, 11, 12, 13, 16};
+constexpr std::size_t common_count = std::size(common_terms);
+constexpr std::size_t polar_count = std::size(polar_terms);
+constexpr std::size_t u_place = common_count, k_place = common_count + 1, block_size = common_count + 2;
+constexpr std::size_t pair_count = component_count * (component_count + 1) / 2;
+
+// Pairs i <= j of which at least one polar term is not zero.
+struct PolarPair {
+  std::size_t i, j;
+};
+constexpr PolarPair polar_pairs[] = {{carbon_dioxide, carbon_dioxide},
+                                     {carbon_dioxide, water},
+                                     {carbon_dioxide, hydrogen_sulfide},
+                                     {water, water},
+                                     {water, hydrogen_sulfide},
+                                     {hydrogen_sulfide, hydrogen_sulfide},
+                                     {hydrogen, hydrogen}};
+
+double power5(double x) noexcept {
+  const double x2 = x * x;
+  return x2 * x2 * x;
+}
+double power_5_2(double x) noexcept {
+  return x * x * std::sqrt(x);
+}
+constexpr double with_flag(int flag, double value) {
+  return flag != 0 ? value : 1.0;
+}
+
+// Coefficients of x_i x_j, doubled for i < j since a pair stands for both orders.
+struct Coefficients {
+  // Pairs (0,0), (0,1) ... (0,20), (1,1) ...: ten terms of B, then U^5, then K^5.
+  alignas(64) double block[pair_count][block_size];
+  double polar[std::size(polar_pairs)][polar_count];
+  struct Orientation {
+    std::size_t i, j;
+    double g;
+  };
+  std::array<Orientation, std::size(pairs)>
+      orientation;  // (G*_ij - 1)(G_i + G_j) of the pairs with G*_ij not 1
+  std::size_t orientation_count = 0;
+
+  static constexpr std::size_t row(std::size_t i) { return i * component_count - i * (i + 1) / 2; }  // + j
+
+  Coefficients() noexcept {
+    for (std::size_t i = 0; i < component_count; ++i) {
+      for (std::size_t j = i; j < component_count; ++j) {
+        const Pair pair = interaction(i, j);
+        const double weight = i == j ? 1.0 : 2.0;
+        double* entry = block[row(i) + j];
+        for (std::size_t m = 0; m < common_count; ++m)
+          entry[m] = weight * virial(pair, terms[common_terms[m] - 1]);
+        const Component& a = components[i];
+        const Component& b = components[j];
+        entry[u_place] = weight * power5(pair.U) * power_5_2(a.E) * power_5_2(b.E);
+        entry[k_place] = weight * power5(pair.K) * power_5_2(a.K) * power_5_2(b.K);
+        if (pair.G != 1.0) orientation[orientation_count++] = {i, j, (pair.G - 1.0) * (a.G + b.G)};
+      }
+    }
+    for (std::size_t p = 0; p < std::size(polar_pairs); ++p) {
+      const auto [i, j] = polar_pairs[p];
+      for (std::size_t m = 0; m < polar_count; ++m)
+        polar[p][m] = (i == j ? 1.0 : 2.0) * virial(interaction(i, j), terms[polar_terms[m] - 1]);
+    }
+  }
+
+  static Pair interaction(std::size_t i, std::size_t j) noexcept {
+    for (const Pair& pair : pairs)
+      if (pair.i == i && pair.j == j) return pair;
+    return {i, j, 1.0, 1.0, 1.0, 1.0};
+  }
+
+  // a_n Bn*_ij E_ij^u_n (K_i K_j)^1.5
+  static double virial(const Pair& pair, const Term& term) noexcept {
+    const Component& i = components[pair.i];
+    const Component& j = components[pair.j];
+    const double E = pair.E * std::sqrt(i.E * j.E);
+    const double G = pair.G * (i.G + j.G) / 2.0;
+    const double KK = i.K * j.K;
+    const double structure = with_flag(term.g, G) * with_flag(term.q, i.Q * j.Q) *
+                             with_flag(term.f, std::sqrt(i.F * j.F)) * with_flag(term.s, i.S * j.S) *
+                             with_flag(term.w, i.W * j.W);
+    return term.a * structure * powers(E, 1.0 / E)[position_of(term.u)] * KK * std::sqrt(KK);
+  }
+};
+
+const Coefficients& coefficients() noexcept {
+  static const Coefficients table;
+  return table;
+}
+
+}  // namespace
+
+double molar_mass(const Composition& x) noexcept {
+  double sum = 0.0;
+  for (std::size_t i = 0; i < component_count; ++i) sum += x[i] * components[i].M;
+  return sum;
+}
+
+void Mixture::set(const Composition& x) noexcept {
+  const Coefficients& table = coefficients();
+  std::array<std::size_t, component_count> present;
+  std::size_t count = 0;
+  G = Q = F = molar_mass = 0.0;
+  for (std::size_t i = 0; i < component_count; ++i) {
+    if (!(x[i] > 0.0)) continue;
+    present[count++] = i;
+    const Component& component = components[i];
+    molar_mass += x[i] * component.M;
+    G += x[i] * component.G;
+    Q += x[i] * component.Q;
+    F += x[i] * x[i] * component.F;
+  }
+
+  std::array<double, block_size> sum{};
+  for (std::size_t a = 0; a < count; ++a) {
+    const double(*row)[block_size] = table.block + Coefficients::row(present[a]);
+    for (std::size_t b = a; b < count; ++b) {
+      const double weight = x[present[a]] * x[present[b]];
+      const double* entry = row[present[b]];
+      for (std::size_t m = 0; m < block_size; ++m) sum[m] += weight * entry[m];
+    }
+  }
+  std::array<double, polar_count> polar{};
+  for (std::size_t p = 0; p < std::size(polar_pairs); ++p) {
+    const double weight = x[polar_pairs[p].i] * x[polar_pairs[p].j];
+    if (weight == 0.0) continue;
+    for (std::size_t m = 0; m < polar_count; ++m) polar[m] += weight * table.polar[p][m];
+  }
+  for (std::size_t p = 0; p < table.orientation_count; ++p) {
+    const Coefficients::Orientation& pair = table.orientation[p];
+    G += x[pair.i] * x[pair.j] * pair.g;
+  }
+
+  for (std::size_t m = 0; m < common_count; ++m) beta[common_terms[m] - 1] = sum[m];
+  for (std::size_t m = 0; m < polar_count; ++m) beta[polar_terms[m] - 1] = polar[m];
+  U = elementary::pow(sum[u_place], 0.2);
+  K3 = elementary::pow(sum[k_place], 0.6);
+
+  const Powers u = powers(U, 1.0 / U);
+  const double Q2 = Q * Q;
+  for_each_density_term(
+      [&](auto n, auto, auto power) {
+        constexpr const Term& term = terms[first_density_term + n];
+        gamma[n] = term.a * with_flag(term.g, G) * with_flag(term.q, Q2) * with_flag(term.f, F) * u[power];
+      },
+      std::make_index_sequence<density_term_count>{});
+}
+
+void Isotherm::set(const Mixture& mixture, double temperature) noexcept {
+  T = temperature;
+  RT = R * T;
+  K3 = mixture.K3;
+  // Far above the mixture's own temperature the equation stays well-behaved to much greater densities.
+  max_density = 1.0 / K3;
+  if (T > 1.2593 * mixture.U) max_density *= 20.0;
+
+  const Powers t = powers(1.0 / T, T);
+  B = 0.0;
+  for (std::size_t n = 0; n < virial_term_count; ++n) B += mixture.beta[n] * t[position[n]];
+  linear = 0.0;
+  for (std::size_t n = 0; n < virial_term_count - first_density_term; ++n)
+    linear += mixture.gamma[n] * t[position[first_density_term + n]];
+  std::array<double, slot_count> sum{};
+  for_each_density_term([&](auto n, auto slot, auto power) { sum[slot] += mixture.gamma[n] * t[power]; },
+                        std::make_index_sequence<density_term_count>{});
+  C = sum;
+  for (std::size_t s = 0; s < slot_count; ++s) bC[s] = slots[s].b * sum[s];
+}
+
+namespace {
+
+// Polynomials of the five groups of equal k in the reduced density, powers of r2 = r^2 kept apart so that the
+// two halves run side by side.
+inline double group0(const double* c, double r, double r2) noexcept {  // b = 2..7
+  return r2 * ((c[0] + r2 * (c[2] + r2 * c[4])) + r * (c[1] + r2 * (c[3] + r2 * c[5])));
+}
+inline double group1(const double* c, double r3, double r5) noexcept {  // b = 3, 8
+  return r3 * (c[0] + r5 * c[1]);
+}
+inline double group2(const double* c, double r, double r2) noexcept {  // b = 1..9
+  return r * ((c[0] + r2 * (c[2] + r2 * (c[4] + r2 * (c[6] + r2 * c[8])))) +
+              r * (c[1] + r2 * (c[3] + r2 * (c[5] + r2 * c[7]))));
+}
+inline double group3(const double* c, double r, double r2) noexcept {  // b = 1, 3
+  return r * (c[0] + r2 * c[1]);
+}
+inline double group4(const double* c, double r, double r2) noexcept {  // b = 1..5
+  return r * ((c[0] + r2 * (c[2] + r2 * c[4])) + r * (c[1] + r2 * c[3]));
+}
+
+// Sums over the slots of one k of c_s r^b_s.
+struct Groups {
+  double k0, k1, k2, k3, k4;
+};
+inline Groups groups(const std::array<double, slot_count>& c, double r) noexcept {
+  const double r2 = r * r, r3 = r2 * r;
+  return {group0(&c[0], r, r2), group1(&c[6], r3, r2 * r3), group2(&c[8], r, r2), group3(&c[17], r, r2),
+          group4(&c[19], r, r2)};
+}
+
+}  // namespace
+
+double Isotherm::pressure(double rho) const noexcept {
+  const double r = K3 * rho;
+  const double r2 = r * r, r3 = r2 * r, r4 = r2 * r2;
+  const auto e = elementary::exp4({-r, -r2, -r3, -r4});
+  const Groups v = groups(C, r);
+  const Groups bv = groups(bC, r);
+  const double sum = bv.k0 + (e[0] * (bv.k1 - r * v.k1) + e[1] * (bv.k2 - 2.0 * r2 * v.k2)) +
+                     (e[2] * (bv.k3 - 3.0 * r3 * v.k3) + e[3] * (bv.k4 - 4.0 * r4 * v.k4));
+  return rho * RT * (1.0 + (rho * B - r * linear) + sum);
+}
+
+namespace {
+
+// ---- Density from pressure: bracket, then Brent's method
+// ----------------------------------------------------------
+
+constexpr int max_bracket_steps = 300;
+constexpr int max_brent_steps = 250;
+constexpr double machine_tolerance = 3e-13;  // smallest relative step
+constexpr double tolerance = 1e-11;          // of pressure and of density
+
+// A density and how far the pressure there lies above the one sought.
+struct Point {
+  double rho;
+  double f;
+};
+
+// Marches upward from the ideal-gas density until the pressure exceeds p. The first point above p ends the
+// march; a pressure that does not rise, as behind a vapour's stability limit, is a failure.
+bool bracket(const Isotherm& isotherm, double p, Point& low, Point& high) noexcept {
+  const double ideal = p / isotherm.RT;
+  const double v = isotherm.RT / p;
+  double rho = 0.167 * v > std::fabs(isotherm.B) ? 0.95 / (v + isotherm.B) : 1.15 / v;
+  double step = rho / 20.0;
+  double previous = 0.0;
+  double previous_pressure = 0.0;
+  bool clipped = false;
+  for (int i = 0; i < max_bracket_steps; ++i) {
+    if (rho > isotherm.max_density && !clipped) {
+      step = (isotherm.max_density - previous) * 0.01 + ideal / 20.0;
+      rho = previous + step;
+      clipped = true;
+      continue;
+    }
+    const double pressure = isotherm.pressure(rho);
+    if (pressure > p) {
+      low = {previous, previous_pressure - p};
+      high = {rho, pressure - p};
+      return true;
+    }
+    if (!(pressure > previous_pressure)) return false;
+    previous = rho;
+    previous_pressure = pressure;
+    if (!clipped) step *= 2.0;
+    rho += step;
+  }
+  return false;
+}
+
+// `best` is the newest and best point, `last` the one before, `other` lies on the far side of the root.
+bool brent(const Isotherm& isotherm, double p, Point last, Point best, double& rho) noexcept {
+  Point other = last;
+  double step = best.rho - last.rho;
+  double earlier_step = step;
+  for (int i = 0; i < max_brent_steps; ++i) {
+    if ((best.f > 0.0) == (other.f > 0.0)) {
+      other = last;
+      step = earlier_step = best.rho - last.rho;
+    }
+    if (std::fabs(other.f) < std::fabs(best.f)) {
+      last = best;
+      best = other;
+      other = last;
+    }
+    const double smallest_step = machine_tolerance * std::fabs(best.rho);
+    const double half = 0.5 * (other.rho - best.rho);
+    bool bisect = true;
+    if (std::fabs(earlier_step) >= smallest_step && std::fabs(last.f) > std::fabs(best.f)) {
+      // Secant through two points, or inverse quadratic through three: step = numerator / denominator.
+      const double s = best.f / last.f;
+      double numerator, denominator;
+      if (last.rho == other.rho) {
+        numerator = 2.0 * half * s;
+        denominator = 1.0 - s;
+      } else {
+        const double q = last.f / other.f;
+        const double t = best.f / other.f;
+        numerator = s * (2.0 * half * q * (q - t) - (best.rho - last.rho) * (t - 1.0));
+        denominator = (q - 1.0) * (t - 1.0) * (s - 1.0);
+      }
+      if (numerator > 0.0) {
+        denominator = -denominator;
+      } else {
+        numerator = -numerator;
+      }
+      // Only a step that stays well inside the bracket and at least halves the one before last is taken.
+      if (2.0 * numerator < std::min(3.0 * half * denominator - std::fabs(smallest_step * denominator),
+                                     std::fabs(earlier_step * denominator))) {
+        earlier_step = step;
+        step = numerator / denominator;
+        bisect = false;
+      }
+    }
+    if (bisect) step = earlier_step = half;
+    if (std::fabs(best.f) < tolerance * p || std::fabs(step) < tolerance * std::fabs(best.rho)) {
+      // The step refines a point that is good already; half of a wide bracket would leave it.
+      const bool leaves = bisect && std::fabs(step) >= tolerance * std::fabs(best.rho);
+      rho = leaves ? best.rho : best.rho + step;
+      return true;
+    }
+    if (std::fabs(step) < smallest_step) step = std::copysign(1.0000009 * smallest_step, step);
+    last = best;
+    best.rho += step;
+    best.f = isotherm.pressure(best.rho) - p;
+  }
+  return false;
+}
+
+}  // namespace
+
+bool Isotherm::density(double p, double& rho) const noexcept {
+  if (!(p > 0.0)) return false;  // no gas without pressure; the ideal volume would be infinite
+  Point low{}, high{};
+  return bracket(*this, p, low, high) && brent(*this, p, low, high, rho);
+}
+
+Residual residual(const Mixture& mixture, double T, double rho) noexcept {
+  const Powers t = powers(1.0 / T, T);
+  // Sums of C, u C and u (u+1) C: the value and its first and second temperature derivatives.
+  double B = 0.0, uB = 0.0, uuB = 0.0;
+  for (std::size_t n = 0; n < virial_term_count; ++n) {
+    const double u = terms[n].u;
+    const double value = mixture.beta[n] * t[position[n]];
+    B += value;
+    uB += u * value;
+    uuB += u * (u + 1.0) * value;
+  }
+  std::array<double, slot_count> c{}, uc{}, uuc{};
+  double linear = 0.0, u_linear = 0.0, uu_linear = 0.0;
+  for_each_density_term(
+      [&](auto n, auto slot, auto power) {
+        constexpr double u = terms[first_density_term + n].u;
+        const double value = mixture.gamma[n] * t[power];
+        c[slot] += value;
+        uc[slot] += u * value;
+        uuc[slot] += u * (u + 1.0) * value;
+        if constexpr (first_density_term + n < virial_term_count) {
+          linear += value;
+          u_linear += u * value;
+          uu_linear += u * (u + 1.0) * value;
+        }
+      },
+      std::make_index_sequence<density_term_count>{});
+  std::array<double, slot_count> bc, bbc, buc;
+  for (std::size_t s = 0; s < slot_count; ++s) {
+    bc[s] = slots[s].b * c[s];
+    bbc[s] = slots[s].b * bc[s];
+    buc[s] = slots[s].b * uc[s];
+  }
+
+  const double r = mixture.K3 * rho;
+  const double r2 = r * r, r3 = r2 * r, r4 = r2 * r2;
+  const auto e = elementary::exp4({-r, -r2, -r3, -r4});
+  Residual sum{};
+  // A group of equal k: v = C r^b exp(-q/k) with q = k r^k. rho v_rho = v (b - q), and
+  // rho^2 v_rhorho = v ((b - q)^2 - (b - q) - k q).
+  const auto add = [&sum](double k, double q, double exponential, double v, double bv, double bbv, double uv,
+                          double buv, double uuv) {
+    sum.ar += exponential * v;
+    sum.d += exponential * (bv - q * v);
+    sum.dd += exponential * (bbv - (2.0 * q + 1.0) * bv + (q * q + q - k * q) * v);
+    sum.t -= exponential * uv;
+    sum.tt += exponential * uuv;
+    sum.dt -= exponential * (buv - q * uv);
+  };
+  const Groups v = groups(c, r), bv = groups(bc, r), bbv = groups(bbc, r);
+  const Groups uv = groups(uc, r), buv = groups(buc, r), uuv = groups(uuc, r);
+  add(0.0, 0.0, 1.0, v.k0, bv.k0, bbv.k0, uv.k0, buv.k0, uuv.k0);
+  add(1.0, r, e[0], v.k1, bv.k1, bbv.k1, uv.k1, buv.k1, uuv.k1);
+  add(2.0, 2.0 * r2, e[1], v.k2, bv.k2, bbv.k2, uv.k2, buv.k2, uuv.k2);
+  add(3.0, 3.0 * r3, e[2], v.k3, bv.k3, bbv.k3, uv.k3, buv.k3, uuv.k3);
+  add(4.0, 4.0 * r4, e[3], v.k4, bv.k4, bbv.k4, uv.k4, buv.k4, uuv.k4);
+
+  // The terms linear in density.
+  const double first = rho * B - r * linear;
+  const double u_first = rho * uB - r * u_linear;
+  sum.ar += first;
+  sum.d += first;
+  sum.t -= u_first;
+  sum.tt += rho * uuB - r * uu_linear;
+  sum.dt -= u_first;
+  return sum;
+}
+
+// ---- Composition and range rules
+// ----------------------------------------------------------------------------------
+
+CompositionResult prepare(const CompositionInput& input, NeoPentaneMode mode, Composition& x) noexcept {
+  std::copy_n(input.begin(), component_count, x.begin());
+  const double neo_pentane = input.back();
+  if (mode == neglect) {
+    double sum = 0.0;
+    for (double amount : input) sum += amount;
+    if (!(sum >= 0.9999 && sum <= 1.0001)) return composition_sum_off;
+  } else {
+    x[mode == add_to_i_pentane ? i_pentane : n_pentane] += neo_pentane;
+  }
+  switch (composition::normalise(x)) {
+    case composition::ok: return composition_good;
+    case composition::sum_off: return mode == neglect ? composition_good : composition_sum_off;
+    default: return composition_unusable;
+  }
+}
+
+int composition_range_1994(const Composition& x) noexcept {
+  const double butanes = x[i_butane] + x[n_butane];
+  const double pentanes = x[i_pentane] + x[n_pentane];
+  const bool beyond = x[methane] > 1.0 || x[nitrogen] > 1.0 || x[carbon_dioxide] > 1.0 || x[ethane] > 1.0 ||
+                      x[hydrogen] > 1.0 || x[hydrogen_sulfide] > 1.0 || x[propane] > 0.12 || butanes > 0.06 ||
+                      pentanes > 0.04 || x[helium] > 0.03 || x[carbon_monoxide] > 0.03 || x[argon] > 0.01 ||
+                      x[oxygen] > 0.21;
+  if (beyond) return 2;
+  // Hexanes and heavier count one by one, not as a sum.
+  const bool heavy = x[n_hexane] <= 0.002 && x[n_heptane] <= 0.002 && x[n_octane] <= 0.002 &&
+                     x[n_nonane] <= 0.002 && x[n_decane] <= 0.002;
+  const bool normal = x[methane] >= 0.45 && x[methane] <= 1.0 && x[ethane] <= 0.1 && x[propane] <= 0.04 &&
+                      butanes <= 0.01 && pentanes <= 0.003 && heavy && x[carbon_monoxide] <= 0.03 &&
+                      x[carbon_dioxide] <= 0.3 && x[nitrogen] <= 0.5 && x[helium] <= 0.002 &&
+                      x[argon] == 0.0 && x[oxygen] == 0.0 && x[hydrogen_sulfide] <= 0.0002 &&
+                      x[hydrogen] <= 0.1 && x[water] <= 0.0005;
+  return normal ? 0 : 1;
+}
+
+int state_limits_1994(double t, double p) noexcept {
+  return t >= -129.0 && t <= 204.0 && p >= 0.0 && p <= 1379.0 ? 0 : 2;
+}
+
+int state_range_1994(double t, double p) noexcept {
+  if (state_limits_1994(t, p) != 0) return 2;
+  return t >= -8.0 && t <= 62.0 && p <= 120.0 ? 0 : 1;
+}
+
+namespace {
+
+// Regions of the 2017 edition. The limits are upper ones, in the order of the components; the lower one is 0.
+struct Region {
+  double minimum_t;  // [degC]
+  double maximum_p;  // [bar]
+  Composition limit;
+};
+// clang-format off
+//   methane, nitrogen, carbon dioxide, ethane, propane, water, hydrogen sulfide, hydrogen, carbon monoxide, oxygen,
+//   i-butane, n-butane, i-pentane, n-pentane, n-hexane, n-heptane, n-octane, n-nonane, n-decane, helium, argon
+constexpr Region region_a{-4.0, 103.0,  // the carbon dioxide limit depends on the other components, see below
+    {1.0, 0.5, 0.3, 0.1, 0.04, 0.0005, 0.001, 0.05, 0.01, 0.002,
+     0.004, 0.006, 0.003, 0.003, 0.0012, 0.0004, 0.0003, 0.0003, 0.0003, 0.004, 0.002}};
+constexpr Region region_b{-4.0, 21.0,
+    {1.0, 0.5, 0.8, 0.25, 0.06, 0.014, 0.04, 1.0, 0.1, 0.01,
+     0.015, 0.06, 0.02, 0.02, 0.002, 0.002, 0.002, 0.002, 0.002, 0.05, 0.03}};
+constexpr Region region_c{-8.0, 210.0,
+    {1.0, 0.03, 0.03, 0.04, 0.02, 0.00005, 0.001, 0.01, 0.01, 0.002,
+     0.001, 0.004, 0.001, 0.001, 0.0003, 0.0001, 0.00003, 0.00003, 0.00003, 0.004, 0.002}};
+// clang-format on
+
+bool within(const Region& region, const Composition& x, double t, double p) noexcept {
+  if (!(t >= region.minimum_t && p <= region.maximum_p)) return false;
+  for (std::size_t i = 0; i < component_count; ++i)
+    if (!(x[i] >= 0.0 && x[i] <= region.limit[i])) return false;
+  return true;
+}
+
+// Carbon dioxide limit of region A: the heavier the rest of the gas, the less of it.
+double carbon_dioxide_limit(const Composition& x) noexcept {
+  if (x[propane] > 0.02) return 5.0 / 100.0;
+  if (x[propane] > 0.01) return 7.0 / 100.0;
+  if (x[i_butane] > 0.001) return 10.0 / 100.0;
+  if (x[n_butane] > 0.003) return 10.0 / 100.0;
+  if (x[nitrogen] > 0.15) return 10.0 / 100.0;
+  if (x[nitrogen] > 0.07) return 20.0 / 100.0;
+  return 30.0 / 100.0;
+}
+
+bool within_region_a(const Composition& x, double t, double p) noexcept {
+  const double heptanes_plus = x[n_heptane] + x[n_octane] + x[n_nonane] + x[n_decane];
+  return within(region_a, x, t, p) && x[carbon_dioxide] <= carbon_dioxide_limit(x) &&
+         x[i_pentane] + x[n_pentane] <= 0.003 && x[n_hexane] + heptanes_plus <= 0.0015 &&
+         heptanes_plus <= 0.0004;
+}
+
+bool within_region_b(const Composition& x, double t, double p) noexcept {
+  return within(region_b, x, t, p) && x[i_pentane] + x[n_pentane] <= 0.02;
+}
+
+}  // namespace
+
+int range_2017(const Composition& x, double t, double p) noexcept {
+  if (!(t >= -130.0 && t <= 180.0 && p >= 0.0 && p <= 2800.0)) return 2;
+  return within_region_a(x, t, p) || within_region_b(x, t, p) || within(region_c, x, t, p) ? 0 : 1;
+}
+
+// ---- The calculation with its memory
+// ------------------------------------------------------------------------------
+
+namespace {
+
+// Equal bits: a NaN equals itself, and 0 and -0 differ.
+bool same(double a, double b) noexcept {
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+}  // namespace
+
+Result CDetail::calculate(const Composition& x, double T, double p, bool check, State& state) noexcept {
+  if (check) {
+    constexpr double lowest = -150.0 + 273.15, highest = 450.0 + 273.15;
+    if (!(T >= lowest && T <= highest && p >= 0.0 && p <= 2800.0)) return out_of_range;
+  }
+  const double p_MPa = p / 10.0;
+  if (!has_composition_ || std::memcmp(x.data(), x_.data(), sizeof x_) != 0) {
+    x_ = x;
+    mixture_.set(x_);
+    has_composition_ = true;
+    has_isotherm_ = has_state_ = false;
+  }
+  if (!has_isotherm_ || !same(T, T_)) {
+    isotherm_.set(mixture_, T);
+    T_ = T;
+    has_isotherm_ = true;
+    has_state_ = false;
+  }
+  if (!has_state_ || !same(p_MPa, p_)) {
+    p_ = p_MPa;
+    has_state_ = true;
+    result_ = isotherm_.density(p_, rho_) ? converged : failed;
+    if (result_ == converged) {
+      z_ = p_ / (rho_ * isotherm_.RT);
+      if (!std::isfinite(z_) || !std::isfinite(rho_)) result_ = not_finite;
+    }
+  }
+  if (result_ == converged) state = {z_, rho_, mixture_.molar_mass, rho_ * mixture_.molar_mass};
+  return result_;
+}
+
+}  // namespace norvane::AGA8

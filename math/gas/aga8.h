@@ -1,0 +1,145 @@
+// AGA Report No. 8, detail characterisation method: compressibility and density of natural gas from its
+// composition.
+//
+// Source: AGA Report No. 8, 2nd edition, 2nd printing (1994), equations and tables; the equation is unchanged
+// in AGA Report No. 8 Part 1 (2017) and in ISO 12213-2. The range rules are those of the 1994 and the 2017
+// edition.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <span>
+
+#include "math/gas/aga8_table.h"
+
+namespace norvane::AGA8 {
+
+inline constexpr double R = 0.00831451;  // gas constant [MPa m3/(kmol K)]
+
+// Mole fractions of the 21 components, in the order of the tables; their sum is 1.
+using Composition = std::array<double, component_count>;
+
+// Component numbers that rules name.
+enum ComponentIndex : std::size_t {
+  methane,
+  nitrogen,
+  carbon_dioxide,
+  ethane,
+  propane,
+  water,
+  hydrogen_sulfide,
+  hydrogen,
+  carbon_monoxide,
+  oxygen,
+  i_butane,
+  n_butane,
+  i_pentane,
+  n_pentane,
+  n_hexane,
+  n_heptane,
+  n_octane,
+  n_nonane,
+  n_decane,
+  helium,
+  argon
+};
+
+// What a composition input holds: the 21 components and neo-pentane, which the equation does not know.
+using CompositionInput = std::array<double, component_count + 1>;
+
+enum NeoPentaneMode : int { add_to_i_pentane = 1, add_to_n_pentane = 2, neglect = 3 };
+
+enum CompositionResult : int { composition_good = 0, composition_unusable = 2, composition_sum_off = 4 };
+
+// Folds or drops neo-pentane and normalises to a sum of 1. Unusable: a negative amount, or a sum below 1e-6.
+// Sum off: neither 1 nor 100 within 1e-4 (relative), or with `neglect` the 22 amounts do not sum to 1. A NaN
+// makes the composition unusable or the sum off.
+CompositionResult prepare(const CompositionInput& input, NeoPentaneMode mode, Composition& x) noexcept;
+
+// Range status: 0 normal, 1 extended, 2 out of range.
+int composition_range_1994(const Composition& x) noexcept;
+int state_range_1994(double t, double p) noexcept;  // t [degC], p [bar]
+// 2 outside the temperature and pressure of the equation as a whole (-129..204 degC, 0..1379 bar), else 0.
+int state_limits_1994(double t, double p) noexcept;
+int range_2017(const Composition& x, double t, double p) noexcept;  // t [degC], p [bar]
+
+double molar_mass(const Composition& x) noexcept;  // [kg/kmol]
+
+// What depends on the composition alone.
+struct Mixture {
+  double K3 = 0.0;                 // cube of the mixture size parameter [m3/kmol]
+  double U = 0.0;                  // mixture energy parameter [K]
+  double G = 0.0;                  // orientation parameter
+  double Q = 0.0;                  // quadrupole parameter
+  double F = 0.0;                  // high-temperature parameter
+  double molar_mass = 0.0;         // [kg/kmol]
+  std::array<double, 18> beta{};   // second virial coefficient B = sum beta_n T^-u_n [m3/kmol], n = 1..18
+  std::array<double, 46> gamma{};  // C*_n = gamma_n T^-u_n, n = 13..58
+
+  void set(const Composition& x) noexcept;
+};
+
+// What depends on composition and temperature. The terms 13..58 have only 24 different pairs of exponents (k,
+// b) of the density, so that at one temperature they are 24 coefficients.
+struct Isotherm {
+  double T = 0.0;               // [K]
+  double RT = 0.0;              // [MPa m3/kmol]
+  double B = 0.0;               // second virial coefficient [m3/kmol]
+  double K3 = 0.0;              // [m3/kmol]
+  double linear = 0.0;          // sum of C*_n, n = 13..18
+  double max_density = 0.0;     // density at which the search is cut [kmol/m3]
+  std::array<double, 24> C{};   // sum of C*_n with the same (k, b)
+  std::array<double, 24> bC{};  // b times that
+
+  void set(const Mixture& mixture, double temperature) noexcept;
+  // Pressure [MPa] at a molar density rho [kmol/m3].
+  double pressure(double rho) const noexcept;
+  // Molar density [kmol/m3] at a pressure p [MPa]. False when the search finds no bracket or does not
+  // converge; a p that is not positive has none.
+  bool density(double p, double& rho) const noexcept;
+};
+
+// Residual Helmholtz energy ar = a_r/(R T) at a temperature and density, and its reduced derivatives.
+struct Residual {
+  double ar;  // a_r/(R T)
+  double d;   // rho d(ar)/d(rho)
+  double dd;  // rho^2 d2(ar)/d(rho)2
+  double t;   // T d(ar)/dT
+  double tt;  // T^2 d2(ar)/dT2
+  double dt;  // rho T d2(ar)/(d(rho) dT)
+};
+Residual residual(const Mixture& mixture, double T, double rho) noexcept;
+
+struct State {
+  double z = 0.0;              // compressibility factor
+  double molar_density = 0.0;  // [kmol/m3]
+  double molar_mass = 0.0;     // [kg/kmol]
+  double mass_density = 0.0;   // [kg/m3]
+};
+
+enum Result : int { converged = 0, failed = -1, not_finite = -2, out_of_range = -3 };
+
+// The calculation with its memory of the last composition, temperature, pressure and answer. Comparisons are
+// exact, so that an answer from memory equals a fresh one bit for bit. Not for use by several threads at
+// once.
+class CDetail {
+ public:
+  // T [K], p [bar]. With `check`, out_of_range for a temperature outside -150..450 degC or a pressure outside
+  // 0..2800 bar. The state is set when the result is `converged`.
+  Result calculate(const Composition& x, double T, double p, bool check, State& state) noexcept;
+
+ private:
+  bool has_composition_ = false;
+  bool has_isotherm_ = false;
+  bool has_state_ = false;
+  Composition x_{};
+  double T_ = 0.0;  // [K]
+  double p_ = 0.0;  // [MPa]
+  Mixture mixture_;
+  Isotherm isotherm_;
+  double rho_ = 0.0;  // [kmol/m3]
+  double z_ = 0.0;
+  Result result_ = failed;
+};
+
+}  // namespace norvane::AGA8
