@@ -1,0 +1,319 @@
+// The catalogue describes itself: FunctionList, FunctionProperty, FunctionInputProperty,
+// FunctionOutputProperty.
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "core/text.h"
+#include "framework/context.h"
+#include "framework/general/arguments.h"
+#include "framework/records.h"
+
+namespace norvane::functions {
+namespace {
+
+// The visible function of a worksheet name, or none with the status of the call.
+const Function_CFunctionSpec* find_function(Function_CContext& context, const FUNCTION_ARG* arg,
+                                            std::uint32_t& status) noexcept {
+  std::u16string_view name;
+  if (!context.ReadText(arg, name)) {
+    status = ERROR_VALUE;
+    return nullptr;
+  }
+  const Function_CFunctionSpec* spec = context.library().FindVisible(name);
+  status = spec != nullptr ? ERROR_OK : ERROR_NA;
+  if (spec == nullptr) context.ReportError(0, u"is not a function");
+  return spec;
+}
+
+// A number that is no 32-bit unsigned one is another error than a value that is no number.
+std::uint32_t read_index(Function_CContext& context, const FUNCTION_ARG* arg, std::uint32_t& index) noexcept {
+  double number = 0.0;
+  if (!context.ReadNumber(arg, number)) return ERROR_VALUE;
+  return context.ReadUnsigned(arg, index) ? ERROR_OK : ERROR_NUM;
+}
+
+std::uint32_t set_text(Function_CContext& context, FUNCTION_ARG& output, std::u16string_view text) noexcept {
+  return context.SetText(output, text.data() != nullptr ? text : u"") ? ERROR_OK : ERROR_VALUE;
+}
+
+std::uint32_t set_boolean(FUNCTION_ARG& output, bool value) noexcept {
+  output = FUNCTION_ARG::Boolean(value);
+  return ERROR_OK;
+}
+
+std::uint32_t set_integer(FUNCTION_ARG& output, std::size_t value) noexcept {
+  output = FUNCTION_ARG::Integer(static_cast<std::int32_t>(value));
+  return ERROR_OK;
+}
+
+std::uint32_t set_type(Function_CContext& context, FUNCTION_ARG& output, std::uint32_t code) noexcept {
+  std::u16string_view text;
+  if (context.units().TextOfCode(code, text) != UNIT_OK) return ERROR_NA;
+  return set_text(context, output, text);
+}
+
+std::uint32_t set_class(FUNCTION_ARG& output, std::uint32_t code) noexcept {
+  return set_integer(output, Unit_CTypeAndUnitContainer::KindOfCode(code));
+}
+
+std::uint32_t set_variant(Function_CContext& context, FUNCTION_ARG& output,
+                          const Core_CVariant& value) noexcept {
+  return context.FromVariant(output, value) ? ERROR_OK : ERROR_VALUE;
+}
+
+std::uint32_t set_bound(FUNCTION_ARG& output, bool present, double bound) noexcept {
+  output = present ? FUNCTION_ARG::Number(bound) : FUNCTION_ARG::Empty();
+  return ERROR_OK;
+}
+
+std::uint32_t function_property(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
+                                FUNCTION_ARG& output) {
+  const Arguments arg{args, count};
+  std::uint32_t status = ERROR_OK;
+  const Function_CFunctionSpec* spec = find_function(context, arg[0], status);
+  std::int32_t property = 0;
+  if (status == ERROR_VALUE || !context.ReadInteger(arg[1], property)) return ERROR_VALUE;
+  if (spec == nullptr) return status;
+  switch (property) {
+    case 1: return set_text(context, output, spec->category);
+    case 2: return set_text(context, output, spec->subcategory);
+    case 3: return set_text(context, output, spec->description);
+    case 4: return set_text(context, output, spec->group->prefix);
+    case 5: return set_boolean(output, spec->has(FUNCTION_VOLATILE));
+    case 6: return set_boolean(output, spec->has(FUNCTION_RETENTIVE));
+    case 7: return set_integer(output, spec->input_count);
+    case 8: return set_integer(output, spec->output_count);
+    case 9: output = FUNCTION_ARG::Integer(spec->name_input); return ERROR_OK;
+    default: return ERROR_VALUE;
+  }
+}
+
+std::uint32_t input_property(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
+                             FUNCTION_ARG& output) {
+  const Arguments arg{args, count};
+  std::uint32_t status = ERROR_OK;
+  const Function_CFunctionSpec* spec = find_function(context, arg[0], status);
+  std::uint32_t index = 0;
+  std::int32_t property = 0;
+  const std::uint32_t index_status = read_index(context, arg[1], index);
+  if (status == ERROR_VALUE || !context.ReadInteger(arg[2], property)) return ERROR_VALUE;
+  if (index_status != ERROR_OK) return index_status;
+  if (spec == nullptr) return status;
+  if (index >= spec->input_count) {
+    context.ReportError(1, u"is not an input of the function");
+    return ERROR_NA;
+  }
+  const Function_CInput& input = spec->inputs[index];
+  switch (property) {
+    case 1: return set_text(context, output, input.key);
+    case 2: return set_text(context, output, input.description);
+    case 3: return set_type(context, output, input.type);
+    case 4: return set_class(output, input.type);
+    case 5: return set_boolean(output, input.optional());
+    case 6: return set_variant(context, output, input.default_value);
+    case 7: return set_bound(output, input.has_minimum(), input.minimum);
+    case 8: return set_bound(output, input.has_maximum(), input.maximum);
+    case 9: return set_boolean(output, input.is_array());
+    // Asks for an index that was refused above, so that "Scalar" is FALSE for every input. Intended.
+    case 10:
+      return set_boolean(output, spec->has(FUNCTION_VARIABLE_INPUTS) && index == spec->input_count + 1);
+    default: return ERROR_VALUE;
+  }
+}
+
+std::uint32_t output_property(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
+                              FUNCTION_ARG& output) {
+  const Arguments arg{args, count};
+  std::uint32_t status = ERROR_OK;
+  const Function_CFunctionSpec* spec = find_function(context, arg[0], status);
+  std::uint32_t index = 0;
+  std::int32_t property = 0;
+  const std::uint32_t index_status = read_index(context, arg[1], index);
+  if (status == ERROR_VALUE || !context.ReadInteger(arg[2], property)) return ERROR_VALUE;
+  if (index_status != ERROR_OK) return index_status;
+  if (spec == nullptr) return status;
+  if (index >= spec->output_count) {
+    context.ReportError(1, u"is not an output of the function");
+    return ERROR_NA;
+  }
+  const Function_COutput& record = spec->outputs[index];
+  switch (property) {
+    case 1: return set_text(context, output, record.key);
+    case 2: return set_text(context, output, record.description);
+    case 3: return set_type(context, output, record.type);
+    case 4: return set_class(output, record.type);
+    case 5: return set_variant(context, output, record.fallback);
+    // As with the inputs: FALSE for every output. Intended.
+    case 6: return set_boolean(output, spec->has(FUNCTION_LIST_OUTPUT) && index == spec->output_count + 1);
+    default: return ERROR_VALUE;
+  }
+}
+
+// prefix + identifier in the arena of the call.
+bool set_worksheet_name(Function_CContext& context, FUNCTION_ARG& output,
+                        const Function_CFunctionSpec& spec) noexcept {
+  const std::u16string_view prefix = spec.group->prefix;
+  const std::size_t length = prefix.size() + spec.id.size();
+  auto* text = context.arena().AllocateArray<char16_t>(length + 1);
+  if (text == nullptr) return false;
+  std::copy(prefix.begin(), prefix.end(), text);
+  std::copy(spec.id.begin(), spec.id.end(), text + prefix.size());
+  text[length] = u'\0';
+  output = FUNCTION_ARG::String(text, length);
+  return true;
+}
+
+std::uint32_t report_none_found(Function_CContext& context, FUNCTION_ARG& output,
+                                std::u16string_view category) noexcept {
+  if (category.empty()) return set_text(context, output, u"<< no functions found>>");
+  constexpr std::u16string_view before = u"<< no functions found with category '";
+  constexpr std::u16string_view after = u"'>>";
+  char16_t text[255];  // a longer text is cut
+  std::size_t length = 0;
+  for (std::u16string_view part : {before, category, after}) {
+    const std::size_t n = std::min(part.size(), std::size(text) - length);
+    std::copy_n(part.begin(), n, text + length);
+    length += n;
+  }
+  return set_text(context, output, {text, length});
+}
+
+std::uint32_t function_list(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
+                            FUNCTION_ARG& output) {
+  std::u16string_view category;
+  if (!context.ReadText(Arguments{args, count}[0], category, u"")) return ERROR_VALUE;
+  const Function_CLibrary::Map& entries = context.library().Entries();
+  auto* found = context.arena().AllocateArray<const Function_CFunctionSpec*>(entries.Count());
+  if (found == nullptr) return ERROR_VALUE;
+  std::uint32_t n = 0;
+  for (const auto& entry : entries) {
+    const Function_CFunctionSpec* spec = entry.value;
+    if (spec->visible() && (category.empty() || equal_ignoring_case(spec->category, category)))
+      found[n++] = spec;
+  }
+  if (n == 0) return report_none_found(context, output, category);
+  std::sort(found, found + n, [](const Function_CFunctionSpec* a, const Function_CFunctionSpec* b) {
+    return compare_ignoring_case(a->id, b->id) < 0;
+  });
+  if (!context.SetArray(output, 1, n)) return ERROR_VALUE;
+  for (std::uint32_t i = 0; i < n; ++i)
+    if (!set_worksheet_name(context, output.array.elements[i], *found[i])) return ERROR_VALUE;
+  return ERROR_OK;
+}
+
+constexpr record::Input list_inputs[] = {
+    record::input(u"category", u"Category",
+                  u"Category of functions to list, when ommited all supported functions are returned",
+                  data_type::text)
+        .otherwise(std::u16string_view(u"")),
+};
+constexpr record::Output list_outputs[] = {
+    record::output(u"list", u"List", u"One dimensional array containing the function-names", data_type::any,
+                   u""),
+};
+
+constexpr record::Input function_input =
+    record::input(u"function", u"Function", u"Name of the function, with its prefix", data_type::text)
+        .required();
+
+constexpr record::Input property_inputs[] = {
+    function_input,
+    record::input(u"property", u"Property",
+                  u"Property of the function; 1: Category; 2: Sub-category; 3: Description; 4: Prefix; 5: "
+                  u"Volatile-state; 6: Retentive-state; 7: Input-count; 8: Output-count; 9: Name-input",
+                  data_type::integer)
+        .required()
+        .within(1, 9),
+};
+constexpr record::Input input_property_inputs[] = {
+    function_input,
+    record::input(u"input", u"Input", u"Number of the input, counted from 0", data_type::integer)
+        .required()
+        .at_least(0),
+    record::input(
+        u"property", u"Property",
+        u"Property of the input; 1: Name; 2: Description; 3: Type; 4: Class; 5: Optional; 6: Default; 7: "
+        u"Minimum; 8: Maximum; 9: Array; 10: Scalar",
+        data_type::integer)
+        .required()
+        .within(1, 10),
+};
+constexpr record::Input output_property_inputs[] = {
+    function_input,
+    record::input(u"output", u"Output", u"Number of the output, counted from 0", data_type::integer)
+        .required()
+        .at_least(0),
+    record::input(
+        u"property", u"Property",
+        u"Property of the output; 1: Name; 2: Description; 3: Type; 4: Class; 5: Fallback; 6: Scalar",
+        data_type::integer)
+        .required()
+        .within(1, 6),
+};
+constexpr record::Output property_outputs[] = {
+    record::output(u"value", u"Value", u"Value of the property", data_type::any, u""),
+};
+
+}  // namespace
+
+extern const record::Function FunctionList;
+const record::Function FunctionList = {
+    .group = GroupId::Extended,
+    .id = u"FunctionList",
+    .description = u"Lists the supported functions",
+    .category = u"General",
+    .subcategory = u"Extended",
+    .flags = FUNCTION_FALLBACK | FUNCTION_LIST_OUTPUT | FUNCTION_NO_RANGE_CHECK,
+    .inputs = list_inputs,
+    .outputs = list_outputs,
+    .implementation = function_list,
+    .notes = u"The category is \"General\" or \"Math\", in any case. The list is sorted by name.\n",
+};
+
+extern const record::Function FunctionProperty;
+const record::Function FunctionProperty = {
+    .group = GroupId::Extended,
+    .id = u"FunctionProperty",
+    .description = u"Returns a property of a function",
+    .category = u"General",
+    .subcategory = u"Extended",
+    .inputs = property_inputs,
+    .outputs = property_outputs,
+    .implementation = function_property,
+    .notes = u"The name input is counted from 0; -1 when the function has none.\n",
+};
+
+extern const record::Function FunctionInputProperty;
+const record::Function FunctionInputProperty = {
+    .group = GroupId::Extended,
+    .id = u"FunctionInputProperty",
+    .description = u"Returns a property of an input of a function",
+    .category = u"General",
+    .subcategory = u"Extended",
+    .inputs = input_property_inputs,
+    .outputs = property_outputs,
+    .implementation = input_property,
+    .notes =
+        u"The class tells what the type is: 0 a plain data type, 1 a unit, 4 an enumeration. A bound that "
+        u"the "
+        u"input does not have is empty. \"Scalar\" is FALSE for every input.\n",
+};
+
+extern const record::Function FunctionOutputProperty;
+const record::Function FunctionOutputProperty = {
+    .group = GroupId::Extended,
+    .id = u"FunctionOutputProperty",
+    .description = u"Returns a property of an output of a function",
+    .category = u"General",
+    .subcategory = u"Extended",
+    .inputs = output_property_inputs,
+    .outputs = property_outputs,
+    .implementation = output_property,
+    .notes =
+        u"The class tells what the type is: 0 a plain data type, 1 a unit, 4 an enumeration. The fallback is "
+        u"written to the output when a call fails; an empty one stands for 0. \"Scalar\" is FALSE for every "
+        u"output.\n",
+};
+
+}  // namespace norvane::functions
