@@ -21,6 +21,7 @@ constexpr std::size_t i_water = 5, i_isopentane = 12, i_n_pentane = 13, i_neopen
 static_assert(n_fractions == n_components + 1 && i_neopentane == n_components);
 
 constexpr double sum_low = 0.9999, sum_high = 1.0001;
+constexpr double smallest_amount = 1e-290;  // products with less lose digits to gradual underflow
 
 // Base conditions of an edition of GPA 2145.
 struct Edition {
@@ -48,23 +49,26 @@ constexpr Edition metric[] = {
 constexpr int n_editions = 4;
 static_assert(std::size(customary) == n_editions && std::size(metric) == n_editions);
 
-// The sum, weighted by mole fractions, of every property (water with its own row, as tabulated).
-Component weighted(const Component* components, const std::array<double, n_components>& x) noexcept {
-  Component sum{};
-  for (std::size_t i = 0; i < n_components; ++i) {
-    const Component& c = components[i];
-    sum.molar_mass += x[i] * c.molar_mass;
-    sum.ideal_relative_density += x[i] * c.ideal_relative_density;
-    sum.gross_volume += x[i] * c.gross_volume;
-    sum.gross_mass += x[i] * c.gross_mass;
-    sum.net_volume += x[i] * c.net_volume;
-    sum.summation += x[i] * c.summation;
-  }
-  return sum;
+// Every property of a gas, summed over amounts of its components.
+void add(Component& sum, double amount, const Component& c) noexcept {
+  sum.molar_mass += amount * c.molar_mass;
+  sum.ideal_relative_density += amount * c.ideal_relative_density;
+  sum.gross_volume += amount * c.gross_volume;
+  sum.gross_mass += amount * c.gross_mass;
+  sum.net_volume += amount * c.net_volume;
+  sum.summation += amount * c.summation;
 }
 
-constexpr double mixed(double part, double of_second, double of_first) {
-  return part * of_second + (1.0 - part) * of_first;
+// The sums divided by the amount of gas they hold: the mole fraction-weighted properties.
+Component of_one_mole(const Component& sum, double amount) noexcept {
+  return {sum.molar_mass / amount,   sum.ideal_relative_density / amount,
+          sum.gross_volume / amount, sum.gross_mass / amount,
+          sum.net_volume / amount,   sum.summation / amount};
+}
+
+// A property of gas that holds the share x_water of water.
+constexpr double mixed(double x_water, double water, double dry) {
+  return x_water * water + (1.0 - x_water) * dry;
 }
 
 Component mixed_with_water(double x_water, const Component& dry, const Component& water) noexcept {
@@ -122,23 +126,24 @@ Result calculate(std::span<const double, n_fractions> fractions, Units units, in
     case NeoPentane::neglect: break;
     default: return end_with(Status::unknown_option);
   }
-  double dry_sum = 0.0;  // summed, not subtracted, so that a rounding residue is never taken for a gas
-  for (std::size_t i = 0; i < n_components; ++i) dry_sum += i == i_water ? 0.0 : x[i];
-  if (!(dry_sum > 0.0)) return end_with(Status::failed);  // nothing but water or neglected neo-pentane
-  const double wet_sum = dry_sum + x[i_water];
-
-  std::array<double, n_components> wet, dry;
+  // The dry gas is summed without the water, not by subtraction, so that a rounding residue is never taken
+  // for a gas.
+  const Component& water = edition.components[i_water];
+  double dry_amount = 0.0;
+  Component sum{};
   for (std::size_t i = 0; i < n_components; ++i) {
-    wet[i] = x[i] / wet_sum;
-    dry[i] = x[i] / dry_sum;
+    if (i == i_water) continue;
+    dry_amount += x[i];
+    add(sum, x[i], edition.components[i]);
   }
-  dry[i_water] = 0.0;
-
-  const Component ideal_wet = weighted(edition.components, wet);
-  const Component ideal_dry = weighted(edition.components, dry);
-  const Component ideal_saturated =
-      mixed_with_water(edition.saturation, ideal_dry, edition.components[i_water]);
-  if (!real_gas(ideal_wet, edition, wet[i_water], result.wet) ||
+  if (!(dry_amount > smallest_amount))
+    return end_with(Status::failed);  // nothing but water or neglected neo-pentane
+  const Component ideal_dry = of_one_mole(sum, dry_amount);
+  const double wet_amount = dry_amount + x[i_water];
+  add(sum, x[i_water], water);  // from here on the sums are those of the wet gas
+  const Component ideal_wet = of_one_mole(sum, wet_amount);
+  const Component ideal_saturated = mixed_with_water(edition.saturation, ideal_dry, water);
+  if (!real_gas(ideal_wet, edition, x[i_water] / wet_amount, result.wet) ||
       !real_gas(ideal_dry, edition, 0.0, result.dry) ||
       !real_gas(ideal_saturated, edition, edition.saturation, result.saturated)) {
     return end_with(Status::failed);

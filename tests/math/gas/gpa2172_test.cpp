@@ -144,6 +144,10 @@ TEST(Gpa2172, RefusesWhatIsNoGas) {
   Fractions water{}, neopentane{};
   water[5] = neopentane[21] = 1.0;
   EXPECT_EQ(status(water), Status::failed);
+  water[0] = std::numeric_limits<double>::denorm_min();
+  EXPECT_EQ(status(water), Status::failed) << "too little gas to be dried";
+  water[0] = 1e-20;
+  EXPECT_DOUBLE_EQ(calculate(water, Units::metric, 4, to_n_pentane).dry.molar_mass, 16.0425);
   EXPECT_EQ(status(neopentane, 2, 3), Status::failed);
   EXPECT_EQ(status(neopentane, 2, 1), Status::ok);
 }
