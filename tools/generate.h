@@ -18,6 +18,19 @@ using Writer = void (*)(std::ostream& out, Specs specs);
 void excel_wrappers(std::ostream& out, Specs specs);
 void excel_exports(std::ostream& out, Specs specs);
 
+// Direct exports: their source, the public header, the same for programs that read JSON, their names, and the
+// definition of an import library.
+void exports_source(std::ostream& out, Specs specs);
+void exports_header(std::ostream& out, Specs specs);
+void exports_json(std::ostream& out, Specs specs);
+void exports_names(std::ostream& out, Specs specs);
+void exports_def(std::ostream& out, Specs specs);
+
+// The automation interface: IDL, the methods of its class, the record of its signatures one line a method.
+void com_idl(std::ostream& out, Specs specs);
+void com_methods(std::ostream& out, Specs specs);
+void com_interface(std::ostream& out, Specs specs);
+
 inline std::string narrow(std::u16string_view text) {
   return to_utf8(text);
 }

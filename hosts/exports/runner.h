@@ -1,0 +1,37 @@
+/* The one routine behind every direct export. The exports are generated: each hands its parameters over as
+ * they came, and nothing in them is looked at before this side has. */
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* An input in the form that its parameter takes; layout of norvane::host::TypedValue. */
+typedef struct norvane_value {
+  const void* data;
+  double number;
+  uint32_t option;
+} norvane_value;
+
+#define NORVANE_NUMBER(value) \
+  { 0, (value), 0 }
+#define NORVANE_OPTION(value) \
+  { 0, 0.0, (value) }
+#define NORVANE_RANGE(values, count) \
+  { (values), 0.0, (count) }
+#define NORVANE_TEXT(text) \
+  { (text), 0.0, 0 }
+
+#define NORVANE_RUN(id, in, out) \
+  norvane_run((id), (in), sizeof(in) / sizeof((in)[0]), (out), sizeof(out) / sizeof((out)[0]))
+
+/* The function with this dispatch id. The counts must be those of its signature. */
+uint32_t norvane_run(uint32_t id, const norvane_value* in, size_t in_count, void* const* out,
+                     size_t out_count);
+
+#ifdef __cplusplus
+}
+#endif

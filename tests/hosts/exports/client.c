@@ -1,0 +1,138 @@
+/* A native caller in C: published values, refused arguments, hostile counts, and calls from several threads. */
+#include <math.h>
+#include <norvane.h>
+#include <stdio.h>
+#include <string.h>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <pthread.h>
+#endif
+
+static int failures = 0;
+
+#define CHECK(condition)                                            \
+  do {                                                              \
+    if (!(condition)) {                                             \
+      printf("%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
+      ++failures;                                                   \
+    }                                                               \
+  } while (0)
+
+/* ISO 6976 mixture of eight components in the order of norvane.h; its superior calorific value by the 1995 edition
+ * at 15 / 15 / 15 degC with tabulated molar masses is 38.95947337829 MJ/m3. */
+static const double gas[22] = {0.9247, 0.0175, 0.0068, 0.035, 0.0098, 0, 0, 0, 0, 0, 0.0034, 0.0022, 0, 0.0006};
+static const double published = 38.95947337829;
+
+struct result {
+  double number[11];
+  uint32_t range;
+};
+
+static uint32_t calorific(const double* list, uint32_t count, struct result* r) {
+  double* n = r->number;
+  return Norvane_ISO6976_1995_M(list, count, 1, 2, 1, n, n + 1, n + 2, n + 3, n + 4, n + 5, n + 6, n + 7, n + 8, n + 9,
+                                n + 10, &r->range);
+}
+
+static int untouched(const struct result* r) {
+  int i;
+  for (i = 0; i < 11; ++i)
+    if (r->number[i] != -7.0) return 0;
+  return r->range == 77;
+}
+
+static void spoil(struct result* r) {
+  int i;
+  for (i = 0; i < 11; ++i) r->number[i] = -7.0;
+  r->range = 77;
+}
+
+static void check_published_value(void) {
+  struct result r;
+  CHECK(strchr(norvane_version(), '.') != NULL);
+  CHECK(calorific(gas, 22, &r) == 0);
+  CHECK(fabs(r.number[0] - published) < 1e-9 * published);
+  CHECK(r.range == 0);
+}
+
+static void check_refusals(void) {
+  struct result r;
+  double calorific_mass = -7.0;
+  double bad[22];
+  spoil(&r);
+  CHECK(calorific(NULL, 22, &r) == NORVANE_NOT_RUN);
+  CHECK(calorific(NULL, 0xFFFFFFFFu, &r) == NORVANE_NOT_RUN);
+  CHECK(calorific(gas, 0, &r) == NORVANE_NOT_RUN);
+  CHECK(calorific(gas, 5, &r) == NORVANE_NOT_RUN);
+  CHECK(calorific(gas, 0xFFFFFFFFu, &r) == NORVANE_NOT_RUN);
+  CHECK(untouched(&r));
+  CHECK(Norvane_AGA5_C(gas, 22, 0.6, NULL, &calorific_mass) == NORVANE_NOT_RUN);
+  CHECK(Norvane_AGA5_C(gas, 22, 0.6, &calorific_mass, NULL) == NORVANE_NOT_RUN);
+  CHECK(Norvane_AGA5_C(gas, 22, 1.5, &calorific_mass, &calorific_mass) == NORVANE_NOT_RUN); /* beyond its range */
+  CHECK(calorific_mass == -7.0);
+  /* Found by the function itself: a status of its own, and the outputs it did not write are 0. */
+  memcpy(bad, gas, sizeof bad);
+  bad[3] = -0.1;
+  CHECK(calorific(bad, 22, &r) != 0 && r.number[0] == 0.0);
+  bad[3] = NAN;
+  CHECK(calorific(bad, 22, &r) != 0 || isfinite(r.number[0]));
+}
+
+#define THREADS 8
+#define CALLS 500
+
+static int wrong[THREADS];
+
+static void many_calls(int thread) {
+  struct result r;
+  int i;
+  for (i = 0; i < CALLS; ++i) {
+    const int refused = (i + thread) % 5 == 0;
+    const uint32_t status = calorific(gas, refused ? 3 : 22, &r);
+    if (refused ? status != NORVANE_NOT_RUN : status != 0 || fabs(r.number[0] - published) > 1e-9 * published)
+      ++wrong[thread];
+  }
+}
+
+#if defined(_WIN32)
+static DWORD WINAPI start(void* argument) {
+  many_calls(*(int*)argument);
+  return 0;
+}
+#else
+static void* start(void* argument) {
+  many_calls(*(int*)argument);
+  return NULL;
+}
+#endif
+
+static void check_threads(void) {
+  int number[THREADS];
+  int i;
+#if defined(_WIN32)
+  HANDLE thread[THREADS];
+  for (i = 0; i < THREADS; ++i) {
+    number[i] = i;
+    thread[i] = CreateThread(NULL, 0, start, &number[i], 0, NULL);
+  }
+  WaitForMultipleObjects(THREADS, thread, TRUE, INFINITE);
+#else
+  pthread_t thread[THREADS];
+  for (i = 0; i < THREADS; ++i) {
+    number[i] = i;
+    CHECK(pthread_create(&thread[i], NULL, start, &number[i]) == 0);
+  }
+  for (i = 0; i < THREADS; ++i) pthread_join(thread[i], NULL);
+#endif
+  for (i = 0; i < THREADS; ++i) CHECK(wrong[i] == 0);
+}
+
+int main(void) {
+  check_published_value();
+  check_refusals();
+  check_threads();
+  printf("%d failures\n", failures);
+  return failures != 0;
+}

@@ -1,0 +1,133 @@
+// The automation interface: its IDL, the methods of the class that implements it, and the record of its
+// signatures.
+#include <algorithm>
+
+#include "hosts/com/identity.h"
+#include "tools/signatures.h"
+
+namespace norvane::generate {
+namespace {
+
+using host::Parameter;
+using host::Passing;
+using host::Signature;
+
+const char* input_type(Passing passing, bool idl) {
+  switch (passing) {
+    case Passing::number: return "double ";
+    case Passing::option: return "unsigned long ";
+    case Passing::text: return "BSTR ";
+    case Passing::range: return idl ? "SAFEARRAY(double) " : "SAFEARRAY* ";
+  }
+  return "";
+}
+
+const char* output_type(Passing passing) {
+  switch (passing) {
+    case Passing::option: return "unsigned long* ";
+    case Passing::text: return "BSTR* ";
+    default: return "double* ";
+  }
+}
+
+// One parameter, not to be broken, and what separates it from the next.
+std::string parameter(std::string text) {
+  std::replace(text.begin(), text.end(), ' ', unbroken);
+  return text + ", ";
+}
+
+std::string parameters(const Signature& signature, bool idl) {
+  const std::string in = idl ? "[in] " : "";
+  const std::string out = idl ? "[out] " : "";
+  std::string list;
+  for (const Parameter& input : signature.inputs)
+    list += parameter(in + input_type(input.passing, idl) + input.name);
+  for (const Parameter& output : signature.outputs)
+    list += parameter(out + output_type(output.passing) + output.name);
+  const std::string status = parameter(std::string(idl ? "[out, retval] " : "") + "unsigned long* status");
+  return list + status.substr(0, status.size() - 2) + ")";
+}
+
+std::string help(std::u16string_view text) {
+  std::string quoted;
+  for (char unit : ascii(text)) {
+    if (unit == '"' || unit == '\\') quoted += '\\';
+    quoted += unit;
+  }
+  return quoted;
+}
+
+// A place in the interface whose function this build does not have: its slot is kept, so that no later method
+// moves.
+std::string kept_name(std::size_t id) {
+  return "Reserved" + std::to_string(id);
+}
+
+}  // namespace
+
+void com_idl(std::ostream& out, Specs) {
+  out << "// Written by norvane_generate.\nimport \"oaidl.idl\";\n\n"
+      << "[uuid(" NORVANE_LIBID "), version(1.0), helpstring(\"Norvane\")]\nlibrary Norvane {\n"
+      << "  importlib(\"stdole2.tlb\");\n\n"
+      << "  [object, uuid(" NORVANE_IID_IFUNCTIONS
+         "), dual, oleautomation, nonextensible, pointer_default(unique),\n"
+      << "   helpstring(\"IFunctions Interface\")]\n  interface IFunctions : IDispatch {\n";
+  for (std::uint32_t id = 1; id <= host::interface_order().size(); ++id) {
+    const Signature* signature = host::find_signature(id);
+    if (signature == nullptr) {
+      out << "    [id(" << id << "), hidden, restricted] HRESULT " << kept_name(id) << "();\n";
+      continue;
+    }
+    const Function_CFunctionSpec& spec = *signature->spec;
+    out << "    [id(" << id << "), helpstring(\"" << help(spec.display_name) << "\")]\n"
+        << wrapped(parameters(*signature, true) + ";", "    HRESULT " + narrow(spec.id) + "(", "        ");
+  }
+  out << "  };\n\n"
+      << "  [uuid(" NORVANE_CLSID_FUNCTIONS "), helpstring(\"Functions Class\")]\n"
+      << "  coclass Functions {\n    [default] interface IFunctions;\n  };\n};\n";
+}
+
+void com_methods(std::ostream& out, Specs) {
+  out << "// Written by norvane_generate: the methods of IFunctions, inside the class that implements it.\n";
+  for (std::uint32_t id = 1; id <= host::interface_order().size(); ++id) {
+    const Signature* signature = host::find_signature(id);
+    if (signature == nullptr) {
+      out << "HRESULT STDMETHODCALLTYPE " << kept_name(id) << "() override { return E_NOTIMPL; }\n";
+      continue;
+    }
+    std::string in;
+    for (const Parameter& input : signature->inputs) {
+      in += in.empty() ? "" : ", ";
+      switch (input.passing) {
+        case Passing::number: in += "number(" + input.name + ")"; break;
+        case Passing::option: in += "option(" + input.name + ")"; break;
+        default: in += "pointer(" + input.name + ")"; break;
+      }
+    }
+    std::string targets;
+    for (const Parameter& output : signature->outputs) targets += (targets.empty() ? "" : ", ") + output.name;
+    out << wrapped(parameters(*signature, false) + " override {",
+                   "HRESULT STDMETHODCALLTYPE " + narrow(signature->spec->id) + "(", "    ")
+        << wrapped(in + "};", "  const TypedValue in[] = {", "      ")
+        << wrapped(targets + "};", "  void* const out[] = {", "      ") << "  return Run(" << id
+        << ", in, out, status);\n}\n";
+  }
+}
+
+void com_interface(std::ostream& out, Specs) {
+  for (const Signature* signature : signatures()) {
+    out << signature->id << " " << narrow(signature->spec->id) << "(";
+    const char* separator = "";
+    for (const Parameter& input : signature->inputs) {
+      out << separator << "in " << host::passing_name(input.passing) << " " << input.name;
+      separator = ", ";
+    }
+    for (const Parameter& output : signature->outputs) {
+      out << separator << "out " << host::passing_name(output.passing) << " " << output.name;
+      separator = ", ";
+    }
+    out << ")\n";
+  }
+}
+
+}  // namespace norvane::generate
