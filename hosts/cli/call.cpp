@@ -1,0 +1,89 @@
+#include "core/text.h"
+#include "hosts/cli/commands.h"
+#include "hosts/cli/json_call.h"
+#include "hosts/cli/json_text.h"
+#include "hosts/cli/names.h"
+#include "hosts/cli/record_text.h"
+#include "hosts/cli/session.h"
+#include "hosts/cli/table.h"
+#include "hosts/cli/values.h"
+
+namespace norvane::cli {
+namespace {
+
+std::string scalar_text(const FUNCTION_ARG& value) {
+  switch (value.kind) {
+    case ARG_NUMBER: return to_utf8(format_number(value.number));
+    case ARG_INTEGER: return std::to_string(value.integer);
+    case ARG_BOOLEAN: return value.boolean != 0 ? "TRUE" : "FALSE";
+    case ARG_STRING: return to_utf8(value.text());
+    case ARG_ERROR: return to_utf8(error_text(value.error));
+    default: return "-";
+  }
+}
+
+// "Range Status: Normal" for an option, "Mass Density" for a quantity.
+std::string remark_of(const Unit_CTypeAndUnitContainer& units, const Function_COutput& output,
+                      const FUNCTION_ARG& value) {
+  std::string remark = to_utf8(output.display_name.empty() ? output.description : output.display_name);
+  std::string meaning;
+  if (value.kind == ARG_NUMBER) meaning = meaning_of(units, output, value.number);
+  if (value.kind == ARG_INTEGER) meaning = meaning_of(units, output, value.integer);
+  if (meaning.empty()) return remark;
+  return remark.empty() ? meaning : remark + ": " + meaning;
+}
+
+std::string table_of(const Session& session) {
+  const Function_CFunctionSpec& spec = session.function();
+  Table table;
+  for (std::size_t i = 0; i < spec.output_count; ++i) {
+    const Function_COutput& output = spec.outputs[i];
+    const FUNCTION_ARG& value = session.output(i);
+    if (value.kind != ARG_ARRAY) {
+      table.add({to_utf8(output.key), scalar_text(value), unit_text(session.units(), output.type),
+                 remark_of(session.units(), output, value)});
+      continue;
+    }
+    for (std::uint32_t row = 0; row < value.array.rows; ++row) {
+      std::string cells;
+      for (std::uint32_t column = 0; column < value.array.columns; ++column)
+        cells.append(column == 0 ? "" : "  ")
+            .append(scalar_text(Function_CContext::Element(value, column, row)));
+      table.add({row == 0 ? to_utf8(output.key) : std::string(), cells});
+    }
+  }
+  return table.text();
+}
+
+void report(const Session& session) {
+  std::string text;
+  for (const Message& message : session.messages())
+    text.append(message.level == MESSAGE_ERROR ? "error: " : "warning: ")
+        .append(to_utf8(message.text))
+        .append("\n");
+  if (session.status() != ERROR_OK)
+    text.append("the call failed: ").append(to_utf8(error_text(session.status()))).append("\n");
+  tell(text);
+}
+
+}  // namespace
+
+ExitCode call(const CallOptions& options, Output& out) {
+  const Function_CFunctionSpec& spec = find_function(options.id);
+  Session session;
+  session.begin(spec);
+  read_assignments(session, options.inputs);
+  session.run();
+  if (options.json) {
+    append_answer(out.buffer(), session);
+    out.write("\n");
+  } else {
+    out.write(to_utf8(spec.id) + (spec.display_name.empty() ? "" : "  " + to_utf8(spec.display_name)) + "\n");
+    out.write(table_of(session));
+    out.flush();
+    report(session);
+  }
+  return session.good() ? exit_good : exit_calculation;
+}
+
+}  // namespace norvane::cli

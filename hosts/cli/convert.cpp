@@ -1,0 +1,57 @@
+#include <cmath>
+
+#include "core/text.h"
+#include "hosts/cli/commands.h"
+#include "hosts/cli/json_text.h"
+#include "hosts/cli/names.h"
+#include "hosts/cli/units_text.h"
+
+namespace norvane::cli {
+namespace {
+
+std::vector<const Unit_CEntry*> known_units(const Unit_CTypeAndUnitContainer& units,
+                                            const std::string& text) {
+  std::vector<const Unit_CEntry*> named = units_named(units, text);
+  if (named.empty()) throw UsageError(in_quotes(text) + " is no unit" + unit_suggestion(units, text));
+  return named;
+}
+
+}  // namespace
+
+ExitCode convert(const ConvertOptions& options, Output& out) {
+  const Unit_CTypeAndUnitContainer& units = Unit_CTypeAndUnitContainer::Instance();
+  double value = 0.0;
+  if (!parse_number(to_utf16(options.value), value))
+    throw UsageError(in_quotes(options.value) + " is not a number");
+
+  // A symbol may stand for units of several quantities: the first pair of one quantity is meant.
+  const std::vector<const Unit_CEntry*> from = known_units(units, options.from);
+  const std::vector<const Unit_CEntry*> to = known_units(units, options.to);
+  const Unit_CEntry* source = nullptr;
+  const Unit_CEntry* target = nullptr;
+  for (const Unit_CEntry* a : from)
+    for (const Unit_CEntry* b : to)
+      if (source == nullptr && type_number(a->code) == type_number(b->code)) {
+        source = a;
+        target = b;
+      }
+  if (source == nullptr)
+    throw UsageError(to_utf8(from.front()->text) + " is a unit of " + quantity_of(units, from.front()->code) +
+                     ", but " + to_utf8(to.front()->text) + " is one of " +
+                     quantity_of(units, to.front()->code));
+  if (const std::uint32_t result = units.Convert(source->code, target->code, value); result != UNIT_OK)
+    throw UsageError("the value cannot be converted");
+  const bool finite = std::isfinite(value);
+  if (options.json) {
+    out.buffer() += "{\"value\":";
+    append_value(out.buffer(), finite ? FUNCTION_ARG::Number(value) : FUNCTION_ARG::Empty());
+    out.buffer() += ",\"unit\":";
+    append_text(out.buffer(), target->key);
+    out.write("}\n");
+  } else {
+    out.write(to_utf8(format_number(value)) + " " + to_utf8(target->text) + "\n");
+  }
+  return finite ? exit_good : exit_calculation;
+}
+
+}  // namespace norvane::cli

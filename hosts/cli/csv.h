@@ -1,0 +1,37 @@
+// Comma-separated values: records with quoted fields, CR LF or LF line ends, and an optional byte order mark.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace norvane::cli {
+
+// Finds the ends of records in a text that arrives in pieces.
+class RecordEnds {
+ public:
+  explicit RecordEnds(char delimiter = ',') : delimiter_(delimiter) {}
+  // Index past the line feed that ends the first record of `text` from `from` on, or npos when there is none.
+  // The state is that of a record's start after an end was found, and carries on behind `text` after npos.
+  std::size_t next(std::string_view text, std::size_t from);
+
+ private:
+  enum class State { field_start, plain, quoted, quote_in_quoted };
+  char delimiter_;
+  State state_ = State::field_start;
+};
+
+// The fields of one record (its line end may be there or not). Quoted fields lose their quotation marks.
+// False when a quoted field is not closed.
+bool split_record(std::string_view record, char delimiter, std::vector<std::string>& fields);
+
+// A field as it is written: in quotation marks when it needs them.
+void append_field(std::string& out, std::string_view field, char delimiter);
+
+// ',' unless the line has none and has ';' or tabs instead.
+char delimiter_of(std::string_view line);
+
+inline constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+
+}  // namespace norvane::cli

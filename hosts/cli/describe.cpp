@@ -1,0 +1,80 @@
+#include "core/text.h"
+#include "hosts/cli/commands.h"
+#include "hosts/cli/describe_json.h"
+#include "hosts/cli/names.h"
+#include "hosts/cli/record_text.h"
+#include "hosts/cli/table.h"
+
+namespace norvane::cli {
+namespace {
+
+std::string sentence(const std::u16string_view display, const std::string& description) {
+  const std::string name = to_utf8(display);
+  if (description.empty() || description == name) return name;
+  return name.empty() ? description : name + ": " + description;
+}
+
+void add_options(Table& table, const Description& description, std::size_t columns) {
+  for (const Option& option : description.options) {
+    std::vector<std::string> row(columns);
+    row.back() = option.value + " = " + option.text;
+    if (!option.key.empty() && !equal_names(option.key, option.text)) row.back() += " (" + option.key + ")";
+    table.add(std::move(row));
+  }
+}
+
+std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFunctionSpec& spec) {
+  std::string text = to_utf8(spec.id);
+  if (!spec.display_name.empty()) text += "  " + to_utf8(spec.display_name);
+  text += "\n" + to_utf8(spec.description) + "\n";
+  text += "Worksheet function " + to_utf8(spec.worksheet_name()) + "; category " + to_utf8(spec.category) +
+          ", " + to_utf8(spec.subcategory);
+  const std::vector<std::string> keywords = keywords_of(spec);
+  for (std::size_t i = 0; i < keywords.size(); ++i)
+    text.append(i == 0 ? "; keywords " : ", ").append(keywords[i]);
+  text += "\n\nInputs\n";
+
+  Table inputs;
+  inputs.add({"key", "unit", "range", "default", ""});
+  for (const Function_CInput& input : spec.input_records()) {
+    const Description description = description_of(units, to_utf8(input.description), input.type);
+    std::string unit = type_text(units, input.type);
+    if (input.is_array()) unit = unit.empty() ? "range" : unit + " (range)";
+    std::string fallback = variant_text(input.default_value);
+    if (fallback.empty()) fallback = input.optional() ? "-" : "required";
+    inputs.add({to_utf8(input.key), unit.empty() ? "-" : unit,
+                range_text(input).empty() ? "-" : range_text(input), fallback,
+                sentence(input.display_name, description.text)});
+    add_options(inputs, description, 5);
+  }
+  text += inputs.text() + "\nOutputs\n";
+
+  Table outputs;
+  outputs.add({"key", "unit", ""});
+  for (const Function_COutput& output : spec.output_records()) {
+    const Description description = description_of(units, to_utf8(output.description), data_type::any);
+    std::string unit = type_text(units, output.type);
+    if (output.unit_input >= 0) unit = "as " + to_utf8(spec.inputs[output.unit_input].key);
+    outputs.add(
+        {to_utf8(output.key), unit.empty() ? "-" : unit, sentence(output.display_name, description.text)});
+    add_options(outputs, description, 3);
+    for (const Function_CStatusValue& value : output.values())
+      outputs.add(
+          {"", "",
+           number_text(value.value) + " = " + to_utf8(value.description) + " (" + to_utf8(value.id) + ")"});
+  }
+  text += outputs.text();
+  if (!spec.notes.empty()) text += "\n" + to_utf8(spec.notes) + (spec.notes.ends_with(u'\n') ? "" : "\n");
+  return text;
+}
+
+}  // namespace
+
+ExitCode describe(const DescribeOptions& options, Output& out) {
+  const Function_CFunctionSpec& spec = find_function(options.id);
+  const Unit_CTypeAndUnitContainer& units = Unit_CTypeAndUnitContainer::Instance();
+  out.write(options.json ? record_json(units, spec).dump(2) + "\n" : text_of(units, spec));
+  return exit_good;
+}
+
+}  // namespace norvane::cli

@@ -1,0 +1,197 @@
+#include <algorithm>
+#include <map>
+
+#include "catalogue/catalogue.h"
+#include "core/text.h"
+#include "hosts/cli/commands.h"
+#include "hosts/cli/record_text.h"
+
+namespace norvane::cli {
+namespace {
+
+// Text that Markdown must not read as markup; a '|' would end a table's cell.
+std::string escaped(std::string_view text) {
+  std::string out;
+  for (const char c : text) {
+    if (c == '|' || c == '*' || c == '_' || c == '<' || c == '`' || c == '[' || c == '\\') out += '\\';
+    out += c == '\n' ? ' ' : c;
+  }
+  return out;
+}
+
+std::string code(std::string_view text) {
+  return "`" + std::string(text) + "`";
+}
+
+void row(std::string& out, const std::vector<std::string>& cells) {
+  for (const std::string& cell : cells) out += "| " + cell + (cell.empty() ? "" : " ");
+  out += "|\n";
+}
+
+void head(std::string& out, const std::vector<std::string>& titles) {
+  row(out, titles);
+  for (std::size_t i = 0; i < titles.size(); ++i) out += "|---";
+  out += "|\n";
+}
+
+std::string name_and_text(std::u16string_view display, const std::string& text) {
+  const std::string name = escaped(to_utf8(display));
+  if (name.empty() || text.empty() || text == to_utf8(display)) return name.empty() ? escaped(text) : name;
+  return name + ". " + escaped(text);
+}
+
+std::string options_text(const Description& description) {
+  std::string text;
+  for (const Option& option : description.options) {
+    text += "<br>" + option.value + ": " + escaped(option.text);
+    if (!option.key.empty()) text += " (" + code(option.key) + ")";
+  }
+  return text;
+}
+
+std::string inputs_table(const Unit_CTypeAndUnitContainer& units, const Function_CFunctionSpec& spec) {
+  std::string out;
+  head(out, {"#", "Key", "Unit", "Range", "Default", "Description"});
+  for (std::size_t i = 0; i < spec.input_count; ++i) {
+    const Function_CInput& input = spec.inputs[i];
+    const Description description = description_of(units, to_utf8(input.description), input.type);
+    std::string unit = escaped(type_text(units, input.type));
+    if (input.is_array()) unit += unit.empty() ? "range" : " (range)";
+    std::string fallback = escaped(variant_text(input.default_value));
+    if (!input.optional()) fallback = "required";
+    row(out, {std::to_string(i), code(to_utf8(input.key)), unit, escaped(range_text(input)), fallback,
+              name_and_text(input.display_name, description.text) + options_text(description)});
+  }
+  return out;
+}
+
+std::string outputs_table(const Unit_CTypeAndUnitContainer& units, const Function_CFunctionSpec& spec) {
+  std::string out;
+  head(out, {"#", "Key", "Unit", "When the call fails", "Tag", "Description"});
+  for (std::size_t i = 0; i < spec.output_count; ++i) {
+    const Function_COutput& output = spec.outputs[i];
+    const Description description =
+        description_of(units, to_utf8(output.description), output.role == 1 ? data_type::any : output.type);
+    std::string unit = escaped(type_text(units, output.type));
+    if (output.unit_input >= 0) unit = "as " + code(to_utf8(spec.inputs[output.unit_input].key));
+    std::string fallback = variant_text(output.fallback);
+    if (spec.has(FUNCTION_FALLBACK) && fallback.empty()) fallback = "0";
+    if (!spec.has(FUNCTION_FALLBACK)) fallback.clear();
+    row(out, {std::to_string(i), code(to_utf8(output.key)), unit, escaped(fallback),
+              escaped(to_utf8(output.tag_name)),
+              name_and_text(output.display_name, description.text) + options_text(description)});
+  }
+  return out;
+}
+
+std::string values_table(const Function_CFunctionSpec& spec) {
+  std::string out;
+  for (const Function_COutput& output : spec.output_records()) {
+    if (output.values().empty()) continue;
+    out += "\n## Values of " + code(to_utf8(output.key)) + "\n\n";
+    head(out, {"Value", "Name", "Meaning"});
+    if (output.role == 1) row(out, {"0", "", "success"});
+    for (const Function_CStatusValue& value : output.values())
+      row(out, {number_text(value.value), escaped(to_utf8(value.id)), escaped(to_utf8(value.description))});
+  }
+  return out;
+}
+
+std::string behaviour(const Function_CFunctionSpec& spec) {
+  std::string out;
+  if (spec.has(FUNCTION_FALLBACK))
+    out +=
+        "- A call whose arguments cannot be used answers with the values of the column \"When the call "
+        "fails\".\n";
+  if (spec.has(FUNCTION_NO_RANGE_CHECK)) out += "- Ranges are not checked before the calculation.\n";
+  if (spec.has(FUNCTION_VOLATILE)) out += "- Recalculated at every recalculation of a sheet.\n";
+  if (spec.has(FUNCTION_RETENTIVE))
+    out += "- Keeps data between calls under its `Name`, which must be given.\n";
+  if (spec.has(FUNCTION_VARIABLE_INPUTS)) out += "- The last input may be repeated.\n";
+  if (spec.has(FUNCTION_HIDDEN))
+    out += "- Kept for existing sheets; not listed by the catalogue's functions.\n";
+  return out;
+}
+
+// Notes keep their paragraphs.
+std::string notes(const Function_CFunctionSpec& spec) {
+  const std::string text = to_utf8(spec.notes);
+  std::string out;
+  for (std::size_t from = 0; from < text.size();) {
+    std::size_t end = text.find('\n', from);
+    if (end == std::string::npos) end = text.size();
+    if (end > from) out += "\n" + escaped(std::string_view(text).substr(from, end - from)) + "\n";
+    from = end + 1;
+  }
+  return out.empty() ? out : "\n## Notes\n" + out;
+}
+
+std::string page(const Unit_CTypeAndUnitContainer& units, const Function_CFunctionSpec& spec) {
+  const std::string id = to_utf8(spec.id);
+  std::string out = "# " + escaped(id);
+  if (!spec.display_name.empty()) out += ": " + escaped(to_utf8(spec.display_name));
+  out += "\n\n" + escaped(to_utf8(spec.description)) + "\n\n";
+  out += "Worksheet function " + code(to_utf8(spec.worksheet_name())) + ". Category " +
+         escaped(to_utf8(spec.category)) + ", " + escaped(to_utf8(spec.subcategory)) + ".";
+  const std::vector<std::string> keywords = keywords_of(spec);
+  for (std::size_t i = 0; i < keywords.size(); ++i)
+    out.append(i == 0 ? " Keywords: " : ", ")
+        .append(escaped(keywords[i]))
+        .append(i + 1 == keywords.size() ? "." : "");
+  out += "\n\n## Inputs\n\n" + inputs_table(units, spec) + "\n## Outputs\n\n" + outputs_table(units, spec);
+  out += values_table(spec);
+  if (const std::string lines = behaviour(spec); !lines.empty()) out += "\n## Behaviour\n\n" + lines;
+  return out + notes(spec);
+}
+
+std::string link(const Function_CFunctionSpec& spec) {
+  const std::string id = to_utf8(spec.id);
+  return "[" + escaped(id) + "](" + id + ".md)";
+}
+
+std::string index_page() {
+  std::map<std::string, std::vector<const Function_CFunctionSpec*>> standards, keywords;
+  for (const Function_CFunctionSpec* spec : catalogue::specifications()) {
+    standards[to_utf8(spec->subcategory)].push_back(spec);
+    for (const std::string& word : keywords_of(*spec)) keywords[word].push_back(spec);
+  }
+  std::string out = "# Functions\n\nWritten by `norvane doc` from the catalogue's records; do not edit.\n\n";
+  out += "[By standard](#by-standard), [by keyword](#by-keyword)\n\n## By standard\n";
+  for (const auto& [standard, functions] : standards) {
+    out += "\n### " + escaped(standard) + "\n\n";
+    head(out, {"Function", "Name", "Description"});
+    for (const Function_CFunctionSpec* spec : functions)
+      row(out, {link(*spec), escaped(to_utf8(spec->display_name)), escaped(to_utf8(spec->description))});
+  }
+  out += "\n## By keyword\n";
+  for (const auto& [word, functions] : keywords) {
+    out += "\n### " + escaped(word) + "\n\n";
+    for (const Function_CFunctionSpec* spec : functions) out += "- " + link(*spec) + "\n";
+  }
+  std::string missing;
+  for (const catalogue::Line& line : catalogue::lines())
+    if (line.record == nullptr) missing += "- " + escaped(to_utf8(line.id)) + "\n";
+  if (!missing.empty()) out += "\n## Not part of this build\n\n" + missing;
+  return out;
+}
+
+void write_page(const std::string& path, std::string_view text) {
+  ReplacedFile file(path);
+  write_all(file.descriptor(), text, path);
+  file.commit();
+}
+
+}  // namespace
+
+ExitCode doc(const DocOptions& options, Output& out) {
+  const Unit_CTypeAndUnitContainer& units = Unit_CTypeAndUnitContainer::Instance();
+  make_folder(options.folder);
+  for (const Function_CFunctionSpec* spec : catalogue::specifications())
+    write_page(options.folder + "/" + to_utf8(spec->id) + ".md", page(units, *spec));
+  write_page(options.folder + "/README.md", index_page());
+  out.write(std::to_string(catalogue::specifications().size()) + " pages and README.md written to " +
+            options.folder + "\n");
+  return exit_good;
+}
+
+}  // namespace norvane::cli

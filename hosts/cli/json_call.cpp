@@ -1,0 +1,410 @@
+#include "hosts/cli/json_call.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <new>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+#include "catalogue/catalogue.h"
+#include "core/text.h"
+#include "hosts/cli/errors.h"
+#include "hosts/cli/json_text.h"
+#include "hosts/cli/names.h"
+
+namespace norvane::cli {
+namespace {
+
+using nlohmann::json;
+
+// A scalar as it was read; a text stands in the reader's pool.
+struct Cell {
+  enum class Kind : std::uint8_t { number, boolean, text, error, blank };
+  Kind kind = Kind::blank;
+  union {
+    double number = 0.0;
+    bool boolean;
+    std::uint32_t error;
+    struct {
+      std::size_t offset, size;
+    } text;
+  };
+};
+
+// One input's value: its cells, row by row.
+struct Value {
+  enum class Shape : std::uint8_t { scalar, list, rows };
+  std::string key;
+  std::size_t first_cell = 0;
+  std::size_t cells = 0;
+  std::size_t rows = 0;
+  std::size_t columns = 0;
+  Shape shape = Shape::scalar;
+};
+
+// Members of a file of check values, which a call does not need.
+constexpr std::array<std::string_view, 6> skipped_members = {"outputs", "rtol",  "atol",
+                                                             "rtols",   "atols", "source"};
+
+const std::vector<std::string> call_members = {"function", "inputs"};
+
+}  // namespace
+
+// Receives the parser's events and keeps what a call needs; its buffers are used again for the next line. An
+// event that no call allows stops the parser at once, so that depth and size of hostile text cost nothing.
+struct JsonCalls::Reader {
+  std::string function;
+  std::vector<Value> inputs;  // the first `input_count` belong to this line
+  std::size_t input_count = 0;
+  std::vector<Cell> cells;
+  std::string pool;
+  std::string problem;
+
+  // What may come next. In `list` a row may come too; `error` to `error_end` is the way through
+  // {"error":"#N/A"}.
+  enum class Place {
+    start,
+    call,
+    function,
+    inputs,
+    value,
+    list,
+    row,
+    error,
+    error_text,
+    error_end,
+    skipped,
+    end
+  };
+  Place place = Place::start;
+  Place around_error = Place::value;
+  std::uint32_t error_code = ERROR_OK;
+  bool function_given = false;
+  bool inputs_given = false;
+  std::size_t skipped_depth = 0;
+
+  void reset(Place first) {
+    place = first;
+    function.clear();
+    input_count = 0;
+    cells.clear();
+    pool.clear();
+    problem.clear();
+    function_given = inputs_given = false;
+    skipped_depth = 0;
+  }
+
+  void begin_value(std::string_view key) {
+    if (input_count == inputs.size()) inputs.emplace_back();
+    Value& value = inputs[input_count++];
+    value.key = key;
+    value.first_cell = cells.size();
+    value.cells = value.rows = value.columns = 0;
+    value.shape = Value::Shape::scalar;
+    place = Place::value;
+  }
+  Value& current() { return inputs[input_count - 1]; }
+
+  bool null() { return scalar({}); }
+  bool boolean(bool given) {
+    Cell cell;
+    cell.kind = Cell::Kind::boolean;
+    cell.boolean = given;
+    return scalar(cell);
+  }
+  bool number_integer(json::number_integer_t given) { return number(static_cast<double>(given)); }
+  bool number_unsigned(json::number_unsigned_t given) { return number(static_cast<double>(given)); }
+  bool number_float(json::number_float_t given, const std::string&) { return number(given); }
+  bool string(std::string& given) {
+    if (place == Place::function) {
+      function = given;
+      place = Place::call;
+      return true;
+    }
+    if (place == Place::error_text) {
+      error_code = error_of_text(given);
+      if (error_code == ERROR_OK) return refuse_here(in_quotes(given) + " is not an error value");
+      place = Place::error_end;
+      return true;
+    }
+    Cell cell;
+    cell.kind = Cell::Kind::text;
+    cell.text = {pool.size(), given.size()};
+    if (place != Place::skipped) pool += given;
+    return scalar(cell);
+  }
+  bool binary(json::binary_t&) { return false; }  // no part of JSON text
+
+  bool start_object(std::size_t) {
+    switch (place) {
+      case Place::start: place = Place::call; return true;
+      case Place::skipped: ++skipped_depth; return true;
+      case Place::inputs: return true;
+      case Place::value:
+      case Place::list:
+      case Place::row:
+        around_error = place;
+        place = Place::error;
+        return true;
+      default: return refuse_here("");
+    }
+  }
+  bool key(std::string& given) {
+    switch (place) {
+      case Place::skipped: return true;
+      case Place::call: return member(given);
+      case Place::inputs: begin_value(given); return true;
+      case Place::error: place = Place::error_text; return given == "error" || refuse_here("");
+      default: return refuse_here("");
+    }
+  }
+  bool end_object() {
+    Cell cell;
+    switch (place) {
+      case Place::skipped: leave_skipped(); return true;
+      case Place::inputs: place = Place::call; return true;
+      case Place::call: place = Place::end; return true;
+      case Place::error_end:
+        place = around_error;
+        cell.kind = Cell::Kind::error;
+        cell.error = error_code;
+        return scalar(cell);
+      default: return refuse_here("");
+    }
+  }
+  bool start_array(std::size_t) {
+    switch (place) {
+      case Place::skipped: ++skipped_depth; return true;
+      case Place::value:
+        current().shape = Value::Shape::list;
+        place = Place::list;
+        return true;
+      case Place::list:
+        if (current().shape == Value::Shape::list && current().cells != 0)
+          return refuse_here("rows and single values are mixed");
+        current().shape = Value::Shape::rows;
+        place = Place::row;
+        return true;
+      case Place::row: return refuse_here("a list in a row");
+      default: return refuse_here("");
+    }
+  }
+  bool end_array() {
+    if (place == Place::skipped) {
+      leave_skipped();
+      return true;
+    }
+    Value& value = current();
+    if (place == Place::row) {
+      if (value.rows == 0) value.columns = value.cells;
+      ++value.rows;
+      if (value.cells != value.rows * value.columns) return refuse_here("the rows differ in length");
+      place = Place::list;
+      return true;
+    }
+    if (value.shape == Value::Shape::list) {
+      value.columns = 1;
+      value.rows = value.cells;
+    }
+    place = Place::inputs;
+    return true;
+  }
+  bool parse_error(std::size_t position, const std::string&, const json::exception& exception) {
+    // "[json.exception.parse_error.101] parse error at line 1, column 5: syntax error ...; last read: '...'"
+    std::string_view text = exception.what();
+    if (const std::size_t end = text.find("] "); end != std::string_view::npos) text.remove_prefix(end + 2);
+    if (const std::size_t colon = text.find(": ");
+        text.starts_with("parse error") && colon != std::string_view::npos)
+      text.remove_prefix(colon + 2);
+    problem = "not valid JSON at character " + std::to_string(position) + ": " + printable(text, 200);
+    return false;
+  }
+
+ private:
+  bool refuse(std::string text) {
+    problem = std::move(text);
+    return false;
+  }
+  bool refuse_here(std::string_view what) {
+    switch (place) {
+      case Place::start:
+      case Place::call:
+      case Place::end: return refuse("a call is an object with \"function\" and \"inputs\"");
+      case Place::function: return refuse("\"function\" must be a text");
+      case Place::inputs: return refuse("\"inputs\" must be an object");
+      default: break;
+    }
+    return refuse(
+        "input " + in_quotes(current().key) + ": " +
+        (what.empty() ? "the only object that may stand here is {\"error\":\"#N/A\"}" : std::string(what)));
+  }
+  bool number(double given) {
+    Cell cell;
+    cell.kind = Cell::Kind::number;
+    cell.number = given;
+    return scalar(cell);
+  }
+  bool scalar(const Cell& cell) {
+    switch (place) {
+      case Place::skipped:
+        if (skipped_depth == 0) place = Place::call;
+        return true;
+      case Place::list:
+        if (current().shape == Value::Shape::rows) return refuse_here("rows and single values are mixed");
+        break;
+      case Place::value: place = Place::inputs; break;
+      case Place::row: break;
+      default: return refuse_here("");
+    }
+    cells.push_back(cell);
+    ++current().cells;
+    return true;
+  }
+  bool member(const std::string& given) {
+    if (given == "function" || given == "inputs") {
+      bool& seen = given == "function" ? function_given : inputs_given;
+      if (seen) return refuse(in_quotes(given) + " is given twice");
+      seen = true;
+      place = given == "function" ? Place::function : Place::inputs;
+      return true;
+    }
+    if (std::find(skipped_members.begin(), skipped_members.end(), given) == skipped_members.end())
+      return refuse("unknown member " + in_quotes(given) + did_you_mean(given, call_members));
+    place = Place::skipped;
+    return true;
+  }
+  void leave_skipped() {
+    if (--skipped_depth == 0) place = Place::call;
+  }
+};
+
+namespace {
+
+FUNCTION_ARG argument_of(Session& session, const Cell& cell, std::string_view pool) {
+  switch (cell.kind) {
+    case Cell::Kind::number: return FUNCTION_ARG::Number(cell.number);
+    case Cell::Kind::boolean: return FUNCTION_ARG::Boolean(cell.boolean);
+    case Cell::Kind::text: return session.text(pool.substr(cell.text.offset, cell.text.size));
+    case Cell::Kind::error: return FUNCTION_ARG::Error(cell.error);
+    case Cell::Kind::blank: break;
+  }
+  return FUNCTION_ARG::Empty();
+}
+
+FUNCTION_ARG argument_of(Session& session, const Value& value, const std::vector<Cell>& cells,
+                         std::string_view pool) {
+  if (value.shape == Value::Shape::scalar) return argument_of(session, cells[value.first_cell], pool);
+  FUNCTION_ARG array = session.array(value.columns, value.rows);
+  for (std::size_t i = 0; i < value.cells; ++i)
+    array.array.elements[i] = argument_of(session, cells[value.first_cell + i], pool);
+  return array;
+}
+
+bool parse(JsonCalls::Reader& reader, std::string_view text) {
+  // The parser takes a zero byte for the end of the text and would not see what follows.
+  if (const std::size_t zero = text.find('\0'); zero != std::string_view::npos) {
+    reader.problem = "not valid JSON at character " + std::to_string(zero + 1) + ": a zero byte";
+    return false;
+  }
+  return json::sax_parse(text.data(), text.data() + text.size(), &reader);
+}
+
+}  // namespace
+
+JsonCalls::JsonCalls() : reader_(std::make_unique<Reader>()), inputs_(catalogue::specifications().size()) {}
+JsonCalls::~JsonCalls() = default;
+
+const Function_CFunctionSpec& JsonCalls::function(const std::string& id) {
+  if (const auto found = functions_.find(id); found != functions_.end()) return *found->second;
+  const Function_CFunctionSpec& spec = find_function(id);
+  // Every spelling is an entry of its own; a few hundred are more than any honest caller uses.
+  if (functions_.size() < 1000) functions_.emplace(id, &spec);
+  return spec;
+}
+
+std::size_t JsonCalls::input(const Function_CFunctionSpec& spec, const std::string& key,
+                             std::size_t expected) {
+  std::vector<std::string>& keys = inputs_[spec.position];
+  if (keys.empty())
+    for (const Function_CInput& record : spec.input_records()) keys.push_back(to_utf8(record.key));
+  // Callers name the inputs in their order, more often than not.
+  for (std::size_t i = expected; i < keys.size(); ++i)
+    if (equal_names(keys[i], key)) return i;
+  for (std::size_t i = 0; i < keys.size() && i < expected; ++i)
+    if (equal_names(keys[i], key)) return i;
+  return find_input(spec, key);
+}
+
+void JsonCalls::call(std::string_view line) {
+  Reader& reader = *reader_;
+  reader.reset(Reader::Place::start);
+  if (line.find_first_not_of(" \t\r") == std::string_view::npos) throw UsageError("the line is empty");
+  if (!parse(reader, line)) throw UsageError(reader.problem);
+  if (!reader.function_given) throw UsageError("\"function\" is missing");
+  const Function_CFunctionSpec& spec = function(reader.function);
+  session_.begin(spec);
+  std::size_t expected = 0;
+  for (std::size_t i = 0; i < reader.input_count; ++i) {
+    const Value& value = reader.inputs[i];
+    const std::size_t index = input(spec, value.key, expected);
+    expected = index + 1;
+    FUNCTION_ARG& argument = session_.argument(index);
+    if (argument.kind != ARG_MISSING) throw UsageError("input " + in_quotes(value.key) + " is given twice");
+    argument = argument_of(session_, value, reader.cells, reader.pool);
+  }
+  session_.run();
+}
+
+JsonCalls::Answer JsonCalls::answer(std::string_view line, std::string& out) {
+  try {
+    call(line);
+    append_answer(out, session_);
+    return session_.good() ? Answer::good : Answer::calculation_failed;
+  } catch (const UsageError& error) {
+    append_failure(out, error.what());
+  } catch (const std::bad_alloc&) {
+    append_failure(out, "not enough memory");
+  }
+  return Answer::unreadable;
+}
+
+void append_answer(std::string& out, const Session& session) {
+  const Function_CFunctionSpec& spec = session.function();
+  out += "{\"function\":";
+  append_text(out, spec.id);
+  out += ",\"status\":";
+  append_integer(out, session.status());
+  out += ",\"flags\":";
+  append_integer(out, session.flags());
+  out += ",\"outputs\":{";
+  for (std::size_t i = 0; i < spec.output_count; ++i) {
+    if (i != 0) out += ',';
+    append_text(out, spec.outputs[i].key);
+    out += ':';
+    append_value(out, session.output(i));
+  }
+  out += "},\"messages\":[";
+  for (std::size_t i = 0; i < session.messages().size(); ++i) {
+    if (i != 0) out += ',';
+    append_text(out, session.messages()[i].text);
+  }
+  out += "]}";
+}
+
+void append_failure(std::string& out, std::string_view message) {
+  out += "{\"error\":";
+  append_text(out, message);
+  out += '}';
+}
+
+bool read_json_value(Session& session, std::string_view text, std::string_view name, FUNCTION_ARG& value) {
+  JsonCalls::Reader reader;
+  reader.reset(JsonCalls::Reader::Place::value);
+  reader.begin_value(name);
+  if (!parse(reader, text)) return false;
+  value = argument_of(session, reader.current(), reader.cells, reader.pool);
+  return true;
+}
+
+}  // namespace norvane::cli

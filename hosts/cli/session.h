@@ -1,0 +1,68 @@
+// A session: one call context and one calling place a function, and the call that runs in it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "framework/function_spec.h"
+#include "hosts/module/module.h"
+
+namespace norvane::cli {
+
+struct Message {
+  std::uint32_t level = MESSAGE_ERROR;
+  std::u16string text;
+};
+
+class Session {
+ public:
+  // Throws std::bad_alloc when the catalogues cannot be built.
+  Session();
+  ~Session();
+
+  // Starts a call: every input is omitted until its argument is set. What the arguments refer to lives in the
+  // context's arena, from here to the next begin().
+  void begin(const Function_CFunctionSpec& spec);
+  FUNCTION_ARG& argument(std::size_t input) { return arguments_[input]; }
+  // A text or an array of blank cells of this call. Throws std::bad_alloc.
+  FUNCTION_ARG text(std::string_view utf8);
+  FUNCTION_ARG text(std::u16string_view text);
+  FUNCTION_ARG array(std::size_t columns, std::size_t rows);
+  void run();
+
+  const Function_CFunctionSpec& function() const { return *spec_; }
+  std::uint32_t status() const { return status_; }
+  std::uint32_t flags() const { return flags_; }
+  // ARG_EMPTY when the output was not written.
+  const FUNCTION_ARG& output(std::size_t index) const;
+  std::span<const Message> messages() const { return {messages_.data(), message_count_}; }
+  // False when the call failed, or a status output answered with anything but 0.
+  bool good() const;
+
+  const Unit_CTypeAndUnitContainer& units() const { return module_.units; }
+
+ private:
+  class Context;
+  void collect(std::uint32_t level, std::u16string_view text) noexcept;
+
+  const host::Module& module_;
+  std::unique_ptr<Context> context_;
+  std::vector<std::uint64_t> slots_;
+  const Function_CFunctionSpec* spec_ = nullptr;
+  std::vector<FUNCTION_ARG> arguments_;
+  FUNCTION_ARG output_ = FUNCTION_ARG::Empty();
+  std::uint32_t status_ = ERROR_OK;
+  std::uint32_t flags_ = 0;
+  std::vector<Message> messages_;  // storage of earlier calls is used again
+  std::size_t message_count_ = 0;
+};
+
+// The worksheet error code of a text such as "#N/A"; 0 for any other text.
+std::uint32_t error_of_text(std::string_view text);
+
+}  // namespace norvane::cli
