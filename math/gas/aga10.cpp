@@ -1,0 +1,253 @@
+// AGA Report No. 10 (2003).
+//
+//   ar   residual Helmholtz energy over R T; its reduced derivatives are those of AGA8::Residual
+//   Z       = 1 + d                                    dp/drho = R T (1 + 2 d + dd)
+//   dp/dT   = rho R (1 + d + dt)                       h       = h0 + R T (d - t)
+//   s       = s0 - R sum x ln x - R ln(rho R T/p_ref) - R (ar + t)
+//   cv      = cp0 - R - R (2 t + tt)                   cp      = cv + T (dp/dT)^2 / (rho^2 dp/drho)
+//   w^2     = (cp/cv) (dp/drho) / M                    kappa   = w^2 M / (Z R T)
+//
+// The report integrates cv, h and s over density numerically; these are the closed forms of the integrals.
+
+#include "math/gas/aga10.h"
+
+#include <cmath>
+
+#include "core/elementary.h"
+#include "math/gas/aga10_table.h"
+
+namespace norvane::AGA10 {
+namespace {
+
+constexpr double R = 8.31451;            // [J/(mol K)]
+constexpr double calorie = 4.184;        // [J], thermochemical
+constexpr double p_reference = 101.325;  // [kPa], of the entropy
+constexpr double ln2 = 0.69314718055994531;
+
+// Dry air for the relative densities: molar mass [kg/kmol] and second virial coefficient [m3/kmol] at T [K].
+constexpr double air_molar_mass = 28.9625;
+constexpr double air_virial(double T) {
+  return -0.12527 + 5.91e-4 * T - 6.62e-7 * T * T;
+}
+
+}  // namespace
+
+IdealMixture ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy) noexcept {
+  IdealMixture sum;
+  const double inverse_T = 1.0 / T;
+  const double log_T = entropy == Entropy::include ? elementary::log(T) : 0.0;
+  for (std::size_t i = 0; i < AGA8::component_count; ++i) {
+    if (!(x[i] > 0.0)) continue;
+    const IdealGas& gas = ideal_gases[i];
+    double cp = gas.B;
+    double h = gas.A + gas.B * T;
+    double s = gas.K + gas.B * log_T;
+    // Vibration: two terms in sinh (C, D and G, H) and two in cosh (E, F and I, J). F is negative for two
+    // gases; cosh and the product with tanh are even.
+    const double weight[4] = {gas.C, gas.E, gas.G, gas.I};
+    const double y[4] = {gas.D * inverse_T, std::fabs(gas.F) * inverse_T, gas.H * inverse_T,
+                         gas.J * inverse_T};
+    const auto e = elementary::exp4({-2.0 * y[0], -2.0 * y[1], -2.0 * y[2], -2.0 * y[3]});
+    for (std::size_t m = 0; m < 4; ++m) {
+      if (weight[m] == 0.0) continue;
+      // With e = exp(-2y): coth y = (1+e)/(1-e), 1/sinh^2 y = 4e/(1-e)^2, ln sinh y = y - ln 2 + ln(1-e); for
+      // cosh the signs before e change. A cosh term enters the enthalpy and entropy with the opposite sign.
+      const double sign = m % 2 == 0 ? 1.0 : -1.0;
+      const double inverse = 1.0 / (1.0 - sign * e[m]);
+      const double cotangent = (1.0 + sign * e[m]) * inverse;
+      cp += weight[m] * y[m] * y[m] * 4.0 * e[m] * inverse * inverse;
+      h += sign * weight[m] * T * y[m] * cotangent;
+      if (entropy == Entropy::include)
+        s += sign * weight[m] * (y[m] * cotangent - (y[m] - ln2 + elementary::log(1.0 - sign * e[m])));
+    }
+    sum.cp += x[i] * cp;
+    sum.h += x[i] * h;
+    sum.s += x[i] * s;
+  }
+  return {sum.cp * calorie, sum.h * calorie, entropy == Entropy::include ? sum.s * calorie : 0.0};
+}
+
+MolarState state(const AGA8::Mixture& mixture, const AGA8::Composition& x, double T, double rho,
+                 Entropy entropy) noexcept {
+  const AGA8::Residual r = AGA8::residual(mixture, T, rho);
+  MolarState now{};
+  now.T = T;
+  now.rho = rho;
+  now.z = 1.0 + r.d;
+  now.dp_dT = 1.0 + r.d + r.dt;
+  now.dp_drho = 1.0 + 2.0 * r.d + r.dd;
+  now.ideal = ideal_mixture(x, T, entropy);
+  now.cv = now.ideal.cp - R - R * (2.0 * r.t + r.tt);
+  now.cp = now.cv + R * now.dp_dT * now.dp_dT / now.dp_drho;
+  now.h = now.ideal.h + R * T * (r.d - r.t);
+  now.M_w2 = now.cp / now.cv * R * T * now.dp_drho;
+  if (entropy == Entropy::include) {
+    double mixing = 0.0;
+    for (double fraction : x)
+      if (fraction > 0.0) mixing += fraction * elementary::log(fraction);
+    now.s = now.ideal.s - R * (mixing + elementary::log(rho * R * T / p_reference) + r.ar + r.t);
+  }
+  return now;
+}
+
+namespace {
+
+bool stable(const MolarState& s) noexcept {
+  return s.dp_drho > 0.0 && s.cv > 0.0 && std::isfinite(s.M_w2) && std::isfinite(s.s);
+}
+
+// C* of a perfect gas: sqrt(k (2/(k+1))^((k+1)/(k-1))).
+double perfect_gas_flow_factor(double k) noexcept {
+  // 2/(k+1) = 1 + y and (k+1)/(k-1) = -1/y; the power tends to 1/e as k tends to 1.
+  const double y = (1.0 - k) / (1.0 + k);
+  const double power =
+      std::fabs(y) < 1e-8 ? elementary::exp(0.5 * y - 1.0) : elementary::pow(1.0 + y, -1.0 / y);
+  return std::sqrt(k * power);
+}
+
+// The throat of a critical nozzle: the state with the entropy of the stagnation state whose kinetic energy,
+// half the square of the speed of sound, makes up for its lower enthalpy. Newton's method in temperature and
+// density.
+bool throat(const AGA8::Mixture& mixture, const AGA8::Composition& x, const MolarState& stagnation,
+            double kappa, MolarState& found) noexcept {
+  constexpr int max_steps = 60;
+  constexpr double largest_T_step = 0.1, largest_rho_step = 0.3;  // relative
+  constexpr double tolerance = 1e-9;   // of the last step; the error left is its square
+  constexpr double difference = 1e-6;  // relative, for the slopes of the speed of sound
+  const double ratio = 2.0 / (kappa + 1.0);
+  double T = stagnation.T * ratio;
+  double rho = stagnation.rho * elementary::pow(ratio, 1.0 / (kappa - 1.0));
+  if (!(T > 0.0 && rho > 0.0 && std::isfinite(rho))) return false;
+  for (int i = 0; i < max_steps; ++i) {
+    found = state(mixture, x, T, rho, Entropy::include);
+    const MolarState warmer = state(mixture, x, T * (1.0 + difference), rho, Entropy::leave_out);
+    const MolarState denser = state(mixture, x, T, rho * (1.0 + difference), Entropy::leave_out);
+    if (!stable(found) || !stable(warmer) || !stable(denser)) return false;
+    // Residuals over R and R T; derivatives to ln T and ln rho.
+    const double f = (found.s - stagnation.s) / R;
+    const double f_T = found.cv / R;
+    const double f_rho = -found.dp_dT;
+    const double g = (found.h + 0.5 * found.M_w2 - stagnation.h) / (R * T);
+    const double g_T = found.cv / R + found.dp_dT + 0.5 * (warmer.M_w2 - found.M_w2) / (difference * R * T);
+    const double g_rho =
+        found.dp_drho - found.dp_dT + 0.5 * (denser.M_w2 - found.M_w2) / (difference * R * T);
+    const double determinant = f_T * g_rho - f_rho * g_T;
+    const double T_step = (f_rho * g - g_rho * f) / determinant;
+    const double rho_step = (g_T * f - f_T * g) / determinant;
+    if (!std::isfinite(T_step) || !std::isfinite(rho_step)) return false;
+    T *= 1.0 + std::fmax(-largest_T_step, std::fmin(largest_T_step, T_step));
+    rho *= 1.0 + std::fmax(-largest_rho_step, std::fmin(largest_rho_step, rho_step));
+    if (std::fabs(T_step) < tolerance && std::fabs(rho_step) < tolerance) {
+      found = state(mixture, x, T, rho, Entropy::include);
+      return stable(found);
+    }
+  }
+  return false;
+}
+
+// What a property needs beyond the molar mass.
+enum Need : unsigned { base = 1, flow = 2, caloric = 4, with_entropy = 8, nozzle = 16 };
+
+constexpr unsigned needs(Property property) noexcept {
+  switch (property) {
+    case Property::molar_mass:
+    case Property::ideal_relative_density:
+    case Property::count: return 0;
+    case Property::base_molar_density:
+    case Property::base_density:
+    case Property::real_relative_density:
+    case Property::base_z: return base;
+    case Property::flowing_molar_density:
+    case Property::flowing_density:
+    case Property::flowing_z: return flow;
+    case Property::supercompressibility: return base | flow;
+    case Property::entropy: return flow | caloric | with_entropy;
+    case Property::critical_flow_factor: return flow | caloric | with_entropy | nozzle;
+    default: return flow | caloric;
+  }
+}
+
+struct BaseOrFlow {
+  double rho = 0.0;  // [kmol/m3]
+  double z = 0.0;
+};
+
+bool density(const AGA8::Mixture& mixture, const Conditions& at, BaseOrFlow& result) noexcept {
+  AGA8::Isotherm isotherm;
+  isotherm.set(mixture, at.T);
+  const double p = at.p * 1e-6;
+  if (!isotherm.density(p, result.rho)) return false;
+  result.z = p / (result.rho * isotherm.RT);
+  return std::isfinite(result.z) && std::isfinite(result.rho);
+}
+
+}  // namespace
+
+Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base_state,
+                 std::span<const Property> requested, Properties& values) noexcept {
+  unsigned need = 0;
+  for (Property property : requested) need |= needs(property);
+
+  AGA8::Mixture mixture;
+  mixture.set(x);
+  const double M = mixture.molar_mass;
+  BaseOrFlow b, f;
+  if ((need & flow) != 0 && !density(mixture, flowing, f)) return flowing_density_failed;
+  if ((need & base) != 0 && !density(mixture, base_state, b)) return base_density_failed;
+  MolarState s{};
+  double kappa = 0.0;
+  if ((need & caloric) != 0) {
+    s = state(mixture, x, flowing.T, f.rho,
+              (need & with_entropy) != 0 ? Entropy::include : Entropy::leave_out);
+    if (!stable(s)) return unstable;
+    kappa = s.M_w2 / (s.z * R * s.T);
+  }
+  double critical_flow = 0.0;
+  if ((need & nozzle) != 0) {
+    MolarState at_throat;
+    if (!throat(mixture, x, s, kappa, at_throat)) return throat_not_found;
+    // rho w sqrt(R_s T0) / p0, with M under the roots of w and R_s cancelling that of the mass density
+    critical_flow = at_throat.rho * std::sqrt(at_throat.M_w2 * R * s.T) / (flowing.p * 1e-3);
+  }
+
+  const double air_z = 1.0 + air_virial(base_state.T) * base_state.p * 1e-6 / (AGA8::R * base_state.T);
+  for (Property property : requested) {
+    double& value = values[static_cast<std::size_t>(property)];
+    switch (property) {
+      case Property::molar_mass: value = M; break;
+      case Property::base_molar_density: value = b.rho * 1000.0; break;
+      case Property::flowing_molar_density: value = f.rho * 1000.0; break;
+      case Property::base_density: value = b.rho * M; break;
+      case Property::flowing_density: value = f.rho * M; break;
+      case Property::ideal_relative_density: value = M / air_molar_mass; break;
+      case Property::real_relative_density: value = M / air_molar_mass * air_z / b.z; break;
+      case Property::speed_of_sound: value = std::sqrt(s.M_w2 * 1000.0 / M); break;
+      case Property::base_z: value = b.z; break;
+      case Property::flowing_z: value = f.z; break;
+      case Property::supercompressibility: value = std::sqrt(b.z / f.z); break;
+      case Property::ideal_enthalpy: value = s.ideal.h / M; break;
+      case Property::enthalpy: value = s.h / M; break;
+      case Property::entropy: value = s.s / M; break;
+      case Property::ideal_cp: value = s.ideal.cp / M; break;
+      case Property::cp: value = s.cp / M; break;
+      case Property::cv: value = s.cv / M; break;
+      case Property::ideal_molar_cp: value = s.ideal.cp; break;
+      case Property::molar_cp: value = s.cp; break;
+      case Property::molar_cv: value = s.cv; break;
+      case Property::cp_over_cv: value = s.cp / s.cv; break;
+      case Property::isentropic_exponent: value = kappa; break;
+      case Property::critical_flow_factor: value = critical_flow; break;
+      case Property::ideal_molar_enthalpy: value = s.ideal.h; break;
+      case Property::molar_enthalpy: value = s.h; break;
+      case Property::ideal_gas_flow_factor:
+        value = perfect_gas_flow_factor(s.ideal.cp / (s.ideal.cp - R));
+        break;
+      case Property::isentropic_flow_factor: value = perfect_gas_flow_factor(kappa) / std::sqrt(f.z); break;
+      case Property::count: break;
+    }
+    if (!std::isfinite(value)) return unstable;
+  }
+  return success;
+}
+
+}  // namespace norvane::AGA10
