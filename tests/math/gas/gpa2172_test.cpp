@@ -51,7 +51,25 @@ TEST(Gpa2145Table, ColumnsAgree) {
     // Factors at 15 degC are some 0.3 % larger than at 60 degF, beyond the change of unit.
     EXPECT_NEAR(us.summation / std::sqrt(6.894757), si.summation, 0.02 * si.summation);
     EXPECT_NEAR(GPA2145::customary_2000[i].gross_volume, us.gross_volume, 1e-4 * us.gross_volume);
+    EXPECT_NEAR(GPA2145::customary_2000[i].summation, us.summation, 0.06 * us.summation);
     EXPECT_NEAR(GPA2145::customary_2000[i].molar_mass, us.molar_mass, 1e-4 * us.molar_mass);
+  }
+}
+
+// Between 2003 and 2016 only last digits of the molar mass and of the value by mass changed.
+TEST(Gpa2145Table, EditionsDifferInLastDigits) {
+  const auto check = [](const GPA2145::Component& of_2003, const GPA2145::Component& of_2016) {
+    EXPECT_NEAR(of_2003.molar_mass, of_2016.molar_mass, 0.00051);
+    EXPECT_NEAR(of_2003.gross_mass, of_2016.gross_mass, 0.0021);
+    EXPECT_EQ(of_2003.ideal_relative_density, of_2016.ideal_relative_density);
+    EXPECT_EQ(of_2003.gross_volume, of_2016.gross_volume);
+    EXPECT_EQ(of_2003.net_volume, of_2016.net_volume);
+    EXPECT_EQ(of_2003.summation, of_2016.summation);
+  };
+  for (std::size_t i = 0; i < GPA2145::n_components; ++i) {
+    SCOPED_TRACE(i);
+    check(GPA2145::customary_2003[i], GPA2145::customary_2016[i]);
+    check(GPA2145::metric_2003[i], GPA2145::metric_2016[i]);
   }
 }
 

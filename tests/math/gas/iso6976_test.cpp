@@ -92,6 +92,13 @@ TEST(Iso6976Table, Edition2016AgreesWithItsAtomsAndWith1995) {
     EXPECT_NEAR(run2016(pure<Gas60>(i), 7, tabulated).properties.molar_mass,
                 run2016(pure<Gas60>(i), 7).properties.molar_mass, 6e-6);
     const auto& gross = edition2016::table3[i].gross;
+    // 60 degF lies where the other temperatures lead: factors on a parabola, gross values on a line.
+    const auto& factor = edition2016::table2[i].s;
+    const double parabola = factor[0] * (0.55 * -4.45) / (-15.0 * -20.0) +
+                            factor[1] * (15.55 * -4.45) / (15.0 * -5.0) +
+                            factor[3] * (15.55 * 0.55) / (20.0 * 5.0);
+    EXPECT_NEAR(factor[2], parabola, 0.9e-4);
+    EXPECT_NEAR(gross[2], gross[1] + (gross[3] - gross[1]) * 0.55 / 5.0, 0.0095);
     for (std::size_t k = 0; k < 5; ++k) {
       if (k > 0 && edition2016::table1[i].atoms[1] > 0) {
         EXPECT_LT(gross[k], gross[k - 1]) << "a gross value falls as the temperature rises";
