@@ -1,4 +1,5 @@
-// CRC-32 of IEEE 802.3: polynomial 0xEDB88320 (reflected), by table: one byte a step, or one 64-bit word.
+// CRC-32 of IEEE 802.3: polynomial 0xEDB88320 (reflected), by table: one byte a step, or one or two 64-bit
+// words.
 #pragma once
 
 #include <array>
@@ -9,8 +10,8 @@
 namespace norvane {
 
 // Table n advances a byte over n further bytes of zero; table 0 alone is the classical one.
-inline constexpr std::array<std::array<std::uint32_t, 256>, 8> crc32_tables = [] {
-  std::array<std::array<std::uint32_t, 256>, 8> tables{};
+inline constexpr std::array<std::array<std::uint32_t, 256>, 16> crc32_tables = [] {
+  std::array<std::array<std::uint32_t, 256>, 16> tables{};
   for (std::uint32_t i = 0; i < 256; ++i) {
     std::uint32_t value = i;
     for (int bit = 0; bit < 8; ++bit) value = (value & 1) != 0 ? 0xEDB88320u ^ (value >> 1) : value >> 1;
@@ -27,12 +28,19 @@ constexpr std::uint32_t crc32_step(std::uint32_t state, std::uint32_t byte) {
   return crc32_table[(state ^ byte) & 0xFF] ^ (state >> 8);
 }
 
-// The eight bytes of a word, lowest first: eight independent look-ups instead of a chain of eight.
+// What the eight bytes of a word, lowest first, add to the state when `after` bytes follow them.
+constexpr std::uint32_t crc32_share(std::uint64_t word, std::size_t after) {
+  const auto* t = &crc32_tables[after];
+  return t[7][word & 0xFF] ^ t[6][word >> 8 & 0xFF] ^ t[5][word >> 16 & 0xFF] ^ t[4][word >> 24 & 0xFF] ^
+         t[3][word >> 32 & 0xFF] ^ t[2][word >> 40 & 0xFF] ^ t[1][word >> 48 & 0xFF] ^ t[0][word >> 56];
+}
+
+// One word, two words: independent look-ups instead of a chain of eight or sixteen.
 constexpr std::uint32_t crc32_word(std::uint32_t state, std::uint64_t word) {
-  const std::uint64_t x = word ^ state;
-  return crc32_tables[7][x & 0xFF] ^ crc32_tables[6][x >> 8 & 0xFF] ^ crc32_tables[5][x >> 16 & 0xFF] ^
-         crc32_tables[4][x >> 24 & 0xFF] ^ crc32_tables[3][x >> 32 & 0xFF] ^ crc32_tables[2][x >> 40 & 0xFF] ^
-         crc32_tables[1][x >> 48 & 0xFF] ^ crc32_tables[0][x >> 56];
+  return crc32_share(word ^ state, 0);
+}
+constexpr std::uint32_t crc32_words(std::uint32_t state, std::uint64_t first, std::uint64_t second) {
+  return crc32_share(second, 0) ^ crc32_share(first ^ state, 8);
 }
 
 constexpr std::uint32_t crc32_update(std::uint32_t state, std::span<const std::uint8_t> bytes) {

@@ -10,7 +10,7 @@
 namespace norvane::functions {
 namespace {
 
-// An element that is no plain number. False when it is an error, which ends the checksum.
+// One element of any kind. False when it is an error, which ends the checksum.
 bool add_element(Function_CContext& context, const FUNCTION_ARG& element, std::uint32_t& state) noexcept {
   if (element.kind == ARG_ERROR) return false;
   double number = 0.0;
@@ -28,13 +28,19 @@ std::uint32_t checksum(Function_CContext& context, FUNCTION_ARG* args, std::size
                        FUNCTION_ARG& output) {
   FUNCTION_ARG::Array range{};
   if (!context.ReadArray(Arguments{args, count}[0], range)) return ERROR_VALUE;
-  const FUNCTION_ARG* const end = range.elements + std::uint64_t{range.columns} * range.rows;
+  const auto bits = [](const FUNCTION_ARG& number) { return std::bit_cast<std::uint64_t>(number.number); };
+  const FUNCTION_ARG* element = range.elements;
   std::uint32_t state = 0;
-  for (const FUNCTION_ARG* element = range.elements; element != end; ++element) {
-    if (element->kind == ARG_NUMBER) [[likely]]
-      state = crc32_word(state, std::bit_cast<std::uint64_t>(element->number));
-    else if (!add_element(context, *element, state))
-      return element->error;
+  for (std::uint64_t left = std::uint64_t{range.columns} * range.rows; left != 0;) {
+    if (left >= 2 && element[0].kind == ARG_NUMBER && element[1].kind == ARG_NUMBER) [[likely]] {
+      state = crc32_words(state, bits(element[0]), bits(element[1]));
+      element += 2;
+      left -= 2;
+      continue;
+    }
+    if (!add_element(context, *element, state)) return element->error;
+    ++element;
+    --left;
   }
   output = FUNCTION_ARG::Number(state);
   return ERROR_OK;
