@@ -212,11 +212,12 @@ constexpr std::u16string_view metric_words = u"metric,liquid,api";
   u"A negative gauge pressure gives a CPL of exactly 1. Inputs are not rounded; API rounding rounds the "   \
   u"CTPL "                                                                                                  \
   u"to 5 decimals, half away from zero, and nothing else.\n"
-#define NOTES_ITERATION                                                                                    \
-  u"Status 3 when 15 steps do not meet the observed density within 1e-6 kg/m3: a named refined group far " \
-  u"outside its own densities, or a density that falls into the gap of less than 0.0001 kg/m3 where two "  \
-  u"refined groups meet. A result is refined until base density times CTL times CPL gives the observed "   \
-  u"density within 1e-10 of it.\n"
+#define NOTES_ITERATION                                                                                     \
+  u"Status 3 when 15 steps do not meet the observed density within 1e-6 kg/m3. Crude oil, lubricating oil " \
+  u"and 'Refined, auto' converge within the limits, except in a gap of less than 0.0001 kg/m3 where two "   \
+  u"refined groups meet. A refined group that is named can fail outside its own densities, the transition " \
+  u"zone also at high and low temperatures within them: prefer 'Refined, auto' there. A result is refined " \
+  u"until base density times CTL times CPL gives the observed density within 1e-10 of it.\n"
 #define NOTES_METRIC                                                                                       \
   u"CTL, CTPL and CPL belong to the table's own base: volumes go through 60 \u00B0F, CTL is the ratio of " \
   u"the factors at the observed and at the base temperature.\n"

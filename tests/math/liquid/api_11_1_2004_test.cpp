@@ -1,0 +1,331 @@
+// API MPMS 11.1:2004 where the published cases do not look: whole ranges, group boundaries, limits, hostile
+// numbers.
+#include "math/liquid/api_11_1_2004.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "catalogue/catalogue.h"
+#include "tests/framework/test_context.h"
+
+namespace norvane::API_11_1_2004 {
+namespace {
+
+constexpr double inf = std::numeric_limits<double>::infinity();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+constexpr Group groups[] = {Group::crude,      Group::refined,  Group::fuel_oil,       Group::jet_fuel,
+                            Group::transition, Group::gasoline, Group::lubricating_oil};
+
+// A base of 60 degF, 15 degC or 20 degC under one signature: degF, psi gauge.
+struct Base {
+  const char* name;
+  int degC;  // 0 for 60 degF
+  Outcome to_base(Liquid liquid, double rho, double degF, double psig, Correction& c) const {
+    if (degC == 0) return base_from_observed(liquid, rho, degF, psig, Rounding::off, c);
+    return base_from_observed(liquid, metric(), rho, (degF - 32) / 1.8, psig * 0.06894757, Rounding::off, c);
+  }
+  Outcome to_observed(Liquid liquid, double rho, double degF, double psig, Correction& c) const {
+    if (degC == 0) return observed_from_base(liquid, rho, degF, psig, Rounding::off, c);
+    return observed_from_base(liquid, metric(), rho, (degF - 32) / 1.8, psig * 0.06894757, Rounding::off, c);
+  }
+  MetricBase metric() const { return degC == 15 ? MetricBase::degC15 : MetricBase::degC20; }
+};
+constexpr Base bases[] = {{"60 degF", 0}, {"15 degC", 15}, {"20 degC", 20}};
+
+// The densities at 60 degF to which a named refined product belongs.
+bool in_own_band(Group group, double rho60) {
+  switch (group) {
+    case Group::gasoline: return rho60 < 770.352;
+    case Group::transition: return rho60 >= 770.352 && rho60 < 787.5195;
+    case Group::jet_fuel: return rho60 >= 787.5195 && rho60 < 838.3127;
+    case Group::fuel_oil: return rho60 >= 838.3127;
+    default: return true;
+  }
+}
+
+// Where the iteration must find an answer. It estimates the slope of a named refined product by density and
+// not by its constants, so that those may fail elsewhere, and the steep transition zone anywhere.
+bool must_converge(Group group, double rho60) {
+  if (group == Group::transition) return false;
+  return group == Group::gasoline ? rho60 < 760 : in_own_band(group, rho60);
+}
+
+TEST(Api11_1_2004, PrintedIntermediateValues) {  // 11.1.6.1 examples 1 and 4, 11.1.7.2 example 10
+  EXPECT_NEAR(ipts68_of_its90(-27.7), -27.712499233089, 5e-13);
+  EXPECT_NEAR(ipts68_of_its90(85.0), 85.013358222928, 5e-13);
+  Correction c;
+  ASSERT_EQ(observed_from_base({Group::crude}, density_of_gravity(17.785), -27.7, 0, Rounding::off, c),
+            Outcome::ok);
+  EXPECT_NEAR(c.alpha, 0.000380407044, 5e-13);
+  ASSERT_EQ(observed_from_base({Group::refined}, density_of_relative(0.7943), 85, 247.3, Rounding::off, c),
+            Outcome::ok);
+  EXPECT_NEAR(c.alpha, 0.000524557068, 5e-13);
+  ASSERT_EQ(base_from_observed({Group::lubricating_oil}, MetricBase::degC15, 734.3, 150, 1, Rounding::off, c),
+            Outcome::ok);
+  EXPECT_NEAR(c.base_density, 820.979105094945, 1e-6);
+  EXPECT_NEAR(c.ctl, 0.894250233938, 2e-11);
+  EXPECT_NEAR(c.cpl, 1.000189663064, 2e-12);
+}
+
+// A round trip loses at most 1e-9, over all densities at 60 degF, temperatures and pressures of the standard.
+// A named refined product may fail to converge outside its own densities, nothing else may.
+TEST(Api11_1_2004, RoundTripsOverTheWholeRange) {
+  for (const Base& base : bases) {
+    for (const Group group : groups) {
+      SCOPED_TRACE(std::string(base.name) + ", group " + std::to_string(static_cast<int>(group)));
+      const Liquid liquid{group};
+      const double low = group == Group::lubricating_oil ? 800.9 : 610.6;
+      int answered = 0;
+      for (int i = 0; i <= 60; ++i) {
+        const double rho60 = low + (1163.5 - low) * i / 60;
+        for (double degF = -58; degF <= 302; degF += 15) {
+          for (const double psig : {0.0, 300.0, 1500.0}) {
+            Correction there, back, again;
+            ASSERT_EQ(observed_from_base(liquid, rho60, degF, psig, Rounding::off, there), Outcome::ok);
+            const double observed = there.observed_density;
+            const Outcome outcome = base.to_base(liquid, observed, degF, psig, back);
+            if (outcome != Outcome::ok) {
+              ASSERT_FALSE(must_converge(group, rho60))
+                  << rho60 << " kg/m3 " << degF << " degF " << psig << " psi";
+              continue;
+            }
+            // Constants far from their product put observed densities outside the limits.
+            if (back.out_of_range && !must_converge(group, rho60)) continue;
+            ++answered;
+            ASSERT_NEAR(back.base_density * back.ctl * back.cpl, observed, 1e-9 * observed);
+            if (base.to_observed(liquid, back.base_density, degF, psig, again) == Outcome::ok) {
+              ASSERT_NEAR(again.observed_density, observed, 1e-9 * observed)
+                  << rho60 << ' ' << degF << ' ' << psig;
+            } else {
+              ASSERT_FALSE(must_converge(group, rho60)) << rho60 << ' ' << degF << ' ' << psig;
+            }
+          }
+        }
+      }
+      EXPECT_GT(answered, 2000);
+    }
+  }
+}
+
+// alpha60 jumps a little where two groups meet. Densities around the jump from both sides: a value that gives
+// the observed density back, or no convergence, and that only inside a gap between the two sides.
+TEST(Api11_1_2004, BoundariesOfRefinedGroupsNeverGiveAWrongValue) {
+  const Liquid liquid{Group::refined};
+  int in_gap = 0;
+  for (const double boundary : {770.352, 787.5195, 838.3127}) {
+    for (const double degF : {-58.0, 20.0, 59.0, 61.0, 110.0, 302.0}) {
+      for (const double psig : {0.0, 1500.0}) {
+        Correction below, from;
+        ASSERT_EQ(observed_from_base(liquid, std::nextafter(boundary, 0), degF, psig, Rounding::off, below),
+                  Outcome::ok);
+        ASSERT_EQ(observed_from_base(liquid, boundary, degF, psig, Rounding::off, from), Outcome::ok);
+        ASSERT_NE(below.group, from.group);
+        const double jump = from.observed_density - below.observed_density;
+        ASSERT_LT(std::fabs(jump), 1e-4);
+        // A step from the other side misses a root at the very edge by a part of the jump.
+        const double edge = 1e-6 + 0.1 * std::fabs(jump);
+        for (int i = -200; i <= 200; ++i) {
+          const double observed = below.observed_density + jump / 2 + (std::fabs(jump) + 1e-5) * i / 100;
+          SCOPED_TRACE(std::to_string(boundary) + " " + std::to_string(degF) + " " + std::to_string(i));
+          Correction found, check;
+          const Outcome outcome = base_from_observed(liquid, observed, degF, psig, Rounding::off, found);
+          if (outcome == Outcome::no_convergence) {
+            ++in_gap;
+            ASSERT_GT(observed, below.observed_density - edge);
+            ASSERT_LT(observed, from.observed_density + edge);
+            continue;
+          }
+          ASSERT_EQ(outcome, Outcome::ok);
+          ASSERT_TRUE(in_own_band(found.group, found.base_density));
+          ASSERT_EQ(observed_from_base(liquid, found.base_density, degF, psig, Rounding::off, check),
+                    Outcome::ok);
+          ASSERT_NEAR(check.observed_density, observed, 1e-6);
+          ASSERT_EQ(check.group, found.group);
+        }
+      }
+    }
+  }
+  EXPECT_GT(in_gap, 0);
+}
+
+// What happens at the limits, each bound inclusive: in range at the bound, out of range 2e-6 beyond.
+TEST(Api11_1_2004, RangeFlags) {
+  struct Case {
+    Liquid liquid;
+    double rho60, degF, psig;
+    bool out;
+  };
+  const Case cases[] = {
+      {{Group::crude}, 850, -58, 0, false},           {{Group::crude}, 850, -58.000002, 0, true},
+      {{Group::crude}, 850, 302, 1500, false},        {{Group::crude}, 850, 302.000002, 0, true},
+      {{Group::crude}, 850, 60, 1500.0000005, false}, {{Group::crude}, 850, 60, 1500.000002, true},
+      {{Group::crude}, 850, 60, -0.000002, true},     {{Group::crude}, 610.6, 60, 0, false},
+      {{Group::crude}, 610.599998, 60, 0, true},      {{Group::jet_fuel}, 1163.5, 60, 0, false},
+      {{Group::refined}, 1163.500002, 60, 0, true},   {{Group::lubricating_oil}, 800.9, 60, 0, false},
+      {{Group::lubricating_oil}, 800.8, 60, 0, true}, {{Group::special, 0.0005}, 300, 60, 0, false},
+      {{Group::special, 0.00023}, 800, 60, 0, true},  {{Group::special, 0.00093}, 800, 60, 0, true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::to_string(c.rho60) + " " + std::to_string(c.degF) + " " + std::to_string(c.psig));
+    Correction there, back;
+    ASSERT_EQ(observed_from_base(c.liquid, c.rho60, c.degF, c.psig, Rounding::off, there), Outcome::ok);
+    EXPECT_EQ(there.out_of_range, c.out);
+    ASSERT_EQ(base_from_observed(c.liquid, there.observed_density, c.degF, c.psig, Rounding::off, back),
+              Outcome::ok);
+    EXPECT_NEAR(back.base_density, c.rho60, 2e-6);
+  }
+  // Observed densities have limits of their own.
+  Correction c;
+  ASSERT_EQ(base_from_observed({Group::crude}, 1201.9, -58, 1500, Rounding::off, c), Outcome::ok);
+  EXPECT_TRUE(c.out_of_range);
+}
+
+TEST(Api11_1_2004, NegativePressureCorrectsNothing) {
+  for (const Base& base : bases) {
+    Correction c, zero;
+    ASSERT_EQ(base.to_base({Group::crude}, 823.7, 80, -7.3, c), Outcome::ok);
+    ASSERT_EQ(base.to_base({Group::crude}, 823.7, 80, 0, zero), Outcome::ok);
+    EXPECT_EQ(c.cpl, 1.0);
+    EXPECT_EQ(c.base_density, zero.base_density);
+    EXPECT_EQ(c.f, zero.f);
+    EXPECT_TRUE(c.out_of_range);
+    EXPECT_FALSE(zero.out_of_range);
+  }
+}
+
+// A liquid with a known alpha60 goes another way to the same factors as the crude oil that has this alpha60.
+TEST(Api11_1_2004, SpecialApplicationAgreesWithTheCorrelation) {
+  for (const double rho60 : {650.0, 800.0, 1000.0}) {
+    for (const double degF : {-40.0, 75.0, 250.0}) {
+      Correction crude, special, back;
+      ASSERT_EQ(observed_from_base({Group::crude}, rho60, degF, 900, Rounding::off, crude), Outcome::ok);
+      const Liquid liquid{Group::special, crude.alpha};
+      ASSERT_EQ(observed_from_base(liquid, rho60, degF, 900, Rounding::off, special), Outcome::ok);
+      EXPECT_NEAR(special.ctl, crude.ctl, 1e-15);
+      EXPECT_NEAR(special.cpl, crude.cpl, 1e-9);
+      EXPECT_EQ(special.alpha, crude.alpha);
+      ASSERT_EQ(base_from_observed(liquid, special.observed_density, degF, 900, Rounding::off, back),
+                Outcome::ok);
+      EXPECT_NEAR(back.base_density, rho60, 1e-9 * rho60);
+    }
+  }
+}
+
+TEST(Api11_1_2004, HostileNumbersEndWithAnErrorOrFiniteResults) {
+  const double hostile[] = {0.0, -0.0, nan,    inf,  -inf, 1e-310, 5e-324, -1e-310, 1e-9,  1e-3,
+                            0.1, 1.0,  -850.0, 30.0, 200., 850.0,  1e6,    1e300,   -1e300};
+  for (const Group group : groups) {
+    for (const double rho : hostile) {
+      for (const double t : {60.0, -459.67, 400.0, nan, inf, -inf, 1e-310, 1e300}) {
+        for (const double p : {0.0, 2000.0, nan, inf, -inf, 1e300}) {
+          for (const Base& base : bases) {
+            for (const bool to_base : {true, false}) {
+              Correction c;
+              const Outcome outcome =
+                  to_base ? base.to_base({group}, rho, t, p, c) : base.to_observed({group}, rho, t, p, c);
+              const bool sane = std::isfinite(rho) && std::isfinite(t) && std::isfinite(p);
+              if (!sane || rho == 0.0) {
+                ASSERT_EQ(outcome, Outcome::calculation_error) << rho << ' ' << t << ' ' << p;
+              }
+              if (outcome != Outcome::ok) continue;
+              for (const double x :
+                   {c.base_density, c.observed_density, c.ctl, c.cpl, c.ctpl, c.alpha, c.f}) {
+                ASSERT_TRUE(std::isfinite(x)) << rho << ' ' << t << ' ' << p;
+              }
+              if (rho < 100 || rho > 1e4) {
+                ASSERT_TRUE(c.out_of_range) << rho << ' ' << t << ' ' << p;
+              }
+            }
+          }
+        }
+      }
+    }
+  }
+  Correction c;
+  EXPECT_EQ(observed_from_base({static_cast<Group>(8)}, 850, 60, 0, Rounding::off, c),
+            Outcome::argument_error);
+  EXPECT_EQ(observed_from_base({Group::special, nan}, 850, 60, 0, Rounding::off, c),
+            Outcome::calculation_error);
+}
+
+// The function records: options, their report, and which outputs are written.
+class Api11_1_2004Function : public testing::Test {
+ protected:
+  const FUNCTION_ARG& call(std::u16string_view id, double value, double t, double p, double product,
+                           double rounding) {
+    const Function_CFunctionSpec* spec = catalogue::find(id);
+    EXPECT_NE(spec, nullptr);
+    const auto number = [](double x) { return FUNCTION_ARG::Number(x); };
+    status_ = context_.Run(*spec, {FUNCTION_ARG::Missing(), number(value), number(t), number(p),
+                                   number(product), number(rounding)});
+    EXPECT_EQ(context_.output.kind, ARG_ARRAY);
+    return context_.output;
+  }
+  double out(std::size_t index) {
+    const FUNCTION_ARG& element = context_.output.array.elements[index];
+    return element.kind == ARG_INTEGER ? element.integer : element.kind == ARG_NUMBER ? element.number : nan;
+  }
+  test::TestContext context_;
+  std::uint32_t status_ = 0;
+};
+
+TEST_F(Api11_1_2004Function, ProductOptionsSelectAndReportTheirConstants) {
+  struct Case {
+    double product, rho60, reported, k0, k1, k2;
+  };
+  const Case cases[] = {
+      {1, 800, 1, 341.0957, 0, 0},          {2, 700, 3, 192.4571, 0.2438, 0},
+      {2, 780, 4, 1489.067, 0, -0.0018684}, {2, 800, 5, 330.3010, 0, 0},
+      {2, 900, 6, 103.8720, 0.2701, 0},     {3, 800, 3, 192.4571, 0.2438, 0},
+      {4, 800, 4, 1489.067, 0, -0.0018684}, {5, 900, 5, 330.3010, 0, 0},
+      {6, 800, 6, 103.8720, 0.2701, 0},     {7, 900, 7, 0, 0.34878, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::to_string(c.product) + " " + std::to_string(c.rho60));
+    call(u"API_Table24_2004", c.rho60 / 999.016, 75, 10, c.product, 0);
+    EXPECT_EQ(out(0), 0);
+    EXPECT_EQ(out(5), c.k0);
+    EXPECT_EQ(out(6), c.k1);
+    EXPECT_EQ(out(7), c.k2);
+    EXPECT_EQ(out(10), c.reported);
+  }
+}
+
+TEST_F(Api11_1_2004Function, OptionsOutsideTheirListAreArgumentErrors) {
+  for (const double product : {0.0, 8.0, -1.0, 1.5, nan, inf, 4294967297.0}) {
+    call(u"API_Table54_2004", 850, 25, 0, product, 0);
+    EXPECT_EQ(status_, 0u);
+    EXPECT_EQ(out(0), 1) << product;
+  }
+  call(u"API_Table54_2004", 850, 200.1, 0, 1, 0);
+  EXPECT_EQ(out(0), 1);
+  // A NaN passes the bounds and must not pass the calculation.
+  call(u"API_Table54_2004", nan, 25, 0, 1, 0);
+  EXPECT_EQ(out(0), 2);
+  EXPECT_EQ(context_.output.array.elements[1].kind, ARG_EMPTY);
+}
+
+TEST_F(Api11_1_2004Function, RoundingTouchesCtplOnly) {
+  for (const char16_t* id : {u"API_Table5_2004", u"API_Table60_2004"}) {
+    std::vector<double> plain;
+    call(id, id[9] == u'5' ? 36.3 : 871.3, 87.3, 21, 1, 0);
+    for (std::size_t i = 0; i < 12; ++i) plain.push_back(out(i));
+    call(id, id[9] == u'5' ? 36.3 : 871.3, 87.3, 21, 1, 1);
+    for (std::size_t i = 0; i < 12; ++i) {
+      if (i != 4) {
+        EXPECT_EQ(out(i), plain[i]) << i;
+      }
+    }
+    EXPECT_NE(out(4), plain[4]);
+    EXPECT_NEAR(out(4), plain[4], 5e-6);
+    EXPECT_EQ(out(4), std::round(out(4) * 1e5) / 1e5);
+  }
+}
+
+}  // namespace
+}  // namespace norvane::API_11_1_2004
