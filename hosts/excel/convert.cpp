@@ -146,11 +146,10 @@ class Reader {
   bool ReadAreas(const Record& record, FUNCTION_ARG& arg) noexcept {
     using Areas = typename Dialect::Areas;
     const Areas* from = record.multi.areas;
-    if (from == nullptr) return false;
+    if (from == nullptr || from->count == 0) return false;
     const std::size_t size =
         offsetof(Areas, areas) + std::size_t{from->count} * sizeof(typename Dialect::Area);
-    const std::size_t room = size > sizeof(Areas) ? size : sizeof(Areas);
-    auto* areas = static_cast<Areas*>(context_.arena().Allocate(room, alignof(Areas)));
+    auto* areas = static_cast<Areas*>(context_.arena().Allocate(size, alignof(Areas)));
     if (areas == nullptr) return false;
     std::memcpy(static_cast<void*>(areas), from, size);
     auto multi = record.multi;
