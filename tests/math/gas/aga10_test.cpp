@@ -1,0 +1,280 @@
+#include "math/gas/aga10.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "tests/math/gas/detail_call.h"
+#include "tests/math/gas/detail_reference.h"
+
+namespace norvane::test {
+namespace {
+
+using namespace AGA10;
+
+constexpr double R = 8.31451;
+
+const AGA8::Composition argon_gas = gas({{AGA8::argon, 1.0}});
+const AGA8::Composition* const gases[] = {&gas_of_21, &gulf_coast, &coke_oven, &sour, &argon_gas};
+
+struct Place {
+  double T, r;  // [K], reduced density
+};
+constexpr Place places[] = {{250.0, 0.02}, {300.0, 0.2}, {350.0, 0.7}, {450.0, 1.2}, {600.0, 0.05}};
+
+// Derivatives of the Helmholtz energy against differences of the equation written out; five points, so that what
+// extended precision leaves is below 1e-9.
+TEST(AGA10, DerivativesAreThoseOfTheEquation) {
+  using Real = long double;
+  for (const AGA8::Composition* x : gases) {
+    AGA8::Mixture mixture;
+    mixture.set(*x);
+    for (const Place& place : places) {
+      const Real T = place.T, rho = place.r / mixture.K3;
+      const Real h = 1e-3L;
+      std::vector<DetailReference> references;
+      for (int i = -2; i <= 2; ++i) references.emplace_back(*x, T * (1 + i * h));
+      const auto ar = [&](int i, int j) {  // at T (1 + i h), rho (1 + j h)
+        return references[static_cast<std::size_t>(i + 2)].helmholtz(rho * (1 + j * h));
+      };
+      const auto first = [h](Real a, Real b, Real c, Real d) { return (a - 8 * b + 8 * c - d) / (12 * h); };
+      const auto second = [h](Real a, Real b, Real m, Real c, Real d) {
+        return (-a + 16 * b - 30 * m + 16 * c - d) / (12 * h * h);
+      };
+      const Real middle = ar(0, 0);
+      const Real rho_points[] = {ar(0, -2), ar(0, -1), ar(0, 1), ar(0, 2)};
+      const Real T_points[] = {ar(-2, 0), ar(-1, 0), ar(1, 0), ar(2, 0)};
+      Real slopes[4];
+      for (int i : {0, 1, 2, 3}) {
+        const int step = i < 2 ? i - 2 : i - 1;
+        slopes[i] = first(ar(step, -2), ar(step, -1), ar(step, 1), ar(step, 2));
+      }
+      const AGA8::Residual r = AGA8::residual(mixture, static_cast<double>(T), static_cast<double>(rho));
+      const Real want[] = {middle,
+                           first(rho_points[0], rho_points[1], rho_points[2], rho_points[3]),
+                           second(rho_points[0], rho_points[1], middle, rho_points[2], rho_points[3]),
+                           first(T_points[0], T_points[1], T_points[2], T_points[3]),
+                           second(T_points[0], T_points[1], middle, T_points[2], T_points[3]),
+                           first(slopes[0], slopes[1], slopes[2], slopes[3])};
+      const double got[] = {r.ar, r.d, r.dd, r.t, r.tt, r.dt};
+      const double tolerance[] = {1e-13, 2e-9, 2e-9, 2e-9, 2e-8, 2e-8};
+      const double size = std::fabs(r.ar) + std::fabs(r.d) + std::fabs(r.dd) + std::fabs(r.t) + std::fabs(r.tt);
+      for (std::size_t i = 0; i < std::size(got); ++i)
+        EXPECT_NEAR(got[i], static_cast<double>(want[i]), tolerance[i] * size)
+            << i << " at " << place.T << " " << place.r;
+    }
+  }
+}
+
+// Central difference of a property of the state along temperature or density, to its logarithm.
+template <class Get>
+double along(const AGA8::Mixture& mixture, const AGA8::Composition& x, double T, double rho, double T_share,
+             double rho_share, Get get) {
+  constexpr double h = 1e-4;
+  const MolarState up = state(mixture, x, T * (1.0 + h * T_share), rho * (1.0 + h * rho_share), Entropy::include);
+  const MolarState down = state(mixture, x, T * (1.0 - h * T_share), rho * (1.0 - h * rho_share), Entropy::include);
+  return (get(up) - get(down)) / (2.0 * h);
+}
+
+double pressure(const MolarState& s) { return s.rho * R * s.T * s.z; }  // [kPa]
+
+// Maxwell's relations and the definitions of the heat capacities and the speed of sound, by differences of the
+// properties themselves.
+TEST(AGA10, PropertiesBelongTogether) {
+  constexpr double tolerance = 1e-6;
+  for (const AGA8::Composition* x : gases) {
+    AGA8::Mixture mixture;
+    mixture.set(*x);
+    for (const Place& place : places) {
+      const double T = place.T, rho = place.r / mixture.K3;
+      const auto d = [&](double T_share, double rho_share, auto get) {
+        return along(mixture, *x, T, rho, T_share, rho_share, get);
+      };
+      const MolarState s = state(mixture, *x, T, rho, Entropy::include);
+      const auto entropy = [](const MolarState& m) { return m.s; };
+      const auto energy = [](const MolarState& m) { return m.h - m.z * R * m.T; };
+      SCOPED_TRACE(testing::Message() << T << " K, " << place.r);
+      // dp/drho and dp/dT
+      EXPECT_NEAR(d(0, 1, pressure) / (rho * R * T), s.dp_drho, tolerance);
+      EXPECT_NEAR(d(1, 0, pressure) / (rho * R * T), s.dp_dT, tolerance);
+      // Maxwell: rho^2 (ds/drho)_T = -(dp/dT)_rho
+      EXPECT_NEAR(d(0, 1, entropy) / R, -s.dp_dT, tolerance);
+      // T (ds/dT)_rho = cv = (du/dT)_rho, and (du/drho)_T = (p - T dp/dT)/rho^2
+      EXPECT_NEAR(d(1, 0, entropy) / s.cv, 1.0, tolerance);
+      EXPECT_NEAR(d(1, 0, energy) / (T * s.cv), 1.0, tolerance);
+      EXPECT_NEAR(d(0, 1, energy) / (R * T), s.z - s.dp_dT, tolerance);
+      // cp = (dh/dT)_p: along the isobar rho changes by -(dp/dT)/(dp/drho) of its logarithm
+      const double isobar = -s.dp_dT / s.dp_drho;
+      EXPECT_NEAR(d(1, isobar, [](const MolarState& m) { return m.h; }) / (T * s.cp), 1.0, tolerance);
+      // M w^2 = (dp/drho)_s: along the isentrope T changes by R (dp/dT)/cv
+      EXPECT_NEAR(d(R * s.dp_dT / s.cv, 1, entropy) / s.cv, 0.0, tolerance);
+      EXPECT_NEAR(d(R * s.dp_dT / s.cv, 1, pressure) / rho / s.M_w2, 1.0, tolerance);
+      // The ideal gas: cp = dh/dT, ds/dT = cp/T
+      EXPECT_NEAR(d(1, 0, [](const MolarState& m) { return m.ideal.h; }) / (T * s.ideal.cp), 1.0, tolerance);
+      EXPECT_NEAR(d(1, 0, [](const MolarState& m) { return m.ideal.s; }) / s.ideal.cp, 1.0, tolerance);
+    }
+  }
+}
+
+// Enthalpies of the elements and of water at 25 degC above 0 K, and absolute entropies, as the thermodynamic tables
+// print them [J/mol, J/(mol K)].
+TEST(AGA10, IdealGasesHaveTheirTabulatedEnthalpyAndEntropy) {
+  const struct {
+    AGA8::ComponentIndex component;
+    double h, s;
+  } cases[] = {{AGA8::methane, 10018, 186.27}, {AGA8::nitrogen, 8670, 191.47}, {AGA8::carbon_dioxide, 9366, 0},
+               {AGA8::water, 9902, 0},         {AGA8::n_butane, 19285, 0},     {AGA8::helium, 6197, 126.04}};
+  for (const auto& c : cases) {
+    const IdealMixture ideal = ideal_mixture(gas({{c.component, 1.0}}), 298.15, Entropy::include);
+    EXPECT_NEAR(ideal.h, c.h, 1.0) << c.component;
+    if (c.s > 0.0) {
+      EXPECT_NEAR(ideal.s, c.s, 0.01) << c.component;
+    }
+  }
+}
+
+double property(const AGA8::Composition& x, double p, double T, Property which) {
+  Properties values{};
+  EXPECT_EQ(calculate(x, {p, T}, base_conditions, {&which, 1}, values), success);
+  return values[static_cast<std::size_t>(which)];
+}
+
+// The critical flow factor is the greatest mass flux along the isentrope: found here by walking down the isentrope,
+// without any speed of sound.
+TEST(AGA10, CriticalFlowFactorIsTheGreatestFlux) {
+  for (const AGA8::Composition* x : gases) {
+    for (const auto& [p, T] : {std::pair{5e5, 300.0}, {60e5, 320.0}, {150e5, 400.0}}) {
+      AGA8::Mixture mixture;
+      mixture.set(*x);
+      AGA8::Isotherm isotherm;
+      isotherm.set(mixture, T);
+      double rho = 0.0;
+      ASSERT_TRUE(isotherm.density(p * 1e-6, rho));
+      const MolarState start = state(mixture, *x, T, rho, Entropy::include);
+      const auto flux = [&](double share) {  // at this share of the stagnation density, molar, over sqrt(1/M)
+        double at = T;
+        MolarState s = start;
+        for (int i = 0; i < 40; ++i) {  // Newton on the entropy
+          s = state(mixture, *x, at, rho * share, Entropy::include);
+          at *= std::exp((start.s - s.s) / s.cv);
+        }
+        return s.rho * std::sqrt(2.0 * (start.h - s.h));
+      };
+      double low = 0.4, high = 0.9;  // golden section on a maximum
+      for (int i = 0; i < 60; ++i) {
+        const double a = high - 0.6180339887498949 * (high - low), b = low + 0.6180339887498949 * (high - low);
+        (flux(a) > flux(b) ? high : low) = flux(a) > flux(b) ? b : a;
+      }
+      const double want = flux(0.5 * (low + high)) * std::sqrt(R * T) / (p * 1e-3);
+      EXPECT_NEAR(property(*x, p, T, Property::critical_flow_factor) / want, 1.0, 1e-10) << p;
+    }
+  }
+  // A perfect monatomic gas: sqrt(5/3) (3/4)^2, to the digits of the tabulated heat capacity.
+  const double perfect = std::sqrt(5.0 / 3.0) * 0.5625;
+  for (Property factor :
+       {Property::critical_flow_factor, Property::ideal_gas_flow_factor, Property::isentropic_flow_factor})
+    EXPECT_NEAR(property(argon_gas, 1.0, 300.0, factor), perfect, 2e-6);
+}
+
+// ---- The functions ------------------------------------------------------------------------------------------------
+
+enum Outputs : std::size_t {
+  base_molar = 2,
+  sos = 8,
+  base_z_output = 9,
+  critical = 23,
+  ideal_factor = 26,
+  real_factor = 27,
+  range = 28
+};
+
+TEST(AGA10Functions, ModeDecidesAboutTheFlowFactorsOnly) {
+  DetailCall fast(u"AGA10ex_M"), slow(u"AGA10ex_M"), plain(u"AGA10_M");
+  for (DetailCall* call : {&fast, &slow, &plain}) call->composition(with_neo_pentane(gulf_coast)).state(70.0, 30.0);
+  slow.option(5, 2.0);
+  ASSERT_EQ(fast(), 0);
+  ASSERT_EQ(slow(), 0);
+  ASSERT_EQ(plain(), 0);
+  for (std::size_t i = 0; i <= range; ++i) {
+    const bool factor = i == critical || i == ideal_factor || i == real_factor;
+    if (factor) {
+      EXPECT_EQ(fast.value(i), 0.0);
+      EXPECT_GT(slow.value(i), 0.6);
+    } else {
+      EXPECT_EQ(fast.value(i), slow.value(i)) << i;
+    }
+  }
+  EXPECT_EQ(plain.value(1), fast.value(sos));
+  const double base_density = fast.value(base_molar), base_z = fast.value(base_z_output);
+  ASSERT_EQ(fast.state(3.0, 90.0)(), 0);
+  EXPECT_EQ(fast.value(base_molar), base_density);  // the base state does not follow the flowing one
+  EXPECT_EQ(fast.value(base_z_output), base_z);
+  EXPECT_EQ(fast.value(range), 0);
+  ASSERT_EQ(fast.state(1400.0, 90.0)(), 0);
+  EXPECT_EQ(fast.value(range), 2);
+}
+
+TEST(AGA10Functions, FailuresAreTold) {
+  for (std::u16string_view id : {u"AGA10_M", u"AGA10ex_M"}) {
+    DetailCall call(id);
+    call.composition(with_neo_pentane(gulf_coast)).state(60.0, 20.0);
+    ASSERT_EQ(call(), 0);
+    const struct {
+      double p, t;
+      std::optional<int> want;
+    } states[] = {{0.0, 20.0, 3},     {not_a_number, 20.0, 3}, {60.0, not_a_number, 3},
+                  {2000.1, 20.0, {}}, {60.0, -200.1, {}},      {60.0, 400.1, {}},
+                  {-1.0, 20.0, {}},   {infinite, 20.0, {}},    {1000.0, -150.0, 3}};
+    for (const auto& c : states) {
+      EXPECT_EQ(call.state(c.p, c.t)(), c.want) << c.p << " " << c.t;
+      if (c.want) {
+        EXPECT_TRUE(call.status_alone()) << c.p;
+      }
+    }
+    call.state(60.0, 20.0);
+    const auto composition = [&](AGA8::Composition x, double neo_pentane = 0.0) {
+      return call.composition(with_neo_pentane(x, neo_pentane))();
+    };
+    EXPECT_EQ(composition(gas({{AGA8::methane, 1.2}})), std::nullopt);
+    EXPECT_EQ(composition(gas({{AGA8::methane, 0.5}, {AGA8::argon, -0.1}})), std::nullopt);
+    EXPECT_EQ(composition(gas({{AGA8::methane, 0.5}, {AGA8::argon, not_a_number}})), std::nullopt);
+    EXPECT_EQ(composition(gas({{AGA8::methane, 0.9}}), 1.5), std::nullopt);
+    EXPECT_EQ(composition(gas({{AGA8::methane, 0.9}})), 4);
+    EXPECT_EQ(composition(gas({{AGA8::methane, 1e-7}})), 2);
+    EXPECT_EQ(composition(gas({{AGA8::methane, 0.9}}), 0.1), 0);
+    EXPECT_EQ(call.option(4, 3.0)(), 0);
+    EXPECT_EQ(composition(gas({{AGA8::methane, 0.9}})), 4);
+    EXPECT_EQ(call.option(4, 4.0)(), std::nullopt);
+  }
+  DetailCall call(u"AGA10ex_M");
+  call.composition(with_neo_pentane(gulf_coast)).state(60.0, 20.0);
+  for (double mode : {0.0, 3.0, not_a_number}) EXPECT_EQ(call.option(5, mode)(), std::nullopt) << mode;
+}
+
+// Whatever the state, an answer with status 0 is finite and obeys 0 < cv < cp, and no call hangs.
+TEST(AGA10Functions, EveryAnswerIsAState) {
+  for (const AGA8::Composition* x : gases) {
+    DetailCall call(u"AGA10ex_M");
+    call.composition(with_neo_pentane(*x)).option(5, 2.0);
+    int answers = 0;
+    for (double t = -200.0; t <= 400.0; t += 25.0) {
+      for (double p : {1e-300, 1e-3, 1.0, 40.0, 100.0, 400.0, 2000.0}) {
+        const std::optional<int> status = call.state(p, t)();
+        ASSERT_TRUE(status.has_value());
+        if (*status != 0) continue;
+        ++answers;
+        for (std::size_t i = 1; i <= range; ++i)
+          ASSERT_TRUE(std::isfinite(call.value(i))) << i << " " << p << " " << t;
+        EXPECT_GT(call.value(17), 0.0);
+        EXPECT_GT(call.value(16), call.value(17));
+        EXPECT_GT(call.value(sos), 0.0);
+      }
+    }
+    EXPECT_GT(answers, 50);
+  }
+}
+
+}  // namespace
+}  // namespace norvane::test
