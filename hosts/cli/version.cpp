@@ -1,4 +1,4 @@
-#include "build_info.h"
+#include "norvane_commit.h"
 #include "hosts/cli/commands.h"
 
 namespace norvane::cli {
