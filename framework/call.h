@@ -59,11 +59,12 @@ class Call {
     const double value = number(index);
     return value > -2147483649.0 && value < 2147483648.0 ? static_cast<int>(value) : 0;
   }
-  // The first N cells of a range, row by row; fewer cells, or a cell that is no number, is a failure.
+  // The first N cells of a range, row by row; fewer cells, or a cell that is no number, is a failure, reported
+  // under the argument's name.
   template <std::size_t N, class Index>
   std::array<double, N> numbers(Index index) noexcept {
     std::array<double, N> values{};
-    read_numbers(argument(index), values);
+    read_numbers(static_cast<std::size_t>(index), values);
     return values;
   }
 
@@ -71,8 +72,7 @@ class Call {
   // Status to return after a failed read.
   std::uint32_t error() const noexcept { return error_; }
   // Ends the call with a status of the reader's own, for example an option outside its list.
-  std::uint32_t refuse(std::size_t index, std::u16string_view message,
-                       std::uint32_t code = ERROR_VALUE) noexcept {
+  std::uint32_t refuse(std::size_t index, std::u16string_view message, std::uint32_t code = ERROR_VALUE) noexcept {
     context_.ReportError(index, message);
     return code;
   }
@@ -119,11 +119,11 @@ class Call {
 
  private:
   bool note(bool good) noexcept {
-    if (!good && !failed())
-      error_ = context_.conversion_error() != 0 ? context_.conversion_error() : ERROR_VALUE;
+    if (!good && !failed()) error_ = context_.conversion_error() != 0 ? context_.conversion_error() : ERROR_VALUE;
     return good;
   }
-  void read_numbers(const FUNCTION_ARG* arg, std::span<double> values) noexcept;
+  void read_numbers(std::size_t index, std::span<double> values) noexcept;
+  void report_numbers(std::size_t index, std::size_t needed, std::size_t cell) noexcept;
   FUNCTION_ARG& slot(std::size_t index) noexcept {
     if (!output_written_) begin_outputs();
     return output_.kind == ARG_ARRAY ? output_.array.elements[index] : (index == 0 ? output_ : spare_);

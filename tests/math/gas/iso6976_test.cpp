@@ -33,12 +33,10 @@ Gas pure(std::size_t row) {
   return x;
 }
 
-Result run1995(const Gas22& x, int reference, MolarMassMethod mass = atoms,
-               CalorificMethod method = definitive) {
+Result run1995(const Gas22& x, int reference, MolarMassMethod mass = atoms, CalorificMethod method = definitive) {
   return edition_1995(std::span(x), reference, mass, method);
 }
-Result run1995(const Gas55& x, int reference, MolarMassMethod mass = atoms,
-               CalorificMethod method = definitive) {
+Result run1995(const Gas55& x, int reference, MolarMassMethod mass = atoms, CalorificMethod method = definitive) {
   return edition_1995(std::span(x), reference, mass, method);
 }
 Result run2016(const Gas22& x, int reference, MolarMassMethod mass = atoms) {
@@ -74,8 +72,7 @@ TEST(Iso6976Table, Edition1995IsConsistentWithItself) {
     for (int reference = 1; reference <= 6; ++reference) {
       const Properties exact = run1995(pure<Gas55>(i), reference).properties;
       const Properties rounded = run1995(pure<Gas55>(i), reference, atoms, alternative).properties;
-      EXPECT_NEAR(run1995(pure<Gas55>(i), reference, tabulated).properties.molar_mass, exact.molar_mass,
-                  6e-4);
+      EXPECT_NEAR(run1995(pure<Gas55>(i), reference, tabulated).properties.molar_mass, exact.molar_mass, 6e-4);
       const double half = i == 0 ? 0.00051 : 0.0051;
       EXPECT_NEAR(rounded.superior_mass, exact.superior_mass, half);
       EXPECT_NEAR(rounded.inferior_mass, exact.inferior_mass, half);
@@ -95,8 +92,7 @@ TEST(Iso6976Table, Edition2016AgreesWithItsAtomsAndWith1995) {
     // 60 degF lies where the other temperatures lead: factors on a parabola, gross values on a line.
     const auto& factor = edition2016::table2[i].s;
     const double parabola = factor[0] * (0.55 * -4.45) / (-15.0 * -20.0) +
-                            factor[1] * (15.55 * -4.45) / (15.0 * -5.0) +
-                            factor[3] * (15.55 * 0.55) / (20.0 * 5.0);
+                            factor[1] * (15.55 * -4.45) / (15.0 * -5.0) + factor[3] * (15.55 * 0.55) / (20.0 * 5.0);
     EXPECT_NEAR(factor[2], parabola, 0.9e-4);
     EXPECT_NEAR(gross[2], gross[1] + (gross[3] - gross[1]) * 0.55 / 5.0, 0.0095);
     for (std::size_t k = 0; k < 5; ++k) {
@@ -109,8 +105,7 @@ TEST(Iso6976Table, Edition2016AgreesWithItsAtomsAndWith1995) {
     }
     if (i < edition1995::n_components) {
       EXPECT_EQ(edition2016::table1[i].name, edition1995::table1[i].name);
-      for (std::size_t k = 0; k < 5; ++k)
-        EXPECT_EQ(edition2016::table1[i].atoms[k], edition1995::table1[i].atoms[k]);
+      for (std::size_t k = 0; k < 5; ++k) EXPECT_EQ(edition2016::table1[i].atoms[k], edition1995::table1[i].atoms[k]);
     }
   }
 }
@@ -159,8 +154,7 @@ TEST(Iso6976, SumsAreLinearInTheComposition) {
     linear([](const Properties& gas) { return gas.density * gas.compressibility; });
     linear([](const Properties& gas) { return gas.relative_density * gas.compressibility; });
     EXPECT_NEAR(std::sqrt(1 - m.compressibility),
-                share * std::sqrt(1 - a.compressibility) + (1 - share) * std::sqrt(1 - b.compressibility),
-                1e-13);
+                share * std::sqrt(1 - a.compressibility) + (1 - share) * std::sqrt(1 - b.compressibility), 1e-13);
     EXPECT_DOUBLE_EQ(m.wobbe, m.superior_volume / std::sqrt(m.relative_density));
   };
   for (auto mass : {atoms, tabulated}) {
@@ -251,8 +245,7 @@ TEST_P(Iso6976Call, PercentIsTheSameGas) {
   for (std::size_t i = 0; i < 22; ++i) hundred[i] = eight[i] * 100.0;
   EXPECT_EQ(fractions.cells(1, eight).run(), 0.0);
   EXPECT_EQ(percent.cells(1, hundred).run(), 0.0);
-  for (std::size_t i = 1; i < 13; ++i)
-    EXPECT_NEAR(percent.value(i), fractions.value(i), 1e-13 * fractions.value(i));
+  for (std::size_t i = 1; i < 13; ++i) EXPECT_NEAR(percent.value(i), fractions.value(i), 1e-13 * fractions.value(i));
 }
 
 TEST_P(Iso6976Call, BadCompositions) {
@@ -275,6 +268,14 @@ TEST_P(Iso6976Call, BadCompositions) {
   GasCall cut(GetParam());  // 21 cells: the arguments cannot be read, the fallback outputs answer
   EXPECT_EQ(cut.cells(1, std::span(eight).first(21)).run(), 1.0);
   EXPECT_TRUE(cut.fell_back());
+  ASSERT_EQ(cut.context().messages.size(), 1u);
+  EXPECT_EQ(cut.context().messages[0], u"E [2] composition (0.9247) needs an array of 22 numbers");
+  std::vector<FUNCTION_ARG> mixed(22, FUNCTION_ARG::Number(0.0));
+  mixed[3] = test::text(u"ethane");
+  GasCall cell(GetParam());
+  EXPECT_EQ(cell.set(1, FUNCTION_ARG::OfArray(22, 1, mixed.data())).run(), 1.0);
+  ASSERT_EQ(cell.context().messages.size(), 1u);
+  EXPECT_EQ(cell.context().messages[0], u"E [2] composition (0) has no number in cell 4");
   GasCall absent(GetParam());
   EXPECT_EQ(absent.run(), 1.0);
   EXPECT_TRUE(absent.fell_back());
@@ -352,11 +353,10 @@ TEST(Iso6976ExtendedCall, FurtherArraysAreOptionalAndComplete) {
                              {4, {70.134, 84.161, 98.188, 84.161, 98.188, 112.215}},
                              {5, {78.114, 92.141, 106.167, 106.167}},
                              {6, others}});
-  walk(u"ISO6976ex_2016_M",
-       {{2, {86.175, 86.175, 86.175, 86.175, 156.308, 170.335, 184.361, 198.388, 212.415}},
-        {3, alkenes},
-        {4, {70.133, 84.159, 98.186, 84.159, 98.186, 112.213, 78.112, 92.138, 106.165, 106.165}},
-        {5, others}});
+  walk(u"ISO6976ex_2016_M", {{2, {86.175, 86.175, 86.175, 86.175, 156.308, 170.335, 184.361, 198.388, 212.415}},
+                             {3, alkenes},
+                             {4, {70.133, 84.159, 98.186, 84.159, 98.186, 112.213, 78.112, 92.138, 106.165, 106.165}},
+                             {5, others}});
 }
 
 }  // namespace
