@@ -75,8 +75,7 @@ void Gpa2172(benchmark::State& state) {
   auto x = gas;
   for (auto _ : state) {
     benchmark::DoNotOptimize(x);
-    benchmark::DoNotOptimize(
-        GPA2172::calculate(x, GPA2172::Units::metric, 4, GPA2172::NeoPentane::to_n_pentane));
+    benchmark::DoNotOptimize(GPA2172::calculate(x, GPA2172::Units::metric, 4, GPA2172::NeoPentane::to_n_pentane));
   }
 }
 BENCHMARK(Gpa2172);

@@ -67,9 +67,7 @@ Component of_one_mole(const Component& sum, double amount) noexcept {
 }
 
 // A property of gas that holds the share x_water of water.
-constexpr double mixed(double x_water, double water, double dry) {
-  return x_water * water + (1.0 - x_water) * dry;
-}
+constexpr double mixed(double x_water, double water, double dry) { return x_water * water + (1.0 - x_water) * dry; }
 
 Component mixed_with_water(double x_water, const Component& dry, const Component& water) noexcept {
   return {mixed(x_water, water.molar_mass, dry.molar_mass),
@@ -136,8 +134,7 @@ Result calculate(std::span<const double, n_fractions> fractions, Units units, in
     dry_amount += x[i];
     add(sum, x[i], edition.components[i]);
   }
-  if (!(dry_amount > smallest_amount))
-    return end_with(Status::failed);  // nothing but water or neglected neo-pentane
+  if (!(dry_amount > smallest_amount)) return end_with(Status::failed);  // nothing but water or neglected neo-pentane
   const Component ideal_dry = of_one_mole(sum, dry_amount);
   const double wet_amount = dry_amount + x[i_water];
   add(sum, x[i_water], water);  // from here on the sums are those of the wet gas

@@ -39,7 +39,6 @@ struct Result {
 // edition: 1: 2000, 2: 2003, 3: 2009, 4: 2016. An edition or a mode outside its list is an unknown option.
 // The gross value by mass is the mole fraction-weighted sum of the components' values by mass, not the
 // mass-weighted mean: it is exact for a pure gas and 2 to 4 % off it for ordinary mixtures.
-Result calculate(std::span<const double, n_fractions> fractions, Units units, int edition,
-                 NeoPentane mode) noexcept;
+Result calculate(std::span<const double, n_fractions> fractions, Units units, int edition, NeoPentane mode) noexcept;
 
 }  // namespace norvane::GPA2172

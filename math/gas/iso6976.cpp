@@ -64,9 +64,8 @@ struct Sums {
 };
 
 template <std::size_t N>
-Sums sum(std::span<const double, N> x, const std::array<double, N>& molar_mass,
-         const std::array<double, N>& s, const std::array<double, N>& superior,
-         const std::array<double, N>& inferior) noexcept {
+Sums sum(std::span<const double, N> x, const std::array<double, N>& molar_mass, const std::array<double, N>& s,
+         const std::array<double, N>& superior, const std::array<double, N>& inferior) noexcept {
   Sums sums;
   for (std::size_t i = 0; i < N; ++i) {
     sums.M += x[i] * molar_mass[i];
@@ -84,9 +83,7 @@ double dot(std::span<const double, N> x, const std::array<double, N>& y) noexcep
   return sum;
 }
 
-double wobbe_index(const Properties& gas) noexcept {
-  return gas.superior_volume / std::sqrt(gas.relative_density);
-}
+double wobbe_index(const Properties& gas) noexcept { return gas.superior_volume / std::sqrt(gas.relative_density); }
 
 // The definitive method: everything from the molar values. A mixture heavy enough for Z to reach 0 or less
 // has no gas density; the components' factors allow it in the 2016 edition only (n-tetradecane,
@@ -147,9 +144,7 @@ constexpr double R = 8.31451;                                                   
 constexpr double molar_mass_of_air = 28.9626;                                    // kg/kmol
 constexpr double atomic_mass[5] = {12.011, 1.00794, 15.9994, 14.00674, 32.066};  // C, H, O, N, S
 
-constexpr double ideal_molar_density(double t) {
-  return reference_pressure / (R * (t + zero_celsius));
-}
+constexpr double ideal_molar_density(double t) { return reference_pressure / (R * (t + zero_celsius)); }
 
 enum : std::size_t { metering_0, metering_15, metering_20 };
 constexpr Metering meterings[] = {
@@ -199,8 +194,7 @@ consteval Table<N> build() {
 }
 
 template <std::size_t N>
-Result calculate(std::span<const double, N> x, int option, MolarMassMethod mass,
-                 CalorificMethod method) noexcept {
+Result calculate(std::span<const double, N> x, int option, MolarMassMethod mass, CalorificMethod method) noexcept {
   static constexpr Table<N> table = build<N>();
   Result result;
   if (option < 1 || option > static_cast<int>(std::size(references))) {
@@ -245,9 +239,7 @@ constexpr double atomic_mass[5] = {12.0107, 1.00794, 15.9994, 14.0067, 32.065}; 
 constexpr double vaporisation[5] = {45.064, 44.431, 44.408, 44.222, 44.013};
 constexpr double minimum_compressibility = 0.9;  // volume-based results are for Z above it
 
-constexpr double ideal_molar_density(double t) {
-  return reference_pressure / (R * (t + zero_celsius));
-}
+constexpr double ideal_molar_density(double t) { return reference_pressure / (R * (t + zero_celsius)); }
 
 enum : std::size_t { metering_0, metering_15, metering_60F, metering_20 };
 constexpr Metering meterings[] = {

@@ -27,11 +27,8 @@ inline constexpr std::array<std::size_t, n_common> common_rows = {0,  1,  2,  3,
 inline constexpr std::array<std::size_t, n_common> common_places = {0,  3,  4, 11, 10, 13, 12, 21, 14, 15, 16,
                                                                     17, 18, 7, 5,  6,  8,  19, 20, 1,  9,  2};
 
-enum class MolarMassMethod : int { calculate = 1, table = 2 };  // from atoms; tabulated
-enum class CalorificMethod : int {
-  definitive = 1,
-  alternative = 2
-};  // from molar values; from the rounded tables
+enum class MolarMassMethod : int { calculate = 1, table = 2 };         // from atoms; tabulated
+enum class CalorificMethod : int { definitive = 1, alternative = 2 };  // from molar values; from the rounded tables
 
 enum class Status : int { ok = 0, unknown_reference = 1, failed = 2 };
 

@@ -190,8 +190,7 @@ struct Options {
 
 template <class Inputs>
 Options read_options(Call& call) noexcept {
-  return {call.option(Inputs::ref_temp), call.option(Inputs::molar_mass_method),
-          call.option(Inputs::cv_method)};
+  return {call.option(Inputs::ref_temp), call.option(Inputs::molar_mass_method), call.option(Inputs::cv_method)};
 }
 
 // A method that is neither of the two ends the call; an unknown reference is the algorithm's to find. The
@@ -201,8 +200,7 @@ std::uint32_t refuse_methods(Call& call, const Options& options) noexcept {
   const auto good = [](int method) { return method == 1 || method == 2; };
   if (!good(options.molar_mass_method))
     return call.refuse(static_cast<std::size_t>(Inputs::molar_mass_method), u"should be 1 or 2");
-  if (!good(options.cv_method))
-    return call.refuse(static_cast<std::size_t>(Inputs::cv_method), u"should be 1 or 2");
+  if (!good(options.cv_method)) return call.refuse(static_cast<std::size_t>(Inputs::cv_method), u"should be 1 or 2");
   return ERROR_OK;
 }
 
@@ -254,8 +252,7 @@ bool omitted(const FUNCTION_ARG* arg) noexcept {
 // One of the further arrays into its rows; an omitted one counts as zeros. The rows' argument is noted for
 // messages.
 template <std::size_t Rows, class Inputs, std::size_t N>
-void place(Call& call, Inputs input, const std::array<std::size_t, Rows>& rows,
-           std::array<double, N>& x) noexcept {
+void place(Call& call, Inputs input, const std::array<std::size_t, Rows>& rows, std::array<double, N>& x) noexcept {
   if (omitted(call.argument(input))) return;
   const std::array<double, Rows> values = call.numbers<Rows>(input);
   for (std::size_t i = 0; i < Rows; ++i) x[rows[i]] = values[i];
@@ -330,24 +327,21 @@ std::uint32_t run_extended(Call& call, std::array<double, N>& x, Calculate calcu
   return answer(call, calculate(x, options));
 }
 
-std::uint32_t run_1995(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                       FUNCTION_ARG& output) {
+std::uint32_t run_1995(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   Call call(context, args, count, output);
   return run_common(call, [](const std::array<double, n_common>& x, const Options& options) {
     return edition_1995(std::span(x), options.reference, options.molar_mass(), options.calorific());
   });
 }
 
-std::uint32_t run_2016(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                       FUNCTION_ARG& output) {
+std::uint32_t run_2016(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   Call call(context, args, count, output);
   return run_common(call, [](const std::array<double, n_common>& x, const Options& options) {
     return edition_2016(std::span(x), options.reference, options.molar_mass());
   });
 }
 
-std::uint32_t run_1995_all(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                           FUNCTION_ARG& output) {
+std::uint32_t run_1995_all(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   Call call(context, args, count, output);
   std::array<double, n_1995> x{};
   place_common<In55>(call, x);
@@ -361,8 +355,7 @@ std::uint32_t run_1995_all(Function_CContext& context, FUNCTION_ARG* args, std::
   });
 }
 
-std::uint32_t run_2016_all(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                           FUNCTION_ARG& output) {
+std::uint32_t run_2016_all(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   Call call(context, args, count, output);
   std::array<double, n_2016> x{};
   place_common<In60>(call, x);
@@ -413,8 +406,7 @@ const record::Function ISO6976_1995_M = {
     .group = GroupId::Math,
     .id = u"ISO6976_1995_M",
     .display = u"ISO-6976 (1995)",
-    .description =
-        u"Gas Calorific Value, Density, Relative Density and Wobbe Index according to ISO-6976 (1995).",
+    .description = u"Gas Calorific Value, Density, Relative Density and Wobbe Index according to ISO-6976 (1995).",
     .category = u"Math",
     .subcategory = u"ISO",
     .keywords = u"metric,gas,iso",
@@ -430,8 +422,7 @@ const record::Function ISO6976_2016_M = {
     .group = GroupId::Math,
     .id = u"ISO6976_2016_M",
     .display = u"ISO-6976 (2016)",
-    .description =
-        u"Gas Calorific Value, Density, Relative Density and Wobbe Index according to ISO-6976 (2016).",
+    .description = u"Gas Calorific Value, Density, Relative Density and Wobbe Index according to ISO-6976 (2016).",
     .category = u"Math",
     .subcategory = u"ISO",
     .keywords = u"metric,gas,iso",
@@ -476,8 +467,7 @@ const record::Function ISO6976ex_2016_M = {
     .inputs = inputs_60,
     .outputs = outputs,
     .implementation = run_2016_all,
-    .notes =
-        NV_NOTES_2016 NV_NOTES_ARRAYS NV_NOTES_COMPOSITION u", or a compressibility factor of 0.9 or less.",
+    .notes = NV_NOTES_2016 NV_NOTES_ARRAYS NV_NOTES_COMPOSITION u", or a compressibility factor of 0.9 or less.",
 };
 
 }  // namespace norvane::functions

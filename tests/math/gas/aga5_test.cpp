@@ -45,8 +45,7 @@ TEST(Aga5, RefusesCompositionsAndGravities) {
   EXPECT_EQ(status(1.0 + 1e-12, 0.6), Status::bad_composition);
   EXPECT_EQ(status(-4e-9, 0.6), Status::ok) << "a rounding residue";
   EXPECT_EQ(status(-6e-9, 0.6), Status::bad_composition);
-  for (double bad : {nan_value, infinity, -infinity, 1e308})
-    EXPECT_EQ(status(bad, 0.6), Status::bad_composition);
+  for (double bad : {nan_value, infinity, -infinity, 1e308}) EXPECT_EQ(status(bad, 0.6), Status::bad_composition);
   EXPECT_EQ(status(2.0, 0.0), Status::bad_composition) << "the composition is looked at first";
   EXPECT_EQ(status(0.0, 1e-6), Status::ok);
   for (double bad : {0.0, 0.9e-6, -0.6, nan_value, -infinity}) EXPECT_EQ(status(0.0, bad), Status::failed);

@@ -116,15 +116,13 @@ TEST(Gpa2172, SumsAreLinearInTheComposition) {
   EXPECT_DOUBLE_EQ(m.gross_mass, (55.575 + 51.951) / 2);
   EXPECT_DOUBLE_EQ(m.molar_mass, (a.molar_mass + b.molar_mass) / 2);
   EXPECT_NEAR(m.gross_volume * m.compressibility,
-              (a.gross_volume * a.compressibility + b.gross_volume * b.compressibility) / 2,
-              1e-13 * m.gross_volume);
+              (a.gross_volume * a.compressibility + b.gross_volume * b.compressibility) / 2, 1e-13 * m.gross_volume);
   EXPECT_NEAR(std::sqrt(1 - m.compressibility),
               (std::sqrt(1 - a.compressibility) + std::sqrt(1 - b.compressibility)) / 2, 1e-13);
 }
 
 TEST(Gpa2172, NeoPentaneGoesWhereTheModeSays) {
-  Fractions with = {0.9,   0.01,  0.01,  0.05, 0.02, 0, 0, 0, 0, 0, 0,
-                    0.004, 0.002, 0.001, 0,    0,    0, 0, 0, 0, 0, 0.003};
+  Fractions with = {0.9, 0.01, 0.01, 0.05, 0.02, 0, 0, 0, 0, 0, 0, 0.004, 0.002, 0.001, 0, 0, 0, 0, 0, 0, 0, 0.003};
   const auto value = [](const Fractions& x, NeoPentane mode) {
     return calculate(x, Units::customary, 4, mode).wet.gross_volume;
   };
@@ -178,8 +176,7 @@ TEST_P(Gpa2172Call, WritesThreeBasesOrTheStatusAlone) {
   GasCall call(GetParam());
   ASSERT_EQ(call.cells(1, moist).run(), 0.0);
   const bool metric = std::u16string_view(GetParam()).ends_with(u"_M");
-  const Result r =
-      calculate(moist, metric ? Units::metric : Units::customary, 2, to_n_pentane);  // the defaults
+  const Result r = calculate(moist, metric ? Units::metric : Units::customary, 2, to_n_pentane);  // the defaults
   EXPECT_EQ(call.value(1), r.wet.gross_volume);
   EXPECT_EQ(call.value(6), r.wet.gross_mass);
   EXPECT_EQ(call.value(7), r.wet.net_volume);
