@@ -1,0 +1,501 @@
+// The parts of the Excel host that no spreadsheet shows: texts of registration, conversions in both dialects at once,
+// the calling place, and that a warm call allocates nothing. The process is a host of its own, of a few answers.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "catalogue/catalogue.h"
+#include "framework/call.h"
+#include "hosts/excel/convert.h"
+#include "hosts/excel/excel_context.h"
+#include "hosts/excel/host.h"
+#include "hosts/excel/registration.h"
+#include "hosts/excel/sinks.h"
+#include "hosts/excel/wrappers.h"
+#include "units/unit_catalogue.h"
+
+namespace {
+
+std::size_t allocations = 0;
+
+}  // namespace
+
+__attribute__((noinline)) void* operator new(std::size_t size) {
+  ++allocations;
+  if (void* memory = std::malloc(size > 0 ? size : 1)) return memory;
+  throw std::bad_alloc();
+}
+__attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
+__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace {
+
+using namespace norvane;
+using namespace norvane::excel;
+
+// ---- The host ----
+
+struct FakeHost {
+  XlArea12 caller{4, 4, 2, 2};
+  std::u16string sheet = u"[Book]Sheet";
+  bool knows_sheet = true;
+  bool uncalculated = false;
+  std::map<int, int> calls;
+  std::vector<std::u16string> registered;
+  std::vector<std::size_t> longest_text;  // of each registration
+  char16_t text[512];
+};
+FakeHost fake;
+
+std::u16string text_of(const XlRecord12& record) {
+  return record.type == XL_STRING ? std::u16string(record.string + 1, record.string[0]) : std::u16string();
+}
+
+void answer_text(XlRecord12& result, const std::u16string& text) {
+  fake.text[0] = static_cast<char16_t>(text.size());
+  std::memcpy(fake.text + 1, text.data(), text.size() * sizeof(char16_t));
+  result.string = fake.text;
+  result.type = XL_STRING;
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) int MdCallBack12(int function, int count, XlRecord12** args,
+                                                                   XlRecord12* result) {
+  ++fake.calls[function];
+  switch (function) {
+    case XL_FREE: return XL_RETURN_SUCCESS;
+    case XL_GET_NAME: answer_text(*result, u"/a/Norvane.so"); return XL_RETURN_SUCCESS;
+    case XLF_REGISTER: {
+      fake.registered.push_back(text_of(*args[3]));
+      std::size_t longest = 0;
+      for (int i = 0; i < count; ++i) longest = std::max(longest, text_of(*args[i]).size());
+      fake.longest_text.push_back(longest);
+      result->number = 1;
+      result->type = XL_NUMBER;
+      return XL_RETURN_SUCCESS;
+    }
+    case XLF_CALLER:
+      result->reference.count = 1;
+      result->reference.area = fake.caller;
+      result->type = XL_REFERENCE;
+      return XL_RETURN_SUCCESS;
+    case XL_SHEET_NAME:
+      if (!fake.knows_sheet) return XL_RETURN_FAILED;
+      answer_text(*result, fake.sheet);
+      return XL_RETURN_SUCCESS;
+    case XL_COERCE:
+      if (fake.uncalculated) return XL_RETURN_UNCALCULATED;
+      result->number = 42;
+      result->type = XL_NUMBER;
+      return XL_RETURN_SUCCESS;
+    default: return XL_RETURN_INVALID_FUNCTION;
+  }
+}
+
+namespace {
+
+struct Message {
+  std::u16string title;
+  std::u16string text;
+};
+std::vector<Message> messages;
+
+class ExcelUnit : public testing::Test {
+ protected:
+  void SetUp() override {
+    fake = {};
+    messages.clear();
+    set_sinks({[](std::u16string_view title, std::u16string_view text) noexcept {
+                 messages.push_back({std::u16string(title), std::u16string(text)});
+               },
+               [](std::u16string_view) noexcept {}, []() noexcept {}});
+    BindHost();
+  }
+  const Unit_CTypeAndUnitContainer& units() { return Unit_CTypeAndUnitContainer::Instance(); }
+};
+
+const Function_CGroup test_group{u"Test", u"Functions of this test", u"nv", 1, {}};
+const Function_CGroup bare_group{u"Bare", u"Without prefix", u"", 1, {}};
+
+Function_CFunctionSpec make_spec(std::vector<std::u16string_view> keys, std::uint32_t flags = 0,
+                                 const Function_CGroup& group = test_group) {
+  Function_CFunctionSpec spec(group, nullptr, u"Fn", u"Fn", u"Help.", u"General", flags, keys.size(), 1);
+  for (std::size_t i = 0; i < keys.size(); ++i) spec.inputs[i].key = keys[i];
+  return spec;
+}
+
+// ---- Registration ----
+
+TEST_F(ExcelUnit, DescribesArguments) {
+  Function_CFunctionSpec plain = make_spec({u"a", u"b", u"c"}, FUNCTION_VOLATILE);
+  plain.inputs[2].flags = INPUT_OPTIONAL;
+  const Registration in12 = DescribeFunction(plain, units(), limits_of(true));
+  EXPECT_EQ(in12.procedure, u"xlWrapper12_Test_Fn");
+  EXPECT_EQ(in12.function, u"nvFn");
+  EXPECT_EQ(in12.type, u"UUUU$!");
+  EXPECT_EQ(in12.arguments, u"a,b,[c]");
+  EXPECT_EQ(in12.macro_type, u"1");
+  const Registration in4 = DescribeFunction(plain, units(), limits_of(false));
+  EXPECT_EQ(in4.procedure, u"xlWrapper4_Test_Fn");
+  EXPECT_EQ(in4.type, u"RRRR!");
+
+  const Function_CFunctionSpec list = make_spec({u"Name", u"comp"}, FUNCTION_VARIABLE_INPUTS);
+  const Registration list4 = DescribeFunction(list, units(), limits_of(false));
+  EXPECT_TRUE(list4.arguments.starts_with(u"Name,comp1,[comp2],[comp3],"));
+  EXPECT_TRUE(list4.arguments.ends_with(u",[comp19]"));
+  EXPECT_EQ(list4.type.size(), 21u);
+  EXPECT_EQ(list4.argument_helps.size(), 20u);
+  EXPECT_EQ(DescribeFunction(list, units(), limits_of(true)).type.size(), 32u);
+  const Function_CFunctionSpec none = make_spec({}, FUNCTION_VARIABLE_INPUTS);
+  EXPECT_EQ(DescribeFunction(none, units(), limits_of(true)).type, u"U$");
+
+  const Registration bare = DescribeFunction(make_spec({u"a"}, 0, bare_group), units(), limits_of(true));
+  EXPECT_EQ(bare.function, u"Bare_Fn");
+  EXPECT_EQ(bare.macro_type, u"0");
+  EXPECT_EQ(DescribeFunction(make_spec({u"a"}, FUNCTION_HIDDEN), units(), limits_of(true)).macro_type, u"0");
+}
+
+TEST_F(ExcelUnit, WritesUnitAndRangeBeforeTheHelp) {
+  Function_CFunctionSpec spec = make_spec({u"p", u"t", u"x", u"n"});
+  for (std::size_t i = 0; i < 4; ++i) spec.inputs[i].description = u"Text.";
+  spec.inputs[0].type = unit::bar_a;
+  spec.inputs[0].minimum = 0.5;
+  spec.inputs[0].maximum = 1e20;
+  spec.inputs[0].flags = INPUT_HAS_MINIMUM | INPUT_HAS_MAXIMUM;
+  spec.inputs[1].minimum = -100;
+  spec.inputs[1].flags = INPUT_HAS_MINIMUM;
+  spec.inputs[2].maximum = 0.1;
+  spec.inputs[2].flags = INPUT_HAS_MAXIMUM;
+  const Registration texts = DescribeFunction(spec, units(), limits_of(true));
+  EXPECT_EQ(texts.argument_helps[0], u"[bar(a)][0.5..1e+20] Text.");
+  EXPECT_EQ(texts.argument_helps[1], u"[>=-100] Text.");
+  EXPECT_EQ(texts.argument_helps[2], u"[<=0.1] Text.");
+  EXPECT_EQ(texts.argument_helps[3], u"Text.  ");
+}
+
+TEST_F(ExcelUnit, KeepsEveryTextWithinTheHostsLimit) {
+  std::u16string words;
+  while (words.size() < 400) words += u"word ";
+  Function_CFunctionSpec spec = make_spec({u"a", u"b"});
+  spec.description = words;
+  spec.inputs[0].description = words;
+  spec.inputs[1].description = words;
+  const Registration texts = DescribeFunction(spec, units(), limits_of(true));
+  EXPECT_EQ(texts.help, words.substr(0, 254));  // 51 words of four letters and 50 blanks
+  EXPECT_LE(texts.argument_helps[0].size(), 255u);
+  EXPECT_LE(texts.argument_helps[1].size(), 255u);
+  EXPECT_TRUE(texts.argument_helps[1].ends_with(u"word  "));
+  EXPECT_EQ(CutText(std::u16string(300, u'x')).size(), 255u);
+  EXPECT_EQ(CutText(std::u16string(254, u'x') + u"\xD83D\xDE00").size(), 254u);
+}
+
+TEST_F(ExcelUnit, TellsTheDeveloperOfLongNamesAndRegistersAllTheSame) {
+  std::vector<std::u16string> keys;
+  std::vector<std::u16string_view> views;
+  for (int i = 0; i < 30; ++i) keys.push_back(u"argument" + std::u16string(1, static_cast<char16_t>(u'a' + i)));
+  for (const std::u16string& key : keys) views.push_back(key);
+  const Function_CFunctionSpec spec = make_spec(views);
+  Function_CLibrary library;
+  library.Register(spec);
+  RegisterAll(library, units());
+  ASSERT_EQ(messages.size(), 1u);
+  EXPECT_EQ(messages[0].title, u"MESSAGE FOR DEVELOPER");
+  EXPECT_EQ(messages[0].text,
+            u"The argument-names string for function 'nvFn' + the name-length (total=303) should not exceed 252 "
+            u"characters");
+  EXPECT_EQ(fake.registered, (std::vector<std::u16string>{u"AboutBox", u"nvFn"}));
+  EXPECT_LE(fake.longest_text.back(), 255u);
+}
+
+TEST_F(ExcelUnit, BindsOnce) {
+  EXPECT_EQ(BindHost(), BIND_ALREADY);
+  EXPECT_TRUE(HostSpeaks12());
+}
+
+// ---- Conversions ----
+
+class ExcelConversion : public ExcelUnit {
+ protected:
+  ExcelConversion() : context_(library_, units(), 0) {}
+  template <class Record>
+  Record Out(const FUNCTION_ARG& arg) {
+    Record record{};
+    EXPECT_TRUE(ToRecord(context_, arg, record));
+    return record;
+  }
+  Function_CLibrary library_;
+  XLL_CFunctionContext context_;
+};
+
+TEST_F(ExcelConversion, SplitsWholeNumbersByTheirUnsignedValue) {
+  EXPECT_EQ(Out<XlRecord12>(FUNCTION_ARG::Integer(65535)).type, XL_INTEGER);
+  EXPECT_EQ(Out<XlRecord12>(FUNCTION_ARG::Integer(65535)).integer, 65535);
+  EXPECT_EQ(Out<XlRecord12>(FUNCTION_ARG::Integer(70000)).type, XL_NUMBER);
+  EXPECT_EQ(Out<XlRecord12>(FUNCTION_ARG::Integer(70000)).number, 70000.0);
+  EXPECT_EQ(Out<XlRecord12>(FUNCTION_ARG::Integer(-1)).type, XL_NUMBER);
+  EXPECT_EQ(Out<XlRecord12>(FUNCTION_ARG::Integer(-1)).number, -1.0);
+  EXPECT_EQ(Out<XlRecord4>(FUNCTION_ARG::Integer(40000)).type, XL_INTEGER);
+  EXPECT_EQ(Out<XlRecord4>(FUNCTION_ARG::Integer(40000)).integer, -25536);
+  EXPECT_EQ(Out<XlRecord4>(FUNCTION_ARG::Integer(-1)).number, -1.0);
+}
+
+TEST_F(ExcelConversion, CutsTextsToWhatTheDialectHolds) {
+  const auto text = [this](std::size_t length) {
+    FUNCTION_ARG arg;
+    EXPECT_TRUE(context_.SetText(arg, std::u16string(length, u'\u20AC')));
+    return arg;
+  };
+  for (const std::size_t length : {0u, 1u, 253u, 254u, 255u, 300u}) {
+    const XlRecord4 short_record = Out<XlRecord4>(text(length));
+    EXPECT_EQ(short_record.string[0], std::min<std::size_t>(length, 254)) << length;
+    if (length > 0) {
+      EXPECT_EQ(short_record.string[1], 0x80) << "the euro of code page 1252";
+    }
+    EXPECT_EQ(Out<XlRecord12>(text(length)).string[0], length);
+  }
+  EXPECT_EQ(Out<XlRecord12>(text(32767)).string[0], 32767);
+  EXPECT_EQ(Out<XlRecord12>(text(40000)).string[0], 32767);
+}
+
+TEST_F(ExcelConversion, KeepsEveryUnitOfATextOnItsWay) {
+  std::u16string content = u"\xDC00 \xD800\xD800 \xD83D\xDE00 \xFFFF";
+  content += u'\0';
+  std::u16string counted(1, static_cast<char16_t>(content.size()));
+  counted += content;
+  XlRecord12 record{};
+  record.string = counted.data();
+  record.type = XL_STRING;
+  FUNCTION_ARG arg;
+  ASSERT_TRUE(ToArg(context_, &record, arg));
+  EXPECT_EQ(arg.text(), content);
+  EXPECT_EQ(arg.string.data[content.size()], u'\0');
+  const XlRecord12 back = Out<XlRecord12>(arg);
+  EXPECT_EQ(std::u16string_view(back.string, content.size() + 1), counted);
+  // All bytes of the older dialect's code page are told apart.
+  unsigned char bytes[256];
+  bytes[0] = 255;
+  for (int i = 1; i < 256; ++i) bytes[i] = static_cast<unsigned char>(i);
+  XlRecord4 record4{};
+  record4.string = bytes;
+  record4.type = XL_STRING;
+  ASSERT_TRUE(ToArg(context_, &record4, arg));
+  ASSERT_EQ(arg.string.length, 255u);
+  const XlRecord4 back4 = Out<XlRecord4>(arg);
+  EXPECT_EQ(back4.string[0], 254);
+  EXPECT_EQ(std::memcmp(back4.string + 1, bytes + 1, 254), 0);
+}
+
+TEST_F(ExcelConversion, TranslatesErrors) {
+  constexpr std::int32_t cell_errors[] = {0, 7, 15, 23, 29, 36, 42};
+  for (std::uint32_t code = 1; code <= 7; ++code) {
+    EXPECT_EQ(error_of_code(code), cell_errors[code - 1]);
+    XlRecord4 record{};
+    record.error = static_cast<std::uint16_t>(cell_errors[code - 1]);
+    record.type = XL_ERROR;
+    FUNCTION_ARG arg;
+    ASSERT_TRUE(ToArg(context_, &record, arg));
+    EXPECT_EQ(arg.kind, ARG_ERROR);
+    EXPECT_EQ(arg.error, code);
+  }
+  for (const std::int32_t unknown : {1, 8, 43, -1, 65535}) EXPECT_EQ(code_of_error(unknown), ERROR_VALUE);
+  for (const std::uint32_t other : {0u, 8u, 9u, 12u, 99u}) EXPECT_EQ(error_of_code(other), XL_ERROR_VALUE);
+  // An error among the outputs keeps its number.
+  EXPECT_EQ(Out<XlRecord12>(FUNCTION_ARG::Error(7)).error, 7);
+}
+
+TEST_F(ExcelConversion, KeepsArraysAndReferences) {
+  XlRecord12 elements[6]{};
+  for (int i = 0; i < 6; ++i) {
+    elements[i].number = i;
+    elements[i].type = XL_NUMBER;
+  }
+  XlRecord12 array{};
+  array.array.elements = elements;
+  array.array.rows = 2;
+  array.array.columns = 3;
+  array.type = XL_ARRAY;
+  FUNCTION_ARG arg;
+  ASSERT_TRUE(ToArg(context_, &array, arg));
+  EXPECT_EQ(arg.array.columns, 3u);
+  EXPECT_EQ(arg.array.rows, 2u);
+  EXPECT_EQ(Function_CContext::Element(arg, 1, 1).number, 4.0);
+  elements[5].type = 0x20;  // one bad element fails all
+  EXPECT_FALSE(ToArg(context_, &array, arg));
+  EXPECT_FALSE(ToRecord(context_, FUNCTION_ARG::OfArray(1, 65536, nullptr), *std::make_unique<XlRecord4>()));
+
+  XlAreas4 areas{1, {{3, 5, 7, 9}}};
+  XlRecord4 multi{};
+  multi.multi.areas = &areas;
+  multi.multi.sheet = 77;
+  multi.type = XL_MULTI_REFERENCE;
+  ASSERT_TRUE(ToArg(context_, &multi, arg));
+  EXPECT_EQ(arg.kind, ARG_MULTI_REFERENCE4);
+  const XlRecord4 back = Out<XlRecord4>(arg);
+  EXPECT_EQ(back.multi.sheet, 77u);
+  EXPECT_NE(back.multi.areas, &areas);
+  EXPECT_EQ(back.multi.areas->areas[0].last_column, 9);
+  XlRecord12 single{};
+  single.reference = {1, {1, 2, 3, 4}};
+  single.type = XL_REFERENCE;
+  ASSERT_TRUE(ToArg(context_, &single, arg));
+  EXPECT_EQ(arg.kind, ARG_REFERENCE12);
+  EXPECT_EQ(Out<XlRecord12>(arg).reference.area.last_column, 4);
+}
+
+// ---- The calling place ----
+
+class Counter final : public Function_CData {
+ public:
+  int calls = 0;
+};
+const Function_CTypeOf<Counter> counter_type{u"Counter"};
+
+// Counts the calls of one calling place, or of one name.
+std::uint32_t count_calls(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
+  Call call(context, args, count, output);
+  const std::u16string_view name = call.text(0);
+  if (call.failed()) return call.error();
+  Function_CDataAccessor accessor;
+  if (!accessor.Open(context, counter_type, name)) return ERROR_ACCESSOR;
+  output = FUNCTION_ARG::Integer(++accessor.as<Counter>().calls);
+  return ERROR_OK;
+}
+
+class ExcelPlace : public ExcelConversion {
+ protected:
+  ExcelPlace() : spec_(make_spec({u"Name"})) {
+    spec_.implementation = count_calls;
+    spec_.inputs[0].flags = INPUT_OPTIONAL;
+  }
+  std::uint32_t Run(FUNCTION_ARG arg) {
+    context_.Reset();
+    output_ = FUNCTION_ARG::Empty();
+    return context_.Run(DIALECT::excel12, spec_, &arg, 1, output_, &own_slot_);
+  }
+  int CallFrom(int row, int column) {
+    fake.caller = {row, row, column, column};
+    EXPECT_EQ(Run(FUNCTION_ARG::Missing()), ERROR_OK);
+    return output_.integer;
+  }
+  Function_CFunctionSpec spec_;
+  FUNCTION_ARG output_{};
+  std::uint64_t own_slot_ = 0;
+};
+
+TEST_F(ExcelPlace, EveryCallingCellHasItsOwnData) {
+  EXPECT_EQ(CallFrom(0, 0), 1);
+  EXPECT_EQ(CallFrom(0, 0), 2);
+  EXPECT_EQ(CallFrom(0, 1), 1);
+  EXPECT_EQ(CallFrom(1048575, 16383), 1);
+  fake.sheet = u"[Book]Other";
+  EXPECT_EQ(CallFrom(0, 0), 1);
+  fake.sheet = u"[Book]Sheet";
+  EXPECT_EQ(CallFrom(0, 0), 3);
+  EXPECT_EQ(own_slot_, 0u);
+  // Without a sheet's name: the slot that the call was started with.
+  fake.knows_sheet = false;
+  EXPECT_EQ(CallFrom(0, 0), 1);
+  EXPECT_EQ(CallFrom(0, 1), 2);
+  EXPECT_NE(own_slot_, 0u);
+}
+
+TEST_F(ExcelPlace, NamesThePlaceInTheHostsNotation) {
+  const auto place = [this] {
+    context_.Reset();
+    std::u16string text;
+    spec_.implementation = [](Function_CContext& context, FUNCTION_ARG*, std::size_t, FUNCTION_ARG& output) {
+      context.HostNotify1();
+      return context.SetText(output, context.caller_info()->range_text) ? std::uint32_t{0} : std::uint32_t{1};
+    };
+    FUNCTION_ARG arg = FUNCTION_ARG::Missing();
+    output_ = FUNCTION_ARG::Empty();
+    EXPECT_EQ(context_.Run(DIALECT::excel12, spec_, &arg, 1, output_, nullptr), ERROR_OK);
+    return output_.kind == ARG_STRING ? std::u16string(output_.text()) : std::u16string(u"none");
+  };
+  EXPECT_EQ(place(), u"[Book]Sheet!R5C3");
+  fake.caller = {9, 11, 3, 3};
+  EXPECT_EQ(place(), u"[Book]Sheet!R10C4:R12C4");
+  fake.sheet = std::u16string(255, u'x');
+  fake.caller = {1048574, 1048575, 16382, 16383};
+  EXPECT_EQ(place(), fake.sheet + u"!R1048575C16383:R1048576C16384");
+  fake.sheet += u'x';  // longer than any: the place has no text
+  EXPECT_EQ(place(), u"none");
+}
+
+TEST_F(ExcelPlace, AsksTheHostForNoMoreThanItNeeds) {
+  FUNCTION_ARG cell = FUNCTION_ARG::Empty();
+  XlRecord12 reference{};
+  reference.reference = {1, {1, 1, 3, 3}};
+  reference.type = XL_REFERENCE;
+  ASSERT_TRUE(ToArg(context_, &reference, cell));
+  spec_.implementation = [](Function_CContext& context, FUNCTION_ARG* args, std::size_t, FUNCTION_ARG& output) {
+    double first = 0.0;
+    double second = 0.0;
+    std::u16string_view text;
+    EXPECT_TRUE(context.ReadNumber(args, first) && context.ReadNumber(args, second) && context.ReadText(args, text));
+    EXPECT_EQ(text, u"42");
+    output = FUNCTION_ARG::Number(first + second);
+    return std::uint32_t{0};
+  };
+  EXPECT_EQ(Run(cell), ERROR_OK);
+  EXPECT_EQ(output_.number, 84.0);
+  EXPECT_EQ(fake.calls, (std::map<int, int>{{XL_COERCE, 1}, {XL_FREE, 1}}));
+}
+
+TEST_F(ExcelPlace, EndsBeforeTheFunctionWhenMessagesAreOnAndACellIsNotCalculated) {
+  static int runs = 0;
+  runs = 0;
+  spec_.flags = FUNCTION_FALLBACK;
+  spec_.implementation = [](Function_CContext& context, FUNCTION_ARG* args, std::size_t, FUNCTION_ARG&) {
+    ++runs;
+    double value = 0.0;
+    EXPECT_FALSE(context.ReadNumber(args, value));
+    EXPECT_FALSE(context.ReadNumber(args, value));
+    context.HostNotify1();
+    return std::uint32_t{ERROR_VALUE};
+  };
+  XlRecord12 reference{};
+  reference.reference = {1, {1, 1, 3, 3}};
+  reference.type = XL_REFERENCE;
+  fake.uncalculated = true;
+  FUNCTION_ARG cell;
+  ASSERT_TRUE(ToArg(context_, &reference, cell));
+  for (const bool messages_on : {false, true}) {
+    fake.calls.clear();
+    context_.EnableMessages(messages_on);
+    EXPECT_EQ(Run(cell), ERROR_NA) << "also where fallback outputs would hide it";
+    EXPECT_EQ(runs, 1) << messages_on;
+    EXPECT_EQ(fake.calls, (std::map<int, int>{{XL_COERCE, 1}, {XL_FREE, 1}}));
+  }
+}
+
+// ---- Memory ----
+
+TEST_F(ExcelUnit, AWarmCallAllocatesNothing) {
+  host::set_context_factory(MakeContext);
+  XlRecord12 missing{};
+  missing.type = XL_MISSING;
+  XlRecord12 reference{};
+  reference.reference = {1, {1, 1, 3, 3}};
+  reference.type = XL_REFERENCE;
+  for (const Function_CFunctionSpec* spec : catalogue::specifications()) {
+    if (spec->id == u"FunctionList") continue;  // sorts a list of any length
+    for (XlRecord12* first : {&missing, &reference}) {
+      std::vector<XlRecord12*> args(spec->input_count, &missing);
+      if (spec->input_count > 1) args[1] = first;
+      for (int i = 0; i < 3; ++i) Call12(spec->position, args.data(), args.size());
+      const std::size_t before = allocations;
+      for (int i = 0; i < 10; ++i) Call12(spec->position, args.data(), args.size());
+      // The host of this test counts its calls in a map; its keys exist by now.
+      EXPECT_EQ(allocations - before, 0u) << std::string(spec->id.begin(), spec->id.end());
+    }
+  }
+}
+
+}  // namespace
