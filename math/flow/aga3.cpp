@@ -6,6 +6,8 @@
 //   x1     dP/(N3 P1)
 #include "math/flow/aga3.h"
 
+#include <numbers>
+
 #include "core/elementary.h"
 
 namespace norvane::AGA3 {
@@ -32,7 +34,6 @@ constexpr double N_mass = 253.9025184025;  // Nc pi/4 with the standard's 323.27
 constexpr double N_estimate = 215.4432;    // 0.6 N_mass sqrt(2): the flow of Cd = 0.6 and Ev = Y = 1
 constexpr double cP_per_lbm_ft_s = 1488.16394356955;
 constexpr double seconds_per_hour = 3600.0;
-constexpr double standard_pi = 3.14159;
 
 // The correlation's two forms meet at Xc, where X^0.35 = A - B/X.
 constexpr double Xc = 1.142139337256165;
@@ -191,7 +192,7 @@ class Calculation {
 
     result_.discharge_coefficient = Cd;
     result_.mass_rate = Cd * rate_of_Cd_one;
-    result_.reynolds = 48.0 * result_.mass_rate / (seconds_per_hour * standard_pi * (mu / cP_per_lbm_ft_s) * D);
+    result_.reynolds = 48.0 * result_.mass_rate / (seconds_per_hour * std::numbers::pi * (mu / cP_per_lbm_ft_s) * D);
     result_.raw_mass_rate = result_.mass_rate;
     return code;
   }

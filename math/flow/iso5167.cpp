@@ -488,9 +488,13 @@ class Calculation {
   Code flowing() noexcept {
     const LoopEnd end = iterate(Element::tolerance, result_.mass_rate, result_.rounds,
                                 [this](double previous) { return round(previous); });
-    // No finite flow, or one below zero, is where the equation of the coefficient has left its field.
+    // Far below its limits the equation of a nozzle's coefficient gives negative values. The loop may find its way
+    // back from them; where it has not, or ends on one, there is no flow to speak of.
     if (end == LoopEnd::not_finite || !(result_.mass_rate >= 0.0)) return Code::division_by_zero;
-    if (end == LoopEnd::no_convergence && !Element::deliver_unconverged) return Element::unconverged;
+    if (end == LoopEnd::no_convergence) {
+      if (was_negative_) return Code::division_by_zero;
+      if (!Element::deliver_unconverged) return Element::unconverged;
+    }
 
     result_.reynolds = reynolds(result_.mass_rate);
     result_.discharge_coefficient = C_;
@@ -519,11 +523,11 @@ class Calculation {
       const double d = flowing_.d / 1000.0;
       rate_of_C_one_ = expansibility_ * (std::numbers::pi / 4.0) * d * d * driving_ * flowing_.E;
     }
-    // An equation far outside its limits can give a negative coefficient in passing: powers take the
-    // magnitude.
+    // The powers in C take the magnitude of a Reynolds number that is negative in passing.
     const double Re = first ? element_.first_reynolds(measured_.dp, measured_.viscosity, flowing_.D / 1000.0)
                             : std::fabs(reynolds(previous));
     C_ = element_.C(Re);
+    was_negative_ = was_negative_ || C_ < 0.0;
     p3_ = states_.pressure().upstream - element_.loss(C_, measured_.dp) / 1000.0;
     return p3_ > 0.0 ? C_ * rate_of_C_one_ : not_a_number;
   }
@@ -557,6 +561,7 @@ class Calculation {
   double rate_of_C_one_ = 0.0;  // q_m/C [kg/s]
   double C_ = 0.0;
   double p3_ = 0.0;  // [bar]
+  bool was_negative_ = false;
 };
 
 template <class Element>
