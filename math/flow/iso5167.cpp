@@ -501,6 +501,7 @@ class Calculation {
     result_.expansibility = expansibility_;
     store_geometry(flowing_, result_);
     // Temperatures and densities are those of the last round, the recovered pressure is what came out of it.
+    states_.set_recovered_pressure(state_p3_);
     store_states(measured_, states_, result_);
     result_.pressure.recovered = p3_;
     const Code code = end == LoopEnd::converged ? Code::ok : Element::unconverged;
@@ -511,9 +512,10 @@ class Calculation {
   // formula has no value.
   double round(double previous) noexcept {
     const bool first = result_.rounds == 1;
-    if (!first) states_.set_recovered_pressure(p3_);
+    state_p3_ = first ? states_.pressure().recovered : p3_;
     const bool temperature_moves = first || measured_.temperature_location == Location::recovered;
     const bool density_moves = first || measured_.density_location == Location::recovered;
+    if (temperature_moves || density_moves) states_.set_recovered_pressure(state_p3_);
     if (temperature_moves) {
       if (!set_geometry()) return not_a_number;
       set_expansibility();
@@ -560,7 +562,8 @@ class Calculation {
   double driving_ = 0.0;        // sqrt(2 dp rho1) [kg/(m2 s)]
   double rate_of_C_one_ = 0.0;  // q_m/C [kg/s]
   double C_ = 0.0;
-  double p3_ = 0.0;  // [bar]
+  double p3_ = 0.0;        // out of the last round [bar]
+  double state_p3_ = 0.0;  // what that round started from [bar]
   bool was_negative_ = false;
 };
 
