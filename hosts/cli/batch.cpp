@@ -209,7 +209,7 @@ class RowCalls {
       const std::string meaning = meaning_of(session_.units(), spec_.outputs[i], status);
       return "status " + number_text(status) + (meaning.empty() ? "" : " (" + meaning + ")");
     }
-    return "failed";
+    return session_.fallback() ? "the call failed; the outputs are fallback values" : "failed";
   }
 
   const Function_CFunctionSpec& spec_;
@@ -373,8 +373,7 @@ std::string summary(const Tally& tally) {
   text += "\n";
   for (const FailedRow& detail : tally.details)
     text += "  row " + std::to_string(detail.row) + ": " + printable(detail.reason, 300) + "\n";
-  if (failed > tally.details.size())
-    text += "  and " + std::to_string(failed - tally.details.size()) + " more\n";
+  if (failed > tally.details.size()) text += "  and " + std::to_string(failed - tally.details.size()) + " more\n";
   return text;
 }
 

@@ -37,8 +37,7 @@ bool is_index(std::string_view text) {
 
 }  // namespace
 
-BatchColumns::BatchColumns(const Function_CFunctionSpec& spec, const std::vector<std::string>& header,
-                           Session& fixed)
+BatchColumns::BatchColumns(const Function_CFunctionSpec& spec, const std::vector<std::string>& header, Session& fixed)
     : spec_(spec), range_sizes_(spec.input_count), units_(fixed.units()) {
   for (std::size_t i = 0; i < spec.input_count; ++i) fixed_.push_back(fixed.argument(i));
   for (const std::string& title : header) {
@@ -89,8 +88,8 @@ BatchColumn BatchColumns::column(const std::string& title) const {
     }
     std::vector<std::string> known = component_names();
     for (const Function_CInput& input : spec_.input_records()) known.push_back(to_utf8(input.key));
-    throw UsageError("column " + in_quotes(title) + ": " + to_utf8(spec_.id) +
-                     " has no such input or component" + did_you_mean(name, known));
+    throw UsageError("column " + in_quotes(title) + ": " + to_utf8(spec_.id) + " has no such input or component" +
+                     did_you_mean(name, known));
   }
   result.input = find_input(spec_, name);
   if (bracketed) {

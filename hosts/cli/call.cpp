@@ -47,8 +47,7 @@ std::string table_of(const Session& session) {
     for (std::uint32_t row = 0; row < value.array.rows; ++row) {
       std::string cells;
       for (std::uint32_t column = 0; column < value.array.columns; ++column)
-        cells.append(column == 0 ? "" : "  ")
-            .append(scalar_text(Function_CContext::Element(value, column, row)));
+        cells.append(column == 0 ? "" : "  ").append(scalar_text(Function_CContext::Element(value, column, row)));
       table.add({row == 0 ? to_utf8(output.key) : std::string(), cells});
     }
   }
@@ -58,11 +57,10 @@ std::string table_of(const Session& session) {
 void report(const Session& session) {
   std::string text;
   for (const Message& message : session.messages())
-    text.append(message.level == MESSAGE_ERROR ? "error: " : "warning: ")
-        .append(to_utf8(message.text))
-        .append("\n");
+    text.append(message.level == MESSAGE_ERROR ? "error: " : "warning: ").append(to_utf8(message.text)).append("\n");
   if (session.status() != ERROR_OK)
     text.append("the call failed: ").append(to_utf8(error_text(session.status()))).append("\n");
+  if (session.fallback()) text += "the call failed; the outputs are the function's fallback values\n";
   tell(text);
 }
 

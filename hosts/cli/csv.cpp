@@ -66,8 +66,8 @@ bool split_record(std::string_view record, char delimiter, std::vector<std::stri
 }
 
 void append_field(std::string& out, std::string_view field, char delimiter) {
-  const bool plain = field.find_first_of("\"\r\n") == std::string_view::npos &&
-                     field.find(delimiter) == std::string_view::npos;
+  const bool plain =
+      field.find_first_of("\"\r\n") == std::string_view::npos && field.find(delimiter) == std::string_view::npos;
   if (plain) {
     out += field;
     return;

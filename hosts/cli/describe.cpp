@@ -27,11 +27,10 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
   std::string text = to_utf8(spec.id);
   if (!spec.display_name.empty()) text += "  " + to_utf8(spec.display_name);
   text += "\n" + to_utf8(spec.description) + "\n";
-  text += "Worksheet function " + to_utf8(spec.worksheet_name()) + "; category " + to_utf8(spec.category) +
-          ", " + to_utf8(spec.subcategory);
+  text += "Worksheet function " + to_utf8(spec.worksheet_name()) + "; category " + to_utf8(spec.category) + ", " +
+          to_utf8(spec.subcategory);
   const std::vector<std::string> keywords = keywords_of(spec);
-  for (std::size_t i = 0; i < keywords.size(); ++i)
-    text.append(i == 0 ? "; keywords " : ", ").append(keywords[i]);
+  for (std::size_t i = 0; i < keywords.size(); ++i) text.append(i == 0 ? "; keywords " : ", ").append(keywords[i]);
   text += "\n\nInputs\n";
 
   Table inputs;
@@ -42,9 +41,8 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
     if (input.is_array()) unit = unit.empty() ? "range" : unit + " (range)";
     std::string fallback = variant_text(input.default_value);
     if (fallback.empty()) fallback = input.optional() ? "-" : "required";
-    inputs.add({to_utf8(input.key), unit.empty() ? "-" : unit,
-                range_text(input).empty() ? "-" : range_text(input), fallback,
-                sentence(input.display_name, description.text)});
+    inputs.add({to_utf8(input.key), unit.empty() ? "-" : unit, range_text(input).empty() ? "-" : range_text(input),
+                fallback, sentence(input.display_name, description.text)});
     add_options(inputs, description, 5);
   }
   text += inputs.text() + "\nOutputs\n";
@@ -55,13 +53,11 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
     const Description description = description_of(units, to_utf8(output.description), data_type::any);
     std::string unit = type_text(units, output.type);
     if (output.unit_input >= 0) unit = "as " + to_utf8(spec.inputs[output.unit_input].key);
-    outputs.add(
-        {to_utf8(output.key), unit.empty() ? "-" : unit, sentence(output.display_name, description.text)});
+    outputs.add({to_utf8(output.key), unit.empty() ? "-" : unit, sentence(output.display_name, description.text)});
     add_options(outputs, description, 3);
     for (const Function_CStatusValue& value : output.values())
       outputs.add(
-          {"", "",
-           number_text(value.value) + " = " + to_utf8(value.description) + " (" + to_utf8(value.id) + ")"});
+          {"", "", number_text(value.value) + " = " + to_utf8(value.description) + " (" + to_utf8(value.id) + ")"});
   }
   text += outputs.text();
   if (!spec.notes.empty()) text += "\n" + to_utf8(spec.notes) + (spec.notes.ends_with(u'\n') ? "" : "\n");

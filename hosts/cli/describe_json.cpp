@@ -8,14 +8,11 @@ namespace {
 
 using nlohmann::ordered_json;
 
-ordered_json text_or_null(std::string text) {
-  return text.empty() ? ordered_json() : ordered_json(std::move(text));
-}
+ordered_json text_or_null(std::string text) { return text.empty() ? ordered_json() : ordered_json(std::move(text)); }
 
 // A whole number without a decimal point: 1994, not 1994.0.
 ordered_json number_json(double value) {
-  const bool whole =
-      value > -1e15 && value < 1e15 && value == static_cast<double>(static_cast<std::int64_t>(value));
+  const bool whole = value > -1e15 && value < 1e15 && value == static_cast<double>(static_cast<std::int64_t>(value));
   return whole ? ordered_json(static_cast<std::int64_t>(value)) : ordered_json(value);
 }
 

@@ -8,7 +8,6 @@
 
 namespace norvane::cli {
 
-nlohmann::ordered_json record_json(const Unit_CTypeAndUnitContainer& units,
-                                   const Function_CFunctionSpec& spec);
+nlohmann::ordered_json record_json(const Unit_CTypeAndUnitContainer& units, const Function_CFunctionSpec& spec);
 
 }  // namespace norvane::cli

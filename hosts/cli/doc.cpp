@@ -19,9 +19,7 @@ std::string escaped(std::string_view text) {
   return out;
 }
 
-std::string code(std::string_view text) {
-  return "`" + std::string(text) + "`";
-}
+std::string code(std::string_view text) { return "`" + std::string(text) + "`"; }
 
 void row(std::string& out, const std::vector<std::string>& cells) {
   for (const std::string& cell : cells) out += "| " + cell + (cell.empty() ? "" : " ");
@@ -77,9 +75,9 @@ std::string outputs_table(const Unit_CTypeAndUnitContainer& units, const Functio
     std::string fallback = variant_text(output.fallback);
     if (spec.has(FUNCTION_FALLBACK) && fallback.empty()) fallback = "0";
     if (!spec.has(FUNCTION_FALLBACK)) fallback.clear();
-    row(out, {std::to_string(i), code(to_utf8(output.key)), unit, escaped(fallback),
-              escaped(to_utf8(output.tag_name)),
-              name_and_text(output.display_name, description.text) + options_text(description)});
+    row(out,
+        {std::to_string(i), code(to_utf8(output.key)), unit, escaped(fallback), escaped(to_utf8(output.tag_name)),
+         name_and_text(output.display_name, description.text) + options_text(description)});
   }
   return out;
 }
@@ -105,11 +103,9 @@ std::string behaviour(const Function_CFunctionSpec& spec) {
         "fails\".\n";
   if (spec.has(FUNCTION_NO_RANGE_CHECK)) out += "- Ranges are not checked before the calculation.\n";
   if (spec.has(FUNCTION_VOLATILE)) out += "- Recalculated at every recalculation of a sheet.\n";
-  if (spec.has(FUNCTION_RETENTIVE))
-    out += "- Keeps data between calls under its `Name`, which must be given.\n";
+  if (spec.has(FUNCTION_RETENTIVE)) out += "- Keeps data between calls under its `Name`, which must be given.\n";
   if (spec.has(FUNCTION_VARIABLE_INPUTS)) out += "- The last input may be repeated.\n";
-  if (spec.has(FUNCTION_HIDDEN))
-    out += "- Kept for existing sheets; not listed by the catalogue's functions.\n";
+  if (spec.has(FUNCTION_HIDDEN)) out += "- Kept for existing sheets; not listed by the catalogue's functions.\n";
   return out;
 }
 
@@ -189,8 +185,8 @@ ExitCode doc(const DocOptions& options, Output& out) {
   for (const Function_CFunctionSpec* spec : catalogue::specifications())
     write_page(options.folder + "/" + to_utf8(spec->id) + ".md", page(units, *spec));
   write_page(options.folder + "/README.md", index_page());
-  out.write(std::to_string(catalogue::specifications().size()) + " pages and README.md written to " +
-            options.folder + "\n");
+  out.write(std::to_string(catalogue::specifications().size()) + " pages and README.md written to " + options.folder +
+            "\n");
   return exit_good;
 }
 

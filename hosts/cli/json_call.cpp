@@ -44,8 +44,7 @@ struct Value {
 };
 
 // Members of a file of check values, which a call does not need.
-constexpr std::array<std::string_view, 6> skipped_members = {"outputs", "rtol",  "atol",
-                                                             "rtols",   "atols", "source"};
+constexpr std::array<std::string_view, 6> skipped_members = {"outputs", "rtol", "atol", "rtols", "atols", "source"};
 
 const std::vector<std::string> call_members = {"function", "inputs"};
 
@@ -63,20 +62,7 @@ struct JsonCalls::Reader {
 
   // What may come next. In `list` a row may come too; `error` to `error_end` is the way through
   // {"error":"#N/A"}.
-  enum class Place {
-    start,
-    call,
-    function,
-    inputs,
-    value,
-    list,
-    row,
-    error,
-    error_text,
-    error_end,
-    skipped,
-    end
-  };
+  enum class Place { start, call, function, inputs, value, list, row, error, error_text, error_end, skipped, end };
   Place place = Place::start;
   Place around_error = Place::value;
   std::uint32_t error_code = ERROR_OK;
@@ -214,8 +200,7 @@ struct JsonCalls::Reader {
     // "[json.exception.parse_error.101] parse error at line 1, column 5: syntax error ...; last read: '...'"
     std::string_view text = exception.what();
     if (const std::size_t end = text.find("] "); end != std::string_view::npos) text.remove_prefix(end + 2);
-    if (const std::size_t colon = text.find(": ");
-        text.starts_with("parse error") && colon != std::string_view::npos)
+    if (const std::size_t colon = text.find(": "); text.starts_with("parse error") && colon != std::string_view::npos)
       text.remove_prefix(colon + 2);
     problem = "not valid JSON at character " + std::to_string(position) + ": " + printable(text, 200);
     return false;
@@ -235,9 +220,8 @@ struct JsonCalls::Reader {
       case Place::inputs: return refuse("\"inputs\" must be an object");
       default: break;
     }
-    return refuse(
-        "input " + in_quotes(current().key) + ": " +
-        (what.empty() ? "the only object that may stand here is {\"error\":\"#N/A\"}" : std::string(what)));
+    return refuse("input " + in_quotes(current().key) + ": " +
+                  (what.empty() ? "the only object that may stand here is {\"error\":\"#N/A\"}" : std::string(what)));
   }
   bool number(double given) {
     Cell cell;
@@ -323,8 +307,7 @@ const Function_CFunctionSpec& JsonCalls::function(const std::string& id) {
   return spec;
 }
 
-std::size_t JsonCalls::input(const Function_CFunctionSpec& spec, const std::string& key,
-                             std::size_t expected) {
+std::size_t JsonCalls::input(const Function_CFunctionSpec& spec, const std::string& key, std::size_t expected) {
   std::vector<std::string>& keys = inputs_[spec.position];
   if (keys.empty())
     for (const Function_CInput& record : spec.input_records()) keys.push_back(to_utf8(record.key));

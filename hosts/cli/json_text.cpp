@@ -117,8 +117,6 @@ void append_text(std::string& out, std::u16string_view text) {
   out += '"';
 }
 
-void append_value(std::string& out, const FUNCTION_ARG& value) {
-  append_nested(out, value, 0);
-}
+void append_value(std::string& out, const FUNCTION_ARG& value) { append_nested(out, value, 0); }
 
 }  // namespace norvane::cli

@@ -12,20 +12,17 @@ namespace norvane::cli {
 namespace {
 
 void add_once(std::vector<std::string>& names, std::string name) {
-  if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end())
-    names.push_back(std::move(name));
+  if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
 }
 
 bool has_name(const std::vector<std::string>& names, const std::string& given) {
-  return std::any_of(names.begin(), names.end(),
-                     [&](const std::string& name) { return equal_names(name, given); });
+  return std::any_of(names.begin(), names.end(), [&](const std::string& name) { return equal_names(name, given); });
 }
 
 // A filter that no function of the catalogue answers to is a slip of the pen.
 void check_filter(const char* what, const std::string& given, const std::vector<std::string>& known) {
   if (given.empty() || has_name(known, given)) return;
-  std::string text =
-      std::string("no function has the ") + what + " " + in_quotes(given) + did_you_mean(given, known);
+  std::string text = std::string("no function has the ") + what + " " + in_quotes(given) + did_you_mean(given, known);
   if (nearest(given, known).empty()) {
     text += "; there are ";
     for (std::size_t i = 0; i < known.size(); ++i) text.append(i == 0 ? "" : ", ").append(known[i]);

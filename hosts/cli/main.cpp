@@ -25,9 +25,7 @@ std::vector<std::string> protected_numbers(std::vector<std::string> list) {
   return list;
 }
 
-void tell_error(const std::string& text) {
-  tell("norvane: " + text + "\n");
-}
+void tell_error(const std::string& text) { tell("norvane: " + text + "\n"); }
 
 ExitCode run(std::vector<std::string> given, Output& out) {
   CLI::App app("Calculations for custody-transfer flow measurement.", "norvane");
@@ -37,8 +35,7 @@ ExitCode run(std::vector<std::string> given, Output& out) {
   app.add_flag("--version", version, "Version, commit, compiler and platform");
 
   std::function<ExitCode()> command;
-  const auto add = [&](const char* name, const char* description, const char* footer, auto& options,
-                       auto function) {
+  const auto add = [&](const char* name, const char* description, const char* footer, auto& options, auto function) {
     CLI::App* sub = app.add_subcommand(name, description);
     sub->footer(footer);
     sub->callback([&options, &command, &out, function] { command = [&] { return function(options, out); }; });
@@ -46,8 +43,8 @@ ExitCode run(std::vector<std::string> given, Output& out) {
   };
 
   ListOptions list_options;
-  CLI::App* sub = add("list", "List the functions of the catalogue", "Example: norvane list --keyword gas",
-                      list_options, list);
+  CLI::App* sub =
+      add("list", "List the functions of the catalogue", "Example: norvane list --keyword gas", list_options, list);
   sub->add_option("--category", list_options.category, "Category or sub-category, for example \"ISO\"");
   sub->add_option("--keyword", list_options.keyword, "Keyword, for example gas or metric");
   sub->add_flag("--all", list_options.all, "Hidden functions too");
@@ -60,13 +57,12 @@ ExitCode run(std::vector<std::string> given, Output& out) {
   sub->add_flag("--json", describe_options.json, "The record as a JSON object");
 
   CallOptions call_options;
-  sub = add(
-      "call", "Call one function",
-      "Keys are the function's, in any case; blanks may be written as _ or -. A number may carry a unit, "
-      "which\n"
-      "is converted into the input's. A range is a list or the cells of a CSV file (@- is standard input).\n"
-      "Example: norvane call AGA8_M pressure=870psia temperature=\"68 degF\" composition=@gas.csv",
-      call_options, call);
+  sub = add("call", "Call one function",
+            "Keys are the function's, in any case; blanks may be written as _ or -. A number may carry a unit, "
+            "which\n"
+            "is converted into the input's. A range is a list or the cells of a CSV file (@- is standard input).\n"
+            "Example: norvane call AGA8_M pressure=870psia temperature=\"68 degF\" composition=@gas.csv",
+            call_options, call);
   sub->add_option("id", call_options.id, "Function, for example AGA8_M")->required();
   sub->add_option("inputs", call_options.inputs, "key=value, key=[a,b,c] or key=@file");
   sub->add_flag("--json", call_options.json, "The answer as one line of JSON");
@@ -91,8 +87,8 @@ ExitCode run(std::vector<std::string> given, Output& out) {
   sub->add_flag("--json", convert_options.json, "{\"value\":number,\"unit\":key}");
 
   DocOptions doc_options;
-  sub = add("doc", "Write the reference of every function as Markdown",
-            "Example: norvane doc --out docs/functions", doc_options, doc);
+  sub = add("doc", "Write the reference of every function as Markdown", "Example: norvane doc --out docs/functions",
+            doc_options, doc);
   sub->add_option("--out", doc_options.folder, "Folder, made when it is missing")->capture_default_str();
 
   BatchOptions batch_options;
@@ -107,8 +103,7 @@ ExitCode run(std::vector<std::string> given, Output& out) {
   sub->add_option("id", batch_options.id, "Function, for example AGA8_M")->required();
   sub->add_option("inputs", batch_options.inputs, "key=value that holds for every row");
   sub->add_option("--in", batch_options.in, "CSV file to read (default: standard input)");
-  sub->add_option("--out", batch_options.out,
-                  "CSV file to write, complete or not at all (default: standard output)");
+  sub->add_option("--out", batch_options.out, "CSV file to write, complete or not at all (default: standard output)");
   sub->add_option("--jobs", batch_options.jobs, "Threads (default: one for each processor)")
       ->check(CLI::Range(1u, 256u));
 

@@ -45,8 +45,7 @@ std::string normalised(std::string_view text) {
 }
 
 bool equal_names(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return normal(x) == normal(y); });
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return normal(x) == normal(y); });
 }
 
 std::vector<std::string> nearest(std::string_view given, std::span<const std::string> known) {
@@ -63,8 +62,7 @@ std::vector<std::string> nearest(std::string_view given, std::span<const std::st
     if (inside) distance = std::min<std::size_t>(distance, 3);
     ranked.emplace_back(distance, &candidate);
   }
-  std::stable_sort(ranked.begin(), ranked.end(),
-                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::stable_sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   for (const auto& entry : ranked)
     if (result.size() < 3) result.push_back(*entry.second);
   return result;
@@ -91,9 +89,7 @@ std::string printable(std::string_view text, std::size_t limit) {
   return cut ? result + "..." : result;
 }
 
-std::string in_quotes(std::string_view text) {
-  return '"' + printable(text, 60) + '"';
-}
+std::string in_quotes(std::string_view text) { return '"' + printable(text, 60) + '"'; }
 
 const Function_CFunctionSpec& find_function(std::string_view id) {
   if (id.size() <= longest_name) {

@@ -31,9 +31,7 @@ std::filesystem::path path_of(std::string_view utf8) {
   return std::filesystem::path(std::u8string(reinterpret_cast<const char8_t*>(utf8.data()), utf8.size()));
 }
 
-std::string system_text(int error) {
-  return std::generic_category().message(error);
-}
+std::string system_text(int error) { return std::generic_category().message(error); }
 
 [[noreturn]] void fail(std::string_view what, std::string_view name, int error) {
   std::string text(what);
@@ -74,9 +72,7 @@ int create_exclusive(const std::filesystem::path& path) {
   return _open_osfhandle(reinterpret_cast<intptr_t>(file), _O_BINARY);
 }
 
-int open_existing(const std::filesystem::path& path) {
-  return _wopen(path.c_str(), _O_WRONLY | _O_BINARY);
-}
+int open_existing(const std::filesystem::path& path) { return _wopen(path.c_str(), _O_WRONLY | _O_BINARY); }
 
 #else
 
@@ -98,8 +94,7 @@ void watch_interruption(const std::filesystem::path& temporary) {
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
     struct sigaction before {};
     // A signal that the caller had ignored (nohup) stays ignored.
-    if (sigaction(number, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
-      sigaction(number, &action, nullptr);
+    if (sigaction(number, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) sigaction(number, &action, nullptr);
   }
 }
 
@@ -107,9 +102,7 @@ int create_exclusive(const std::filesystem::path& path) {
   return open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
 }
 
-int open_existing(const std::filesystem::path& path) {
-  return open(path.c_str(), O_WRONLY | O_CLOEXEC);
-}
+int open_existing(const std::filesystem::path& path) { return open(path.c_str(), O_WRONLY | O_CLOEXEC); }
 
 #endif
 
@@ -134,14 +127,11 @@ std::vector<std::string> arguments(int, char**) {
 }
 
 void prepare_standard_streams() {
-  for (const int descriptor : {standard_input, standard_output, standard_error})
-    _setmode(descriptor, _O_BINARY);
+  for (const int descriptor : {standard_input, standard_output, standard_error}) _setmode(descriptor, _O_BINARY);
   SetConsoleOutputCP(CP_UTF8);
 }
 
-bool is_terminal(int descriptor) {
-  return _isatty(descriptor) != 0;
-}
+bool is_terminal(int descriptor) { return _isatty(descriptor) != 0; }
 
 std::uint64_t file_size(int descriptor) {
   struct _stat64 status {};
@@ -170,9 +160,7 @@ int open_input(const std::string& path) {
   return descriptor;
 }
 
-bool close_file(int descriptor) noexcept {
-  return _close(descriptor) == 0;
-}
+bool close_file(int descriptor) noexcept { return _close(descriptor) == 0; }
 
 #else
 
@@ -188,9 +176,7 @@ void prepare_standard_streams() {
       static_cast<void>(open("/dev/null", descriptor == standard_output ? O_RDONLY : O_WRONLY));
 }
 
-bool is_terminal(int descriptor) {
-  return isatty(descriptor) != 0;
-}
+bool is_terminal(int descriptor) { return isatty(descriptor) != 0; }
 
 std::uint64_t file_size(int descriptor) {
   struct stat status {};
@@ -235,9 +221,7 @@ int open_input(const std::string& path) {
   return descriptor;
 }
 
-bool close_file(int descriptor) noexcept {
-  return close(descriptor) == 0;
-}
+bool close_file(int descriptor) noexcept { return close(descriptor) == 0; }
 
 #endif
 

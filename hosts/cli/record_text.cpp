@@ -88,8 +88,7 @@ std::string range_text(const Function_CInput& input) {
   return input.has_maximum() ? "<= " + number_text(input.maximum) : std::string();
 }
 
-std::string meaning_of(const Unit_CTypeAndUnitContainer& units, const Function_COutput& output,
-                       double value) {
+std::string meaning_of(const Unit_CTypeAndUnitContainer& units, const Function_COutput& output, double value) {
   for (const Function_CStatusValue& status : output.values())
     if (status.value == value) return to_utf8(status.description);
   std::uint32_t code = 0;

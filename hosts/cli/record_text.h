@@ -23,8 +23,7 @@ struct Description {
   std::string text;
   std::vector<Option> options;
 };
-Description description_of(const Unit_CTypeAndUnitContainer& units, std::string_view description,
-                           std::uint32_t type);
+Description description_of(const Unit_CTypeAndUnitContainer& units, std::string_view description, std::uint32_t type);
 
 // "bar(a)", "int", "Neo-C5 mode"; empty for a value of any type.
 std::string type_text(const Unit_CTypeAndUnitContainer& units, std::uint32_t type);

@@ -76,14 +76,11 @@ void Session::begin(const Function_CFunctionSpec& spec) {
 FUNCTION_ARG Session::text(std::u16string_view text) {
   FUNCTION_ARG value = FUNCTION_ARG::Missing();
   // A view without a place would stand for no text at all.
-  if (!context_->SetText(value, text.data() == nullptr ? std::u16string_view(u"") : text))
-    throw std::bad_alloc();
+  if (!context_->SetText(value, text.data() == nullptr ? std::u16string_view(u"") : text)) throw std::bad_alloc();
   return value;
 }
 
-FUNCTION_ARG Session::text(std::string_view utf8) {
-  return text(std::u16string_view(to_utf16(utf8)));
-}
+FUNCTION_ARG Session::text(std::string_view utf8) { return text(std::u16string_view(to_utf16(utf8))); }
 
 FUNCTION_ARG Session::array(std::size_t columns, std::size_t rows) {
   constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max();
@@ -95,8 +92,8 @@ FUNCTION_ARG Session::array(std::size_t columns, std::size_t rows) {
 }
 
 void Session::run() {
-  status_ = context_->Execute(*spec_, arguments_.data(), arguments_.size(), output_, flags_,
-                              &slots_[spec_->position]);
+  status_ =
+      context_->Execute(*spec_, arguments_.data(), arguments_.size(), output_, flags_, &slots_[spec_->position]);
 }
 
 const FUNCTION_ARG& Session::output(std::size_t index) const {
@@ -107,12 +104,12 @@ const FUNCTION_ARG& Session::output(std::size_t index) const {
 }
 
 bool Session::good() const {
-  if (status_ != ERROR_OK) return false;
+  if (status_ != ERROR_OK || fallback()) return false;
   for (std::size_t i = 0; i < spec_->output_count; ++i) {
     if (spec_->outputs[i].role != 1) continue;
     const FUNCTION_ARG& value = output(i);
-    if ((value.kind == ARG_NUMBER && value.number != 0.0) ||
-        (value.kind == ARG_INTEGER && value.integer != 0) || value.kind == ARG_ERROR)
+    if ((value.kind == ARG_NUMBER && value.number != 0.0) || (value.kind == ARG_INTEGER && value.integer != 0) ||
+        value.kind == ARG_ERROR)
       return false;
   }
   return true;

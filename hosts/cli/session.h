@@ -41,6 +41,8 @@ class Session {
   // ARG_EMPTY when the output was not written.
   const FUNCTION_ARG& output(std::size_t index) const;
   std::span<const Message> messages() const { return {messages_.data(), message_count_}; }
+  // The call failed and its outputs are the fallback values of the record.
+  bool fallback() const { return (flags_ & (FLAG_OUTPUT_FALLBACK & 0xFFFFFF)) != 0; }
   // False when the call failed, or a status output answered with anything but 0.
   bool good() const;
 

@@ -27,8 +27,7 @@ std::vector<const Unit_CEntry*> units_named(const Unit_CTypeAndUnitContainer& un
   std::vector<const Unit_CEntry*> result;
   const auto add = [&](auto&& matches) {
     for (const Unit_CEntry* entry : all_units(units))
-      if (matches(*entry) && std::find(result.begin(), result.end(), entry) == result.end())
-        result.push_back(entry);
+      if (matches(*entry) && std::find(result.begin(), result.end(), entry) == result.end()) result.push_back(entry);
   };
   add([&](const Unit_CEntry& entry) { return equal_ignoring_case(entry.key, name); });
   add([&](const Unit_CEntry& entry) { return entry.text == name; });
@@ -49,8 +48,7 @@ std::string symbol_of(const Unit_CTypeAndUnitContainer& units, std::uint32_t cod
 
 std::string quantity_of(const Unit_CTypeAndUnitContainer& units, std::uint32_t unit) {
   std::uint32_t type = 0;
-  return Unit_CTypeAndUnitContainer::TypeOfUnit(unit, type) == UNIT_OK ? symbol_of(units, type)
-                                                                       : std::string();
+  return Unit_CTypeAndUnitContainer::TypeOfUnit(unit, type) == UNIT_OK ? symbol_of(units, type) : std::string();
 }
 
 std::uint32_t unit_like(const Unit_CTypeAndUnitContainer& units, std::string_view text, std::uint32_t wanted,
@@ -58,11 +56,10 @@ std::uint32_t unit_like(const Unit_CTypeAndUnitContainer& units, std::string_vie
   const std::vector<const Unit_CEntry*> named = units_named(units, text);
   for (const Unit_CEntry* entry : named)
     if (type_number(entry->code) == type_number(wanted)) return entry->code;
-  if (named.empty())
-    throw UsageError(what + ": " + in_quotes(text) + " is no unit" + unit_suggestion(units, text));
+  if (named.empty()) throw UsageError(what + ": " + in_quotes(text) + " is no unit" + unit_suggestion(units, text));
   throw UsageError(what + ": " + to_utf8(named.front()->text) + " is a unit of " +
-                   quantity_of(units, named.front()->code) + ", but " + symbol_of(units, wanted) +
-                   " is one of " + quantity_of(units, wanted));
+                   quantity_of(units, named.front()->code) + ", but " + symbol_of(units, wanted) + " is one of " +
+                   quantity_of(units, wanted));
 }
 
 }  // namespace norvane::cli

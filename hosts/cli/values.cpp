@@ -43,8 +43,7 @@ bool is_number_type(std::uint32_t type) {
 }
 
 // An option by its key or display text; false when the enumeration has none such.
-bool read_option(const Unit_CTypeAndUnitContainer& units, std::uint32_t type, std::string_view text,
-                 double& value) {
+bool read_option(const Unit_CTypeAndUnitContainer& units, std::uint32_t type, std::string_view text, double& value) {
   const std::u16string name = to_utf16(text);
   std::vector<std::uint32_t> codes;
   if (units.ListMembers(CodeKind::enumeration_value, type, codes) != UNIT_OK) return false;
@@ -122,8 +121,7 @@ FUNCTION_ARG read_plain_list(Session& session, const Function_CInput& input, std
   if (inside.find_first_of("[]") != std::string_view::npos)
     throw UsageError(name_of(session, input) + ": " + in_quotes(text) + " is not a list");
   std::vector<std::string> fields;
-  if (!split_record(inside, ',', fields))
-    throw UsageError(name_of(session, input) + ": a quoted text is not closed");
+  if (!split_record(inside, ',', fields)) throw UsageError(name_of(session, input) + ": a quoted text is not closed");
   FUNCTION_ARG array = session.array(1, fields.size());
   for (std::size_t i = 0; i < fields.size(); ++i)
     array.array.elements[i] = read_cell(session, input, trimmed(fields[i]));
@@ -138,19 +136,15 @@ bool read_quantity(std::string_view text, Quantity& quantity) {
   if (read_number(text, quantity.value)) return true;
   if (text.starts_with('+')) text.remove_prefix(1);
   if (text.empty() || !(text[0] == '-' || text[0] == '.' || (text[0] >= '0' && text[0] <= '9'))) return false;
-  const std::from_chars_result result =
-      std::from_chars(text.data(), text.data() + text.size(), quantity.value);
+  const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), quantity.value);
   if (result.ec != std::errc()) return false;
   quantity.unit = trimmed(text.substr(static_cast<std::size_t>(result.ptr - text.data())));
   return true;
 }
 
-bool takes_unit(const Function_CInput& input) {
-  return kind_of_code(input.type) == CodeKind::unit;
-}
+bool takes_unit(const Function_CInput& input) { return kind_of_code(input.type) == CodeKind::unit; }
 
-FUNCTION_ARG read_cell(Session& session, const Function_CInput& input, std::string_view text,
-                       std::uint32_t unit) {
+FUNCTION_ARG read_cell(Session& session, const Function_CInput& input, std::string_view text, std::uint32_t unit) {
   const std::uint32_t type = input.type;
   if (type == data_type::text || type == data_type::ipaddr) return session.text(text);
   const std::string_view word = trimmed(text);
@@ -192,8 +186,7 @@ FUNCTION_ARG read_argument(Session& session, const Function_CInput& input, std::
   if (file) return read_range_file(session, input, std::string(word.substr(1)));
   if (!list) return read_cell(session, input, text);
   FUNCTION_ARG value;
-  return read_json_value(session, word, to_utf8(input.key), value) ? value
-                                                                   : read_plain_list(session, input, word);
+  return read_json_value(session, word, to_utf8(input.key), value) ? value : read_plain_list(session, input, word);
 }
 
 void split_assignment(std::string_view assignment, std::string_view& key, std::string_view& value) {

@@ -25,8 +25,7 @@ bool takes_unit(const Function_CInput& input);
 // One value for this input, put into the session's call: a number is converted into the input's unit (from
 // `unit` when the text names none and `unit` is not 0), an option may be given by its name, a text stays a
 // text, a blank cell is blank. Throws UsageError naming the input.
-FUNCTION_ARG read_cell(Session& session, const Function_CInput& input, std::string_view text,
-                       std::uint32_t unit = 0);
+FUNCTION_ARG read_cell(Session& session, const Function_CInput& input, std::string_view text, std::uint32_t unit = 0);
 
 // An argument: one value, or for a range a list "[1,2,3]" or the cells of a file "@gas.csv" ("@-" is standard
 // input). Throws UsageError naming the input.

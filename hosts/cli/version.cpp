@@ -1,5 +1,5 @@
-#include "norvane_commit.h"
 #include "hosts/cli/commands.h"
+#include "norvane_commit.h"
 
 namespace norvane::cli {
 namespace {
