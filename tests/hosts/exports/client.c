@@ -1,4 +1,5 @@
-/* A native caller in C: published values, refused arguments, hostile counts, and calls from several threads. */
+/* A native caller in C: published values, refused arguments, hostile counts, and calls from several threads.
+ */
 #include <math.h>
 #include <norvane.h>
 #include <stdio.h>
@@ -12,16 +13,16 @@
 
 static int failures = 0;
 
-#define CHECK(condition)                                            \
-  do {                                                              \
-    if (!(condition)) {                                             \
+#define CHECK(condition)                                             \
+  do {                                                               \
+    if (!(condition)) {                                              \
       printf("%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
-      ++failures;                                                   \
-    }                                                               \
+      ++failures;                                                    \
+    }                                                                \
   } while (0)
 
-/* ISO 6976 mixture of eight components in the order of norvane.h; its superior calorific value by the 1995 edition
- * at 15 / 15 / 15 degC with tabulated molar masses is 38.95947337829 MJ/m3. */
+/* ISO 6976 mixture of eight components in the order of norvane.h; its superior calorific value by the 1995
+ * edition at 15 / 15 / 15 degC with tabulated molar masses is 38.95947337829 MJ/m3. */
 static const double gas[22] = {0.9247, 0.0175, 0.0068, 0.035, 0.0098, 0, 0, 0, 0, 0, 0.0034, 0.0022, 0, 0.0006};
 static const double published = 38.95947337829;
 
@@ -32,8 +33,8 @@ struct result {
 
 static uint32_t calorific(const double* list, uint32_t count, struct result* r) {
   double* n = r->number;
-  return Norvane_ISO6976_1995_M(list, count, 1, 2, 1, n, n + 1, n + 2, n + 3, n + 4, n + 5, n + 6, n + 7, n + 8, n + 9,
-                                n + 10, &r->range);
+  return Norvane_ISO6976_1995_M(list, count, 1, 2, 1, n, n + 1, n + 2, n + 3, n + 4, n + 5, n + 6, n + 7, n + 8,
+                                n + 9, n + 10, &r->range);
 }
 
 static int untouched(const struct result* r) {
@@ -77,7 +78,7 @@ static void check_refusals(void) {
   bad[3] = -0.1;
   CHECK(calorific(bad, 22, &r) != 0 && r.number[0] == 0.0);
   bad[3] = NAN;
-  CHECK(calorific(bad, 22, &r) != 0 || isfinite(r.number[0]));
+  CHECK(calorific(bad, 22, &r) != 0 || r.number[0] - r.number[0] == 0.0);
 }
 
 #define THREADS 8

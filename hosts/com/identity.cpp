@@ -1,0 +1,4 @@
+// Defines the identifiers that the generated header declares.
+#include <initguid.h>
+
+#include "norvane_com.h"
