@@ -40,7 +40,8 @@ enum class Out : std::size_t { status, density, count };
 constexpr record::Input inputs[] = {
     record::name_input(),
     input(u"periodic time", u"Periodic Time", u"", unit::us).otherwise(540),
-    input(u"temperature", u"Temperature", u"Temperature at densitometer.", unit::degC).within(-273.15, 500).otherwise(15),
+    input(u"temperature", u"Temperature", u"Temperature at densitometer.", unit::degC)
+        .within(-273.15, 500).otherwise(15),
     input(u"pressure", u"Pressure", u"Pressure at densitometer.", unit::bar_g).within(0, 200).otherwise(1),
     correction_switch(u"temp cor", u"Temperature Correction", u""),
     correction_switch(u"pres cor", u"Pressure Correction", u""),
@@ -49,8 +50,10 @@ constexpr record::Input inputs[] = {
     input(u"d0", u"D0", u"", unit::kg_m3).within(0, 3000).otherwise(230),
     input(u"t0", u"T0", u"", unit::us).within(0, 1000000).otherwise(500),
     input(u"k", u"K", u"", data_type::num).within(0, 3000).otherwise(0.9),
-    input(u"temp coef", u"Temperature Coef.", u"Temperature coefficient.", data_type::num).within(-1000000, 1000000).otherwise(0.003),
-    input(u"pres coef", u"Pressure Coef.", u"Pressure coefficient.", data_type::num).within(-1000000, 1000000).otherwise(-0.0004),
+    input(u"temp coef", u"Temperature Coef.", u"Temperature coefficient.", data_type::num)
+        .within(-1000000, 1000000).otherwise(0.003),
+    input(u"pres coef", u"Pressure Coef.", u"Pressure coefficient.", data_type::num)
+        .within(-1000000, 1000000).otherwise(-0.0004),
 };
 constexpr record::Output outputs[] = {
     record::status_output(),

@@ -15,13 +15,9 @@ using densitometer::plausible;
 // The manuals count the absolute temperature from -273 degC.
 constexpr double kelvin = 273.0;
 
-double from_period(double k0, double k1, double k2, double tau) {
-  return k0 + k1 * tau + k2 * (tau * tau);
-}
+double from_period(double k0, double k1, double k2, double tau) { return k0 + k1 * tau + k2 * (tau * tau); }
 
-double for_temperature(double rho, double k18, double k19, double dt) {
-  return rho * (1.0 + k18 * dt) + k19 * dt;
-}
+double for_temperature(double rho, double k18, double k19, double dt) { return rho * (1.0 + k18 * dt) + k19 * dt; }
 
 // Velocity-of-sound correction of the liquid meters (manual of the 7835, 7845, 7846, 7847, 6.24): to the
 // sound velocity that the calibration liquids had at this density. Nothing is known outside these limits, and
@@ -29,14 +25,11 @@ double for_temperature(double rho, double k18, double k19, double dt) {
 constexpr double sound_from = 300.0, sound_to = 1400.0;  // kg/m3
 constexpr double branches_meet = 1100.0;                 // kg/m3
 
-double calibration_velocity(double rho) {
-  return rho <= branches_meet ? 1.455 * rho + 100.0 : 2690.0 - 0.9 * rho;
-}
+double calibration_velocity(double rho) { return rho <= branches_meet ? 1.455 * rho + 100.0 : 2690.0 - 0.9 * rho; }
 
 double for_velocity(double rho, double velocity) {
   const double calibration = calibration_velocity(rho);
-  return rho *
-         (1.0 + 1.4e6 / (rho + 1400.0) * (1.0 / (calibration * calibration) - 1.0 / (velocity * velocity)));
+  return rho * (1.0 + 1.4e6 / (rho + 1400.0) * (1.0 / (calibration * calibration) - 1.0 / (velocity * velocity)));
 }
 
 }  // namespace
@@ -61,11 +54,10 @@ Outcome gas_density(const GasMeter& m, GasDensity& density) noexcept {
     const double divisor = density.temperature_corrected + m.k4;
     const double absolute = m.temperature + kelvin;
     if (divisor == 0.0 || absolute == 0.0) return Outcome::calculation_error;
-    density.corrected =
-        density.temperature_corrected * (1.0 + m.k3 / divisor * (m.calibration_gas - g / absolute));
+    density.corrected = density.temperature_corrected * (1.0 + m.k3 / divisor * (m.calibration_gas - g / absolute));
   }
-  const bool good = plausible(density.uncorrected) && plausible(density.temperature_corrected) &&
-                    plausible(density.corrected);
+  const bool good =
+      plausible(density.uncorrected) && plausible(density.temperature_corrected) && plausible(density.corrected);
   return good ? Outcome::ok : Outcome::calculation_error;
 }
 
@@ -99,8 +91,8 @@ Outcome liquid_density(const LiquidMeter& m, LiquidDensity& density) noexcept {
       break;
     default: return Outcome::argument_error;
   }
-  const bool good = plausible(density.uncorrected) && plausible(density.temperature_corrected) &&
-                    plausible(density.corrected);
+  const bool good =
+      plausible(density.uncorrected) && plausible(density.temperature_corrected) && plausible(density.corrected);
   return good ? Outcome::ok : Outcome::calculation_error;
 }
 

@@ -69,11 +69,14 @@ constexpr record::Input inputs[] = {
     density_constant(u"k19", u"K19").otherwise(3.4502e-4),
     density_constant(u"k3", u"K3").otherwise(665),
     density_constant(u"k4", u"K4").otherwise(112),
-    input(u"calib gas const", u"Calib. Gas Const.", u"Calibration gas constant.", data_type::num).within(0, 1).otherwise(0.00236),
-    input(u"g value method", u"G Value Method", u"G value method.; 1: Use 'G Value'; 2: Use SG and CP cv Ratio", data_type::integer).within(1, 2).otherwise(1),
+    input(u"calib gas const", u"Calib. Gas Const.", u"Calibration gas constant.", data_type::num)
+        .within(0, 1).otherwise(0.00236),
+    input(u"g value method", u"G Value Method", u"G value method.; 1: Use 'G Value'; 2: Use SG and CP cv Ratio", data_type::integer)
+        .within(1, 2).otherwise(1),
     input(u"g value", u"G Value", u"", data_type::num).within(0, 100).otherwise(0.49),
     input(u"sg", u"Specific Gravity", u"", data_type::num).within(0, 2).otherwise(0.64),
-    input(u"cp cv ratio", u"Specific Heats Ratio", u"Ratio of specific heats.", data_type::num).within(0, 10).otherwise(1.3),
+    input(u"cp cv ratio", u"Specific Heats Ratio", u"Ratio of specific heats.", data_type::num)
+        .within(0, 10).otherwise(1.3),
 };
 constexpr record::Output outputs[] = {
     record::status_output(),
@@ -145,14 +148,7 @@ enum class In : std::size_t {
   velocity_of_sound,
   count
 };
-enum class Out : std::size_t {
-  status,
-  corrected,
-  temperature_corrected,
-  pressure_corrected,
-  uncorrected,
-  count
-};
+enum class Out : std::size_t { status, corrected, temperature_corrected, pressure_corrected, uncorrected, count };
 
 // clang-format off
 constexpr record::Input inputs[] = {
@@ -162,7 +158,8 @@ constexpr record::Input inputs[] = {
     input(u"pressure", u"Pressure", u"Pressure at the densitometer.", unit::bar_g).otherwise(0),
     correction_switch(u"temp corr", u"Temperature Correction", u""),
     correction_switch(u"pres corr", u"Pressure Correction", u""),
-    input(u"vos corr", u"VOS Correction", u"VOS Correction.; 0: Disabled; 1: Based on Kr/Kj; 2: Based on input VOS", data_type::integer).within(0, 2).otherwise(2),
+    input(u"vos corr", u"VOS Correction", u"VOS Correction.; 0: Disabled; 1: Based on Kr/Kj; 2: Based on input VOS", data_type::integer)
+        .within(0, 2).otherwise(2),
     input(u"ref temp", u"Ref. Temperature", u"Reference temperature.", unit::degC).otherwise(20),
     input(u"ref pres", u"Ref. Pressure", u"Reference pressure.", unit::bar_g).otherwise(1),
     constant(u"k0", u"K0").otherwise(174.18),

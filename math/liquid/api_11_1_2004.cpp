@@ -88,8 +88,7 @@ constexpr double ipts68(double t) {
 
 constexpr Conditions conditions(double t, double psig) {
   const double t68 = ipts68(t);
-  return {t, psig > 0.0 ? psig : 0.0, t68 - base_temperature, -1.9947 + 0.00013427 * t68,
-          793920.0 + 2326.0 * t68};
+  return {t, psig > 0.0 ? psig : 0.0, t68 - base_temperature, -1.9947 + 0.00013427 * t68, 793920.0 + 2326.0 * t68};
 }
 
 constexpr Conditions base_conditions[] = {conditions(59.0, 0.0), conditions(68.0, 0.0)};  // 15 degC, 20 degC
@@ -111,26 +110,31 @@ Group group_of(Group group, double rho60) {
   return rho60 < fuel_oil_from ? Group::jet_fuel : Group::fuel_oil;
 }
 
-bool positive(double x) {
-  return x > 0.0 && x <= std::numeric_limits<double>::max();
-}
+bool positive(double x) { return x > 0.0 && x <= std::numeric_limits<double>::max(); }
 
 // exp(x) - 1. For liquids x is a few 1e-6: the series then has every digit, the difference would have ten.
 double exponential_less_one(double x) {
-  if (std::fabs(x) < 1e-4) return x * (1.0 + x * (0.5 + x / 6.0));
+  if (std::fabs(x) < 1e-4) return x + x * x * (0.5 + x * (1.0 / 6.0));
   return elementary::exp(x) - 1.0;
 }
 
-// 11.1.6.1 step 3: the base density on the IPTS-68 basis.
-double shifted_density(const Liquid& liquid, const Constants& k, double rho60) {
-  if (liquid.group == Group::special) {
-    return rho60 * elementary::exp(delta60 / 2.0 * liquid.alpha60 * (1.0 + 0.4 * liquid.alpha60 * delta60));
-  }
+// 1/(1 + x). A step waits for every division in it; for the x of liquids, about 1e-5, the series has every digit.
+double inverse_of_one_plus(double x) {
+  if (std::fabs(x) < 1e-4) return (1.0 - x) + x * x * (1.0 - x);
+  return 1.0 / (1.0 + x);
+}
+
+// 11.1.6.1 step 3: 1/rho_star, of which the factors are functions.
+double inverse_shifted_density(const Liquid& liquid, const Constants& k, double rho60) {
   const double inverse = 1.0 / rho60;
+  if (liquid.group == Group::special) {
+    return inverse * elementary::exp(-delta60 / 2.0 * liquid.alpha60 * (1.0 + 0.4 * liquid.alpha60 * delta60));
+  }
   const double a = delta60 / 2.0 * ((k.k0 * inverse + k.k1) * inverse + k.k2);
   // The standard's A x B as one term: B alone has a pole where the transition constants give no expansion.
   const double ab = delta60 / 2.0 * (2.0 * k.k0 * inverse + k.k1) * inverse;
-  return rho60 * (1.0 + exponential_less_one(a * (1.0 + 0.8 * a)) / (1.0 + (1.0 + 1.6 * a) * ab));
+  const double shift = exponential_less_one(a * (1.0 + 0.8 * a)) * inverse_of_one_plus((1.0 + 1.6 * a) * ab);
+  return inverse * inverse_of_one_plus(shift);
 }
 
 double ctl_at(double alpha60, double dt) {
@@ -140,9 +144,8 @@ double ctl_at(double alpha60, double dt) {
 Outcome factors_at(const Liquid& liquid, double rho60, const Conditions& at, Factors& out) {
   out.group = group_of(liquid.group, rho60);
   const Constants& k = data[static_cast<std::size_t>(out.group)].k;
-  const double rho_star = shifted_density(liquid, k, rho60);
-  if (!std::isfinite(rho_star)) return Outcome::calculation_error;
-  const double inverse = 1.0 / rho_star;
+  const double inverse = inverse_shifted_density(liquid, k, rho60);
+  if (inverse == 0.0 || !std::isfinite(inverse)) return Outcome::calculation_error;
   out.alpha60 = liquid.group == Group::special ? liquid.alpha60 : (k.k0 * inverse + k.k1) * inverse + k.k2;
   out.ctl = ctl_at(out.alpha60, at.dt);
   out.f = 1e-5 * elementary::exp(at.f_a + at.f_b * inverse * inverse);
@@ -171,15 +174,14 @@ double d_alpha(Group group, double rho60) {
   }
 }
 
-// One Newton step of 11.1.6.2. It reads the temperature as it was observed, without the shift to IPTS-68: so
-// the printed iterates come out.
+// One Newton step of 11.1.6.2. It reads the temperature as it was observed, without the shift to IPTS-68: so the
+// printed iterates come out.
 double next_density(double rho60, double observed, const Factors& now, const Conditions& at) {
-  const double error = observed / (now.ctl * now.cpl) - rho60;
   const double dt = at.t - 60.0;
-  const double by_temperature =
-      (1.0 + 1.6 * now.alpha60 * dt) * (d_alpha(now.group, rho60) * now.alpha60 * dt);
+  const double by_temperature = (1.0 + 1.6 * now.alpha60 * dt) * (d_alpha(now.group, rho60) * now.alpha60 * dt);
   const double by_pressure = 2e5 * at.p * now.cpl * now.f * (0.02326 * at.t + 7.9392) / (rho60 * rho60);
-  return rho60 + error / (1.0 + by_temperature - by_pressure);
+  // The standard's (observed/CTPL - rho60) with CTPL in the denominator.
+  return rho60 + (observed - now.observed) / (now.ctl * now.cpl * (1.0 + by_temperature - by_pressure));
 }
 
 // 11.1.6.2 from a given start: the density at 60 degF of an observed density, with its factors and the number
@@ -194,8 +196,7 @@ Outcome solve_from(double start, const Liquid& liquid, double observed, const Co
     if (steps == most_steps) return Outcome::no_convergence;
     ++steps;
     rho60 = next_density(rho60, observed, factors, at);
-    if (const Outcome outcome = factors_at(liquid, rho60, at, factors); outcome != Outcome::ok)
-      return outcome;
+    if (const Outcome outcome = factors_at(liquid, rho60, at, factors); outcome != Outcome::ok) return outcome;
   }
   // From here on each step must bring the result nearer, so that none leads away from a converged one.
   for (int further = 0; further < most_steps; ++further) {
@@ -234,8 +235,7 @@ bool out_of_range(const Liquid& liquid, double t, double psig, double observed, 
   return outside(t, temperature_low, temperature_high) || outside(psig, pressure_low, pressure_high) ||
          outside(observed, limits.observed_low, limits.observed_high) ||
          outside(rho60, limits.base_low, limits.base_high) ||
-         (liquid.group == Group::special &&
-          !(liquid.alpha60 > alpha60_above && liquid.alpha60 < alpha60_below));
+         (liquid.group == Group::special && !(liquid.alpha60 > alpha60_above && liquid.alpha60 < alpha60_below));
 }
 
 Outcome check(const Liquid& liquid, double density, double t, double psig) {
@@ -245,9 +245,7 @@ Outcome check(const Liquid& liquid, double density, double t, double psig) {
   return finite ? Outcome::ok : Outcome::calculation_error;
 }
 
-double rounded(double ctpl, Rounding rounding) {
-  return rounding == Rounding::on ? round_half_away(ctpl, 5) : ctpl;
-}
+double rounded(double ctpl, Rounding rounding) { return rounding == Rounding::on ? round_half_away(ctpl, 5) : ctpl; }
 
 void fill(const Factors& factors, Rounding rounding, Correction& result) {
   result.group = factors.group;
@@ -268,18 +266,12 @@ void fill_metric(const Factors& factors, double ctl_base, Rounding rounding, Cor
   result.f = factors.f / kPa_per_psi;
 }
 
-constexpr double degF_of_degC(double degC) {
-  return degC * 1.8 + 32.0;
-}
-constexpr double psi_of_bar(double bar) {
-  return bar * 100.0 / kPa_per_psi;
-}
+constexpr double degF_of_degC(double degC) { return degC * 1.8 + 32.0; }
+constexpr double psi_of_bar(double bar) { return bar * 100.0 / kPa_per_psi; }
 
 }  // namespace
 
-double ipts68_of_its90(double degF) noexcept {
-  return ipts68(degF);
-}
+double ipts68_of_its90(double degF) noexcept { return ipts68(degF); }
 
 Outcome observed_from_base(Liquid liquid, double rho60, double degF, double psig, Rounding rounding,
                            Correction& result) noexcept {
@@ -317,8 +309,7 @@ Outcome observed_from_base(Liquid liquid, MetricBase base, double rho_base, doub
   // The base density counts as observed at the base temperature.
   Factors at_base, factors;
   double rho60;
-  outcome =
-      solve(liquid, rho_base, base_conditions[static_cast<std::size_t>(base)], rho60, at_base, result.steps);
+  outcome = solve(liquid, rho_base, base_conditions[static_cast<std::size_t>(base)], rho60, at_base, result.steps);
   if (outcome != Outcome::ok) return outcome;
   outcome = factors_at(liquid, rho60, conditions(degF, psig), factors);
   if (outcome != Outcome::ok) return outcome;
@@ -326,8 +317,7 @@ Outcome observed_from_base(Liquid liquid, MetricBase base, double rho_base, doub
   result.base_density = rho_base;
   result.observed_density = rho_base * result.ctl * result.cpl;
   result.out_of_range = out_of_range(liquid, degF, psig, result.observed_density, rho60);
-  return positive(result.ctl) && std::isfinite(result.observed_density) ? Outcome::ok
-                                                                        : Outcome::calculation_error;
+  return positive(result.ctl) && std::isfinite(result.observed_density) ? Outcome::ok : Outcome::calculation_error;
 }
 
 Outcome base_from_observed(Liquid liquid, MetricBase base, double rho_observed, double degC, double barg,
@@ -346,8 +336,7 @@ Outcome base_from_observed(Liquid liquid, MetricBase base, double rho_observed, 
   result.base_density = rho60 * ctl_base;
   result.observed_density = rho_observed;
   result.out_of_range = out_of_range(liquid, degF, psig, rho_observed, rho60);
-  return positive(result.ctl) && std::isfinite(result.base_density) ? Outcome::ok
-                                                                    : Outcome::calculation_error;
+  return positive(result.ctl) && std::isfinite(result.base_density) ? Outcome::ok : Outcome::calculation_error;
 }
 
 }  // namespace norvane::API_11_1_2004

@@ -56,26 +56,17 @@ struct Correction {
   double f = 0.0;      // compressibility: 1/psi, metric tables 1/kPa
   Constants k{};
   Group group = Group::crude;  // the group whose constants were used
-  bool out_of_range =
-      false;      // outside the limits of the standard; the calculation was carried out all the same
-  int steps = 0;  // Newton steps that found the density at 60 degF
+  bool out_of_range = false;   // outside the limits of the standard; the calculation was carried out all the same
+  int steps = 0;               // Newton steps that found the density at 60 degF
 };
 
 // Density conversions, with the water density of this edition, 999.016 kg/m3 at 60 degF.
 inline constexpr double water_density = 999.016;
 inline constexpr double kPa_per_psi = 6.894757;
-constexpr double density_of_gravity(double api) {
-  return 141360.764 / (api + 131.5);
-}
-constexpr double gravity_of_density(double rho) {
-  return 141.5 / (rho / water_density) - 131.5;
-}
-constexpr double density_of_relative(double rd) {
-  return rd * water_density;
-}
-constexpr double relative_of_density(double rho) {
-  return rho / water_density;
-}
+constexpr double density_of_gravity(double api) { return 141360.764 / (api + 131.5); }
+constexpr double gravity_of_density(double rho) { return 141.5 / (rho / water_density) - 131.5; }
+constexpr double density_of_relative(double rd) { return rd * water_density; }
+constexpr double relative_of_density(double rho) { return rho / water_density; }
 
 // IPTS-68 temperature of an ITS-90 temperature, both in degF.
 double ipts68_of_its90(double degF) noexcept;

@@ -44,8 +44,7 @@ constexpr InputRows<record::Input> inputs_of(const Units& units, double default_
           .within(units.pressure_low, units.pressure_high)
           .otherwise(0),
       input(u"product", u"Product", u"", enumeration::apiproduct).otherwise(1),
-      input(u"api rnd", u"API Rounding", u"API rounding and truncating.", data_type::boolean)
-          .otherwise(false),
+      input(u"api rnd", u"API Rounding", u"API rounding and truncating.", data_type::boolean).otherwise(false),
   };
 }
 
@@ -56,56 +55,65 @@ constexpr OutputRows<record::Output> outputs_of(const Units& units, const record
       value,
       output(u"ctl", u"CTL", u"Volume correction factor for temperature.", data_type::num, u"CTL"),
       output(u"cpl", u"CPL", u"Volume correction factor for pressure.", data_type::num, u"CPL"),
-      output(u"ctpl", u"CTPL", u"Combined volume correction factor (CTPL = CTL * CPL).", data_type::num,
-             u"CTPL"),
+      output(u"ctpl", u"CTPL", u"Combined volume correction factor (CTPL = CTL * CPL).", data_type::num, u"CTPL"),
       output(u"k0", u"K0", u"Actual value of constant K0 used for CTL calculation.", data_type::num, u"K0"),
       output(u"k1", u"K1", u"Actual value of constant K1 used for CTL calculation.", data_type::num, u"K1"),
       output(u"k2", u"K2", u"Actual value of constant K2 used for CTL calculation.", data_type::num, u"K2"),
       output(u"alpha", u"Thermal Expansion", u"Thermal expansion factor (alpha).", units.alpha, u"ALPHA"),
       output(u"f", u"Compressibility", u"Compressibility factor (F).", units.f, u"F"),
-      output(u"product", u"",
-             u"When input 'Product' is 'Auto select', then the output is set to the actual selected product "
-             u"of the "
-             u"used table, else the output is set equal to input 'Product'.",
-             enumeration::apiproduct, u"PRDCUR"),
+      output(
+          u"product", u"",
+          u"When input 'Product' is 'Auto select', then the output is set to the actual selected product of the used "
+          u"table, else the output is set equal to input 'Product'.",
+          enumeration::apiproduct, u"PRDCUR"),
       output(u"oor", u"Range Status", u"", enumeration::rangestatus, u"OOR"),
   };
 }
 
-// clang-format off
-namespace table5 {
-constexpr auto inputs = inputs_of(customary, 90, record::input(u"api gravity", u"API Gravity", u"", data_type::num).within(-20, 180).otherwise(30));
-constexpr auto outputs = outputs_of(customary, record::output(u"api gravity 60", u"API Gravity @60\u00B0F", u"API gravity at 60 \u00B0F.", data_type::num, u"API60"));
+// The first input or output: texts of a quantity, and its ranges and defaults table by table.
+struct Quantity {
+  std::u16string_view key, display, description;
+  std::uint32_t type;
+  std::u16string_view tag;
+};
+constexpr Quantity gravity = {u"api gravity", u"API Gravity", u"", data_type::num, u"API"};
+constexpr Quantity gravity_60 = {u"api gravity 60", u"API Gravity @60\u00B0F", u"API gravity at 60 \u00B0F.",
+                                 data_type::num, u"API60"};
+constexpr Quantity relative = {u"rel density", u"Relative Density", u"Observed relative density.", data_type::num,
+                               u"RD"};
+constexpr Quantity relative_60 = {u"rel density 60", u"Rel. Density @60\u00B0F",
+                                  u"Relative density at 60 \u00B0F and 0 psig.", data_type::num, u"RD60"};
+constexpr Quantity density = {u"density", u"Density", u"Observed density.", unit::kg_m3, u"DENS"};
+constexpr Quantity density_15 = {u"density 15", u"Density @15\u00B0C", u"Density at 15 \u00B0C and 0 bar(g).",
+                                 unit::kg_m3, u"DENS15"};
+constexpr Quantity density_20 = {u"density 20", u"Density @20\u00B0C", u"Density at 20 \u00B0C and 0 bar(g).",
+                                 unit::kg_m3, u"DENS20"};
+
+constexpr record::Input given(const Quantity& q, double low, double high, double otherwise) {
+  return record::input(q.key, q.display, q.description, q.type).within(low, high).otherwise(otherwise);
 }
-namespace table6 {
-constexpr auto inputs = inputs_of(customary, 90, record::input(u"api gravity 60", u"API Gravity @60\u00B0F", u"API gravity at 60 \u00B0F.", data_type::num).within(-20, 120).otherwise(30));
-constexpr auto outputs = outputs_of(customary, record::output(u"api gravity", u"API Gravity", u"", data_type::num, u"API"));
+constexpr record::Output result_of(const Quantity& q) {
+  return record::output(q.key, q.display, q.description, q.type, q.tag);
 }
-namespace table23 {
-constexpr auto inputs = inputs_of(customary, 90, record::input(u"rel density", u"Relative Density", u"Observed relative density.", data_type::num).within(0, 1.3).otherwise(0.9));
-constexpr auto outputs = outputs_of(customary, record::output(u"rel density 60", u"Rel. Density @60\u00B0F", u"Relative density at 60 \u00B0F and 0 psig.", data_type::num, u"RD60"));
-}
-namespace table24 {
-constexpr auto inputs = inputs_of(customary, 90, record::input(u"rel density 60", u"Rel. Density @60\u00B0F", u"Relative density at 60 \u00B0F and 0 psig.", data_type::num).within(0, 1.3).otherwise(0.7));
-constexpr auto outputs = outputs_of(customary, record::output(u"rel density", u"Relative Density", u"Observed relative density.", data_type::num, u"RD"));
-}
-namespace table53 {
-constexpr auto inputs = inputs_of(metric, 20, record::input(u"density", u"Density", u"Observed density.", unit::kg_m3).within(0, 1300).otherwise(1000));
-constexpr auto outputs = outputs_of(metric, record::output(u"density 15", u"Density @15\u00B0C", u"Density at 15 \u00B0C and 0 bar(g).", unit::kg_m3, u"DENS15"));
-}
-namespace table54 {
-constexpr auto inputs = inputs_of(metric, 25, record::input(u"density 15", u"Density @15\u00B0C", u"Density at 15 \u00B0C and 0 bar(g).", unit::kg_m3).within(0, 1300).otherwise(1000));
-constexpr auto outputs = outputs_of(metric, record::output(u"density", u"Density", u"Observed density.", unit::kg_m3, u"DENS"));
-}
-namespace table59 {
-constexpr auto inputs = inputs_of(metric, 25, record::input(u"density", u"Density", u"Observed density.", unit::kg_m3).within(0, 1300).otherwise(1000));
-constexpr auto outputs = outputs_of(metric, record::output(u"density 20", u"Density @20\u00B0C", u"Density at 20 \u00B0C and 0 bar(g).", unit::kg_m3, u"DENS20"));
-}
-namespace table60 {
-constexpr auto inputs = inputs_of(metric, 90, record::input(u"density 20", u"Density @20\u00B0C", u"Density at 20 \u00B0C and 0 bar(g).", unit::kg_m3).within(0, 1300).otherwise(1000));
-constexpr auto outputs = outputs_of(metric, record::output(u"density", u"Density", u"Observed density.", unit::kg_m3, u"DENS"));
-}
-// clang-format on
+
+// Units, default temperature; range and default of the first input.
+constexpr auto table5_inputs = inputs_of(customary, 90, given(gravity, -20, 180, 30));
+constexpr auto table6_inputs = inputs_of(customary, 90, given(gravity_60, -20, 120, 30));
+constexpr auto table23_inputs = inputs_of(customary, 90, given(relative, 0, 1.3, 0.9));
+constexpr auto table24_inputs = inputs_of(customary, 90, given(relative_60, 0, 1.3, 0.7));
+constexpr auto table53_inputs = inputs_of(metric, 20, given(density, 0, 1300, 1000));
+constexpr auto table54_inputs = inputs_of(metric, 25, given(density_15, 0, 1300, 1000));
+constexpr auto table59_inputs = inputs_of(metric, 25, given(density, 0, 1300, 1000));
+constexpr auto table60_inputs = inputs_of(metric, 90, given(density_20, 0, 1300, 1000));
+
+constexpr auto table5_outputs = outputs_of(customary, result_of(gravity_60));
+constexpr auto table6_outputs = outputs_of(customary, result_of(gravity));
+constexpr auto table23_outputs = outputs_of(customary, result_of(relative_60));
+constexpr auto table24_outputs = outputs_of(customary, result_of(relative));
+constexpr auto table53_outputs = outputs_of(metric, result_of(density_15));
+constexpr auto table54_outputs = outputs_of(metric, result_of(density));
+constexpr auto table59_outputs = outputs_of(metric, result_of(density_20));
+constexpr auto table60_outputs = outputs_of(metric, result_of(density));
 
 // Product option to commodity group, and back.
 constexpr Group groups[] = {Group::crude,    Group::refined,  Group::gasoline,       Group::transition,
@@ -179,8 +187,8 @@ std::uint32_t run(Function_CContext& context, FUNCTION_ARG* args, std::size_t co
   if (outcome != Outcome::ok) return call.status_only(static_cast<int>(outcome));
 
   call.set_integer(Out::status, 0);
-  call.set(Out::value, Value::from_density(direction == Direction::to_base ? result.base_density
-                                                                           : result.observed_density));
+  call.set(Out::value,
+           Value::from_density(direction == Direction::to_base ? result.base_density : result.observed_density));
   call.set(Out::ctl, result.ctl);
   call.set(Out::cpl, result.cpl);
   call.set(Out::ctpl, result.ctpl);
@@ -199,39 +207,35 @@ constexpr std::u16string_view customary_words = u"customary,liquid,api";
 constexpr std::u16string_view metric_words = u"metric,liquid,api";
 
 // Notes for the reference, by direction and base.
-#define NOTES_COMMON                                                                                        \
-  u"Commodity groups and constants: crude oil, gasoline, transition zone, jet fuel, fuel oil, lubricating " \
-  u"oil. "                                                                                                  \
-  u"'Refined, auto' takes the group by the density at 60 \u00B0F: gasoline below 770.352, transition zone " \
-  u"below 787.5195, jet fuel below 838.3127 kg/m3, fuel oil from there.\n"                                  \
-  u"Range status 1: temperature outside -58 to 302 \u00B0F (-50 to 150 \u00B0C), pressure outside 0 to "    \
-  u"1500 "                                                                                                  \
-  u"psig (103.42 bar(g)), density at 60 \u00B0F outside 610.6 to 1163.5 kg/m3 (lubricating oil 800.9 to "   \
-  u"1163.5), or observed density outside 470.5 to 1201.8 (crude oil), 470.4 to 1209.5 (refined products), " \
-  u"714.3 to 1208.3 kg/m3 (lubricating oil). The calculation is carried out all the same.\n"                \
-  u"A negative gauge pressure gives a CPL of exactly 1. Inputs are not rounded; API rounding rounds the "   \
-  u"CTPL "                                                                                                  \
-  u"to 5 decimals, half away from zero, and nothing else.\n"
-#define NOTES_ITERATION                                                                                     \
-  u"Status 3 when 15 steps do not meet the observed density within 1e-6 kg/m3. Crude oil, lubricating oil " \
-  u"and 'Refined, auto' converge within the limits, except in a gap of less than 0.0001 kg/m3 where two "   \
-  u"refined groups meet. A refined group that is named can fail outside its own densities, the transition " \
-  u"zone also at high and low temperatures within them: prefer 'Refined, auto' there. A result is refined " \
-  u"until base density times CTL times CPL gives the observed density within 1e-10 of it.\n"
-#define NOTES_METRIC                                                                                       \
-  u"CTL, CTPL and CPL belong to the table's own base: volumes go through 60 \u00B0F, CTL is the ratio of " \
-  u"the factors at the observed and at the base temperature.\n"
+// clang-format off
+#define NOTES_COMMON \
+  u"'Refined, auto' takes its constants by the density at 60 \u00B0F: gasoline below 770.352, transition zone below " \
+  u"787.5195, jet fuel below 838.3127 kg/m3, fuel oil from there.\n" \
+  u"Range status 1: temperature outside -58 to 302 \u00B0F (-50 to 150 \u00B0C), pressure outside 0 to 1500 psig " \
+  u"(103.42 bar(g)), density at 60 \u00B0F outside 610.6 to 1163.5 kg/m3 (lubricating oil 800.9 to 1163.5), or " \
+  u"observed density outside 470.5 to 1201.8 (crude oil), 470.4 to 1209.5 (refined products), 714.3 to 1208.3 kg/m3 " \
+  u"(lubricating oil). The calculation is carried out all the same.\n" \
+  u"A negative gauge pressure gives a CPL of exactly 1. Inputs are not rounded; API rounding rounds the CTPL to 5 " \
+  u"decimals, half away from zero, and nothing else.\n"
+#define NOTES_ITERATION \
+  u"Status 3 when 15 steps do not meet the observed density within 1e-6 kg/m3. Crude oil, lubricating oil and " \
+  u"'Refined, auto' converge within the limits, except in a gap of less than 0.0001 kg/m3 where two refined groups " \
+  u"meet. A refined group that is named can fail outside its own densities, the transition zone also at high and " \
+  u"low temperatures within them: prefer 'Refined, auto' there. A result is refined until base density times CTL " \
+  u"times CPL gives the observed density within 1e-10 of it.\n"
+#define NOTES_METRIC \
+  u"CTL, CTPL and CPL belong to the table's own base: volumes go through 60 \u00B0F, CTL is the ratio of the factors " \
+  u"at the observed and at the base temperature.\n"
+// clang-format on
 
 constexpr std::u16string_view notes_to_60F =
     u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.6.2.\n" NOTES_COMMON NOTES_ITERATION;
 constexpr std::u16string_view notes_from_60F =
     u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.6.1.\n" NOTES_COMMON;
 constexpr std::u16string_view notes_to_metric =
-    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.7.2.\n" NOTES_COMMON NOTES_METRIC
-        NOTES_ITERATION;
+    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.7.2.\n" NOTES_COMMON NOTES_METRIC NOTES_ITERATION;
 constexpr std::u16string_view notes_from_metric =
-    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.7.1.\n" NOTES_COMMON NOTES_METRIC
-        NOTES_ITERATION;
+    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.7.1.\n" NOTES_COMMON NOTES_METRIC NOTES_ITERATION;
 #undef NOTES_COMMON
 #undef NOTES_ITERATION
 #undef NOTES_METRIC
@@ -256,8 +260,8 @@ const record::Function API_Table5_2004 = {
     .subcategory = subcategory,
     .keywords = customary_words,
     .name_input = 0,
-    .inputs = table5::inputs,
-    .outputs = table5::outputs,
+    .inputs = table5_inputs,
+    .outputs = table5_outputs,
     .implementation = run<ApiGravity, Base60F, Direction::to_base>,
     .notes = notes_to_60F};
 
@@ -270,8 +274,8 @@ const record::Function API_Table6_2004 = {
     .subcategory = subcategory,
     .keywords = customary_words,
     .name_input = 0,
-    .inputs = table6::inputs,
-    .outputs = table6::outputs,
+    .inputs = table6_inputs,
+    .outputs = table6_outputs,
     .implementation = run<ApiGravity, Base60F, Direction::to_observed>,
     .notes = notes_from_60F};
 
@@ -284,8 +288,8 @@ const record::Function API_Table23_2004 = {
     .subcategory = subcategory,
     .keywords = customary_words,
     .name_input = 0,
-    .inputs = table23::inputs,
-    .outputs = table23::outputs,
+    .inputs = table23_inputs,
+    .outputs = table23_outputs,
     .implementation = run<RelativeDensity, Base60F, Direction::to_base>,
     .notes = notes_to_60F};
 
@@ -298,8 +302,8 @@ const record::Function API_Table24_2004 = {
     .subcategory = subcategory,
     .keywords = customary_words,
     .name_input = 0,
-    .inputs = table24::inputs,
-    .outputs = table24::outputs,
+    .inputs = table24_inputs,
+    .outputs = table24_outputs,
     .implementation = run<RelativeDensity, Base60F, Direction::to_observed>,
     .notes = notes_from_60F};
 
@@ -312,8 +316,8 @@ const record::Function API_Table53_2004 = {
     .subcategory = subcategory,
     .keywords = metric_words,
     .name_input = 0,
-    .inputs = table53::inputs,
-    .outputs = table53::outputs,
+    .inputs = table53_inputs,
+    .outputs = table53_outputs,
     .implementation = run<Density, BaseMetric<MetricBase::degC15>, Direction::to_base>,
     .notes = notes_to_metric};
 
@@ -326,8 +330,8 @@ const record::Function API_Table54_2004 = {
     .subcategory = subcategory,
     .keywords = metric_words,
     .name_input = 0,
-    .inputs = table54::inputs,
-    .outputs = table54::outputs,
+    .inputs = table54_inputs,
+    .outputs = table54_outputs,
     .implementation = run<Density, BaseMetric<MetricBase::degC15>, Direction::to_observed>,
     .notes = notes_from_metric};
 
@@ -341,8 +345,8 @@ const record::Function API_Table59_2004 = {
     .subcategory = subcategory,
     .keywords = metric_words,
     .name_input = 0,
-    .inputs = table59::inputs,
-    .outputs = table59::outputs,
+    .inputs = table59_inputs,
+    .outputs = table59_outputs,
     .implementation = run<Density, BaseMetric<MetricBase::degC20>, Direction::to_base>,
     .notes = notes_to_metric};
 
@@ -355,8 +359,8 @@ const record::Function API_Table60_2004 = {
     .subcategory = subcategory,
     .keywords = metric_words,
     .name_input = 0,
-    .inputs = table60::inputs,
-    .outputs = table60::outputs,
+    .inputs = table60_inputs,
+    .outputs = table60_outputs,
     .implementation = run<Density, BaseMetric<MetricBase::degC20>, Direction::to_observed>,
     .notes = notes_from_metric};
 

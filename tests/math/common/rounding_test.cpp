@@ -24,8 +24,7 @@ TEST(Rounding, NumbersWithoutSuchDecimalsComeBack) {
   EXPECT_EQ(round_half_away(4503599627370497.0, 3), 4503599627370497.0);
   EXPECT_EQ(round_half_away(1.26, -1), 1.26);
   EXPECT_EQ(round_half_away(1.26, 23), 1.26);
-  EXPECT_EQ(round_half_away(-std::numeric_limits<double>::infinity(), 5),
-            -std::numeric_limits<double>::infinity());
+  EXPECT_EQ(round_half_away(-std::numeric_limits<double>::infinity(), 5), -std::numeric_limits<double>::infinity());
 }
 
 }  // namespace

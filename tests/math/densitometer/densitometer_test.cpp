@@ -216,8 +216,7 @@ TEST_F(DensitometerFunction, SwitchesOutsideTheirListAreArgumentErrors) {
 }
 
 TEST_F(DensitometerFunction, NoNumberThatIsNotFiniteGetsThrough) {
-  for (const char16_t* id :
-       {u"Solartron_Gas_M", u"Solartron_Liquid_M", u"Solartron_SG", u"Sarasota_M", u"UGC_M"}) {
+  for (const char16_t* id : {u"Solartron_Gas_M", u"Solartron_Liquid_M", u"Solartron_SG", u"Sarasota_M", u"UGC_M"}) {
     for (const double value : {nan, inf, -inf, 1e308}) {
       const int status = call(id, {{u"periodic time", value}});
       EXPECT_TRUE(status == 1 || status == 2) << to_utf8(id) << ' ' << value << ' ' << status;

@@ -59,8 +59,7 @@ TEST(Api11_1_2004, PrintedIntermediateValues) {  // 11.1.6.1 examples 1 and 4, 1
   EXPECT_NEAR(ipts68_of_its90(-27.7), -27.712499233089, 5e-13);
   EXPECT_NEAR(ipts68_of_its90(85.0), 85.013358222928, 5e-13);
   Correction c;
-  ASSERT_EQ(observed_from_base({Group::crude}, density_of_gravity(17.785), -27.7, 0, Rounding::off, c),
-            Outcome::ok);
+  ASSERT_EQ(observed_from_base({Group::crude}, density_of_gravity(17.785), -27.7, 0, Rounding::off, c), Outcome::ok);
   EXPECT_NEAR(c.alpha, 0.000380407044, 5e-13);
   ASSERT_EQ(observed_from_base({Group::refined}, density_of_relative(0.7943), 85, 247.3, Rounding::off, c),
             Outcome::ok);
@@ -90,8 +89,7 @@ TEST(Api11_1_2004, RoundTripsOverTheWholeRange) {
             const double observed = there.observed_density;
             const Outcome outcome = base.to_base(liquid, observed, degF, psig, back);
             if (outcome != Outcome::ok) {
-              ASSERT_FALSE(must_converge(group, rho60))
-                  << rho60 << " kg/m3 " << degF << " degF " << psig << " psi";
+              ASSERT_FALSE(must_converge(group, rho60)) << rho60 << " kg/m3 " << degF << " degF " << psig << " psi";
               continue;
             }
             // Constants far from their product put observed densities outside the limits.
@@ -99,8 +97,7 @@ TEST(Api11_1_2004, RoundTripsOverTheWholeRange) {
             ++answered;
             ASSERT_NEAR(back.base_density * back.ctl * back.cpl, observed, 1e-9 * observed);
             if (base.to_observed(liquid, back.base_density, degF, psig, again) == Outcome::ok) {
-              ASSERT_NEAR(again.observed_density, observed, 1e-9 * observed)
-                  << rho60 << ' ' << degF << ' ' << psig;
+              ASSERT_NEAR(again.observed_density, observed, 1e-9 * observed) << rho60 << ' ' << degF << ' ' << psig;
             } else {
               ASSERT_FALSE(must_converge(group, rho60)) << rho60 << ' ' << degF << ' ' << psig;
             }
@@ -142,8 +139,7 @@ TEST(Api11_1_2004, BoundariesOfRefinedGroupsNeverGiveAWrongValue) {
           }
           ASSERT_EQ(outcome, Outcome::ok);
           ASSERT_TRUE(in_own_band(found.group, found.base_density));
-          ASSERT_EQ(observed_from_base(liquid, found.base_density, degF, psig, Rounding::off, check),
-                    Outcome::ok);
+          ASSERT_EQ(observed_from_base(liquid, found.base_density, degF, psig, Rounding::off, check), Outcome::ok);
           ASSERT_NEAR(check.observed_density, observed, 1e-6);
           ASSERT_EQ(check.group, found.group);
         }
@@ -175,8 +171,7 @@ TEST(Api11_1_2004, RangeFlags) {
     Correction there, back;
     ASSERT_EQ(observed_from_base(c.liquid, c.rho60, c.degF, c.psig, Rounding::off, there), Outcome::ok);
     EXPECT_EQ(there.out_of_range, c.out);
-    ASSERT_EQ(base_from_observed(c.liquid, there.observed_density, c.degF, c.psig, Rounding::off, back),
-              Outcome::ok);
+    ASSERT_EQ(base_from_observed(c.liquid, there.observed_density, c.degF, c.psig, Rounding::off, back), Outcome::ok);
     EXPECT_NEAR(back.base_density, c.rho60, 2e-6);
   }
   // Observed densities have limits of their own.
@@ -209,8 +204,7 @@ TEST(Api11_1_2004, SpecialApplicationAgreesWithTheCorrelation) {
       EXPECT_NEAR(special.ctl, crude.ctl, 1e-15);
       EXPECT_NEAR(special.cpl, crude.cpl, 1e-9);
       EXPECT_EQ(special.alpha, crude.alpha);
-      ASSERT_EQ(base_from_observed(liquid, special.observed_density, degF, 900, Rounding::off, back),
-                Outcome::ok);
+      ASSERT_EQ(base_from_observed(liquid, special.observed_density, degF, 900, Rounding::off, back), Outcome::ok);
       EXPECT_NEAR(back.base_density, rho60, 1e-9 * rho60);
     }
   }
@@ -233,8 +227,7 @@ TEST(Api11_1_2004, HostileNumbersEndWithAnErrorOrFiniteResults) {
                 ASSERT_EQ(outcome, Outcome::calculation_error) << rho << ' ' << t << ' ' << p;
               }
               if (outcome != Outcome::ok) continue;
-              for (const double x :
-                   {c.base_density, c.observed_density, c.ctl, c.cpl, c.ctpl, c.alpha, c.f}) {
+              for (const double x : {c.base_density, c.observed_density, c.ctl, c.cpl, c.ctpl, c.alpha, c.f}) {
                 ASSERT_TRUE(std::isfinite(x)) << rho << ' ' << t << ' ' << p;
               }
               if (rho < 100 || rho > 1e4) {
@@ -247,10 +240,8 @@ TEST(Api11_1_2004, HostileNumbersEndWithAnErrorOrFiniteResults) {
     }
   }
   Correction c;
-  EXPECT_EQ(observed_from_base({static_cast<Group>(8)}, 850, 60, 0, Rounding::off, c),
-            Outcome::argument_error);
-  EXPECT_EQ(observed_from_base({Group::special, nan}, 850, 60, 0, Rounding::off, c),
-            Outcome::calculation_error);
+  EXPECT_EQ(observed_from_base({static_cast<Group>(8)}, 850, 60, 0, Rounding::off, c), Outcome::argument_error);
+  EXPECT_EQ(observed_from_base({Group::special, nan}, 850, 60, 0, Rounding::off, c), Outcome::calculation_error);
 }
 
 // The function records: options, their report, and which outputs are written.
@@ -261,8 +252,8 @@ class Api11_1_2004Function : public testing::Test {
     const Function_CFunctionSpec* spec = catalogue::find(id);
     EXPECT_NE(spec, nullptr);
     const auto number = [](double x) { return FUNCTION_ARG::Number(x); };
-    status_ = context_.Run(*spec, {FUNCTION_ARG::Missing(), number(value), number(t), number(p),
-                                   number(product), number(rounding)});
+    status_ = context_.Run(
+        *spec, {FUNCTION_ARG::Missing(), number(value), number(t), number(p), number(product), number(rounding)});
     EXPECT_EQ(context_.output.kind, ARG_ARRAY);
     return context_.output;
   }
@@ -279,11 +270,10 @@ TEST_F(Api11_1_2004Function, ProductOptionsSelectAndReportTheirConstants) {
     double product, rho60, reported, k0, k1, k2;
   };
   const Case cases[] = {
-      {1, 800, 1, 341.0957, 0, 0},          {2, 700, 3, 192.4571, 0.2438, 0},
-      {2, 780, 4, 1489.067, 0, -0.0018684}, {2, 800, 5, 330.3010, 0, 0},
-      {2, 900, 6, 103.8720, 0.2701, 0},     {3, 800, 3, 192.4571, 0.2438, 0},
-      {4, 800, 4, 1489.067, 0, -0.0018684}, {5, 900, 5, 330.3010, 0, 0},
-      {6, 800, 6, 103.8720, 0.2701, 0},     {7, 900, 7, 0, 0.34878, 0},
+      {1, 800, 1, 341.0957, 0, 0},          {2, 700, 3, 192.4571, 0.2438, 0}, {2, 780, 4, 1489.067, 0, -0.0018684},
+      {2, 800, 5, 330.3010, 0, 0},          {2, 900, 6, 103.8720, 0.2701, 0}, {3, 800, 3, 192.4571, 0.2438, 0},
+      {4, 800, 4, 1489.067, 0, -0.0018684}, {5, 900, 5, 330.3010, 0, 0},      {6, 800, 6, 103.8720, 0.2701, 0},
+      {7, 900, 7, 0, 0.34878, 0},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::to_string(c.product) + " " + std::to_string(c.rho60));
