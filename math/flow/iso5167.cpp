@@ -409,7 +409,8 @@ struct Venturi {
   static double first_reynolds(double, double, double) noexcept { return 100000.0; }
   static double bore_factor() noexcept { return 1.0; }
   Code check() const noexcept {
-    return std::isfinite(pressure_loss.value) && std::isfinite(custom_coefficient) ? Code::ok : Code::argument;
+    const bool good = std::isfinite(pressure_loss.value) && std::isfinite(custom_coefficient);
+    return good && custom_coefficient >= 0.0 ? Code::ok : Code::argument;
   }
   void set(const Flowing& flowing) noexcept { f = flowing; }
   double C(double) const noexcept { return type == VenturiType::custom ? custom_coefficient : row().C; }
@@ -459,8 +460,7 @@ void store_geometry(const Flowing& flowing, Result& result) noexcept {
   result.velocity_of_approach = flowing.E;
 }
 
-// The loop on the mass rate. What does not depend on the recovered pressure is computed in the first round
-// only.
+// The loop on the mass rate. What does not depend on the recovered pressure is computed in the first round only.
 template <class Element>
 class Calculation {
  public:
@@ -474,8 +474,7 @@ class Calculation {
   }
 
  private:
-  // Without a differential pressure nothing flows; states and geometry are what they are and no limit is
-  // tested.
+  // Without a differential pressure nothing flows; states and geometry are what they are and no limit is tested.
   Code at_rest() noexcept {
     if (!set_geometry()) return Code::division_by_zero;
     result_.reynolds = 0.0;
@@ -488,13 +487,11 @@ class Calculation {
   Code flowing() noexcept {
     const LoopEnd end = iterate(Element::tolerance, result_.mass_rate, result_.rounds,
                                 [this](double previous) { return round(previous); });
-    // Far below its limits the equation of a nozzle's coefficient gives negative values. The loop may find its way
-    // back from them; where it has not, or ends on one, there is no flow to speak of.
-    if (end == LoopEnd::not_finite || !(result_.mass_rate >= 0.0)) return Code::division_by_zero;
-    if (end == LoopEnd::no_convergence) {
-      if (was_negative_) return Code::division_by_zero;
-      if (!Element::deliver_unconverged) return Element::unconverged;
-    }
+    // Far below its limits the equation of a nozzle's coefficient turns negative and has no flow that agrees with it.
+    // The loop may find its way back; where it has not, it has found nothing to deliver.
+    if (was_negative_ && (end != LoopEnd::converged || result_.mass_rate < 0.0)) return Code::no_convergence;
+    if (end == LoopEnd::not_finite) return Code::division_by_zero;
+    if (end == LoopEnd::no_convergence && !Element::deliver_unconverged) return Element::unconverged;
 
     result_.reynolds = reynolds(result_.mass_rate);
     result_.discharge_coefficient = C_;
@@ -508,8 +505,8 @@ class Calculation {
     return check_limits(element_.limits(flowing_.beta, geometry_.pipe_diameter), geometry_, code, result_);
   }
 
-  // One round: states, geometry, expansibility, coefficient, mass rate and recovered pressure. NaN where a
-  // formula has no value.
+  // One round: states, geometry, expansibility, coefficient, mass rate and recovered pressure. NaN where a formula
+  // has no value.
   double round(double previous) noexcept {
     const bool first = result_.rounds == 1;
     state_p3_ = first ? states_.pressure().recovered : p3_;

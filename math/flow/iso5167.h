@@ -42,7 +42,7 @@ enum class Code : int {
   differential_pressure = 7,  // negative
   argument = 8,               // any other argument that is no number
   configuration = 9,          // tappings that the edition does not know
-  no_convergence = 10,        // after 25 rounds
+  no_convergence = 10,        // after 25 rounds, or on a coefficient below zero
   reynolds = 11,              // * Reynolds number outside its limits
   isentropic_exponent = 12,   // not greater than 1
   division_by_zero = 14       // a diameter, pressure or pressure ratio of zero or below, or no finite result

@@ -202,8 +202,7 @@ TEST(Iso5167, ViscousFlowsEndWithACode) {
   nozzle.measured.dp = 100;
   nozzle.measured.viscosity = 0.3;
   nozzle.geometry.device_diameter = 35;
-  EXPECT_EQ(isa1932_nozzle(nozzle.measured, nozzle.geometry, Edition::y2003, nozzle.result), Code::division_by_zero);
-  EXPECT_EQ(nozzle.result.rounds, 25);
+  EXPECT_EQ(isa1932_nozzle(nozzle.measured, nozzle.geometry, Edition::y2003, nozzle.result), Code::no_convergence);
 }
 
 // (1 - eps)/x goes to 0.75/kappa + 0.75 beta^4/(1 - beta^4)/kappa for small x, the first term of the series.
