@@ -35,18 +35,10 @@ constexpr double overflow_from = 709.79;
 constexpr double underflow_from = -745.14;
 constexpr double plain = 690.0;
 
-std::uint64_t bits_of(double x) noexcept {
-  return std::bit_cast<std::uint64_t>(x);
-}
-double of_bits(std::uint64_t bits) noexcept {
-  return std::bit_cast<double>(bits);
-}
-double magnitude(double x) noexcept {
-  return of_bits(bits_of(x) & 0x7fffffffffffffff);
-}
-double power_of_two(std::int64_t k) noexcept {
-  return of_bits(static_cast<std::uint64_t>(k + 1023) << 52);
-}
+std::uint64_t bits_of(double x) noexcept { return std::bit_cast<std::uint64_t>(x); }
+double of_bits(std::uint64_t bits) noexcept { return std::bit_cast<double>(bits); }
+double magnitude(double x) noexcept { return of_bits(bits_of(x) & 0x7fffffffffffffff); }
+double power_of_two(std::int64_t k) noexcept { return of_bits(static_cast<std::uint64_t>(k + 1023) << 52); }
 
 // e^(x + low) = 2^k value (1 + rest).
 struct Exponential {
@@ -74,9 +66,30 @@ inline double exp_plain(double x, double low) noexcept {
   return scaled + scaled * e.rest;
 }
 
-// Any x; `low` is far below x.
-double exp_any(double x, double low) noexcept {
-  if (magnitude(x) < plain) return exp_plain(x, low);
+// The same for two numbers at a time, operation by operation, in the vector registers that every processor of the
+// platform has.
+using Two = double __attribute__((vector_size(16)));
+using TwoBits = std::uint64_t __attribute__((vector_size(16)));
+
+inline Two exp_plain(Two x) noexcept {
+  const Two shifted = x * inverse_step + rounder;
+  const Two n = shifted - rounder;
+  const auto whole = reinterpret_cast<TwoBits>(shifted);  // n in the low bits; those of `rounder` are far above
+  const PowerOfTwo& first = powers_of_two[whole[0] & 127];
+  const PowerOfTwo& second = powers_of_two[whole[1] & 127];
+  const Two value = {first.value, second.value};
+  const Two tail = {first.tail, second.tail};
+  const Two r = (x - n * step_high) - n * step_low;
+  const Two r2 = r * r;
+  const Two p = r2 * (0.5 + r * (1.0 / 6.0)) + r2 * r2 * (1.0 / 24.0 + r * (1.0 / 120.0));
+  const Two rest = tail + r + p;
+  const auto exponent = (whole & ~std::uint64_t{127}) << 45;
+  const auto scaled = reinterpret_cast<Two>(reinterpret_cast<TwoBits>(value) + exponent);
+  return scaled + scaled * rest;
+}
+
+// |x| not below `plain`, or not a number; `low` is far below x.
+[[gnu::noinline, gnu::cold]] double exp_beyond(double x, double low) noexcept {
   if (x != x) return x;
   if (x > overflow_from) return infinity;
   if (x < underflow_from) return 0.0;
@@ -101,8 +114,8 @@ inline DoubleDouble logarithm(std::uint64_t bits, std::int64_t k) noexcept {
   const double z = of_bits(z_bits);
   // Rounded, not cut, to 24 bits: cut, a z just below 1 would lose its digits to cancellation.
   const double z_high = of_bits((z_bits + 0x10000000) & 0xffffffffe0000000);
-  const double r_high = z_high * interval.inverse - 1.0;       // exact
-  const double r_low = (z - z_high) * interval.inverse;        // exact
+  const double r_high = z_high * interval.inverse - 1.0;  // exact
+  const double r_low = (z - z_high) * interval.inverse;   // exact
   const double r = r_high + r_low;
   const auto exponent = static_cast<double>(k);
 
@@ -117,9 +130,8 @@ inline DoubleDouble logarithm(std::uint64_t bits, std::int64_t k) noexcept {
 
   // log(1+r) beyond that: r^3/3 - r^4/4 + ... and the products of r_low
   const double r2 = r * r;
-  const double series =
-      (1.0 / 3.0 - r * 0.25) +
-      r2 * ((0.2 - r * (1.0 / 6.0)) + r2 * ((1.0 / 7.0 - r * 0.125) + r2 * (1.0 / 9.0 - r * 0.1)));
+  const double series = (1.0 / 3.0 - r * 0.25) +
+                        r2 * ((0.2 - r * (1.0 / 6.0)) + r2 * ((1.0 / 7.0 - r * 0.125) + r2 * (1.0 / 9.0 - r * 0.1)));
   const double rest = r * r2 * series - r_low * (r_high + 0.5 * r_low);
   const double low = (b_rest + s_rest) + (exponent * ln2_low + interval.log_low) + rest;
   const double high = s + low;
@@ -166,15 +178,14 @@ double pow_special(double x, double y) noexcept {
 
 }  // namespace
 
-double exp(double x) noexcept {
-  return exp_any(x, 0.0);
-}
+double exp(double x) noexcept { return exp_beyond(x, 0.0); }
 
 std::array<double, 4> exp4(const std::array<double, 4>& x) noexcept {
-  if (magnitude(x[0]) < plain && magnitude(x[1]) < plain && magnitude(x[2]) < plain &&
-      magnitude(x[3]) < plain)
-    return {exp_plain(x[0], 0.0), exp_plain(x[1], 0.0), exp_plain(x[2], 0.0), exp_plain(x[3], 0.0)};
-  return {exp(x[0]), exp(x[1]), exp(x[2]), exp(x[3])};
+  if (!(magnitude(x[0]) < plain && magnitude(x[1]) < plain && magnitude(x[2]) < plain && magnitude(x[3]) < plain))
+    return {exp(x[0]), exp(x[1]), exp(x[2]), exp(x[3])};
+  const Two low = exp_plain(Two{x[0], x[1]});
+  const Two high = exp_plain(Two{x[2], x[3]});
+  return {low[0], low[1], high[0], high[1]};
 }
 
 double log(double x) noexcept {
@@ -201,8 +212,9 @@ double pow(double x, double y) noexcept {
   const double l_high = of_bits(bits_of(l.high) & 0xfffffffff8000000);
   const double product = y_high * l_high;
   const double rest = (y - y_high) * l_high + y * ((l.high - l_high) + l.low);
+  if (magnitude(product) < plain) return exp_plain(product, rest);
   if (!(magnitude(product) < 1000.0)) return product > 0.0 ? infinity : 0.0;
-  return exp_any(product, rest);
+  return exp_beyond(product, rest);
 }
 
 }  // namespace norvane::elementary
