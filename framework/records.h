@@ -87,6 +87,10 @@ struct Input {
     copy.default_value = {Value::Kind::text, 0.0, value};
     return copy;
   }
+  // A literal would rather become a boolean than a view.
+  constexpr Input otherwise(const char16_t* value) const {
+    return otherwise(std::u16string_view(value));
+  }
   constexpr Input at_least(double low) const {
     Input copy = *this;
     copy.minimum = low;
