@@ -28,9 +28,7 @@ using namespace norvane;
 using namespace norvane::excel;
 using namespace sheet;
 
-Spreadsheet& book() {
-  return Spreadsheet::Instance();
-}
+Spreadsheet& book() { return Spreadsheet::Instance(); }
 
 // Whatever a test does, the rules of the interface hold and everything is given back.
 class ExcelHost : public testing::Test {
@@ -53,8 +51,8 @@ TEST_F(ExcelHost, RegistersEveryFunctionWithTextsTheHostTakes) {
     const bool variable = spec->has(FUNCTION_VARIABLE_INPUTS);
     const std::size_t count = variable ? (excel12 ? 30 : 20) : spec->input_count;
     EXPECT_EQ(entry->argument_count, count);
-    EXPECT_EQ(entry->procedure, (excel12 ? "xlWrapper12_" : "xlWrapper4_") + to_utf8(spec->group->name) +
-                                    "_" + to_utf8(spec->id));
+    EXPECT_EQ(entry->procedure,
+              (excel12 ? "xlWrapper12_" : "xlWrapper4_") + to_utf8(spec->group->name) + "_" + to_utf8(spec->id));
     EXPECT_EQ(entry->type.find(u'$') != std::u16string::npos, excel12);
     EXPECT_EQ(entry->macro_type, spec->has(FUNCTION_HIDDEN) ? u"0" : u"1");
     EXPECT_EQ(entry->category, u"Norvane");
@@ -80,8 +78,7 @@ TEST_F(ExcelHost, AddsTheAboutCommandToTheMenu) {
   ASSERT_EQ(menu.size(), 3u);
   EXPECT_EQ(menu[0], Number(10));
   EXPECT_EQ(menu[1], Text(u"Help"));
-  EXPECT_EQ(menu[2],
-            Array(1, 5, {Text(u"About Norvane"), Text(u"AboutBox"), Text(u""), Text(u""), Text(u"")}));
+  EXPECT_EQ(menu[2], Array(1, 5, {Text(u"About Norvane"), Text(u"AboutBox"), Text(u""), Text(u""), Text(u"")}));
 }
 
 TEST_F(ExcelHost, AnswersTheAddInManager) {
@@ -108,6 +105,78 @@ TEST_F(ExcelHost, OpensAgainAfterClosingAndSurvivesARefusal) {
   EXPECT_EQ(book().Call(u"nvBitTest", {Number(5), Number(2)}), Integer(1));
 }
 
+// ---- What is shown ----
+
+#if defined(_WIN32)
+// Without a display a box returns at once and nobody sees it: the module's own entries for them are replaced.
+struct {
+  int dialogs = 0;
+  int messages = 0;
+  HINSTANCE module = nullptr;
+  const wchar_t* dialog_template = nullptr;
+} shown;
+
+INT_PTR WINAPI show_dialog(HINSTANCE module, LPCWSTR name, HWND, DLGPROC, LPARAM) {
+  ++shown.dialogs;
+  shown.module = module;
+  shown.dialog_template = name;
+  return IDOK;
+}
+int WINAPI show_message(HWND, LPCWSTR, LPCWSTR, UINT) {
+  ++shown.messages;
+  return IDOK;
+}
+
+bool replace_import(HMODULE module, const char* name, void* routine) {
+  auto* base = reinterpret_cast<unsigned char*>(module);
+  const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+  const auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dos->e_lfanew);
+  const IMAGE_DATA_DIRECTORY& imports = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+  auto* library = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + imports.VirtualAddress);
+  for (; library->Name != 0; ++library) {
+    auto* names = reinterpret_cast<const IMAGE_THUNK_DATA64*>(base + library->OriginalFirstThunk);
+    auto* entries = reinterpret_cast<IMAGE_THUNK_DATA64*>(base + library->FirstThunk);
+    for (; names->u1.AddressOfData != 0; ++names, ++entries) {
+      if (IMAGE_SNAP_BY_ORDINAL64(names->u1.Ordinal)) continue;
+      const auto* by_name = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
+      if (std::strcmp(reinterpret_cast<const char*>(by_name->Name), name) != 0) continue;
+      DWORD protection = 0;
+      VirtualProtect(entries, sizeof *entries, PAGE_READWRITE, &protection);
+      entries->u1.Function = reinterpret_cast<ULONGLONG>(routine);
+      VirtualProtect(entries, sizeof *entries, protection, &protection);
+      return true;
+    }
+  }
+  return false;
+}
+
+TEST_F(ExcelHost, ShowsTheAboutBoxWhenTheHostAsksAndNothingElseEver) {
+  const HMODULE module = GetModuleHandleW(L"Norvane.XLL");
+  ASSERT_TRUE(replace_import(module, "DialogBoxParamW", reinterpret_cast<void*>(&show_dialog)));
+  ASSERT_TRUE(replace_import(module, "MessageBoxW", reinterpret_cast<void*>(&show_message)));
+  EXPECT_EQ(book().Close(), 1);
+  EXPECT_EQ(book().Open(), 1);
+  EXPECT_EQ(shown.dialogs + shown.messages, 0);
+  const auto about = reinterpret_cast<short (*)()>(book().Entry("AboutBox"));
+  ASSERT_NE(about, nullptr);
+  EXPECT_EQ(about(), 1);
+  EXPECT_EQ(shown.dialogs, 1);
+  EXPECT_EQ(shown.messages, 0);
+  EXPECT_EQ(shown.module, module);
+  EXPECT_NE(FindResourceW(module, shown.dialog_template, reinterpret_cast<LPCWSTR>(RT_DIALOG)), nullptr);
+  // Product and version for the file's properties.
+  EXPECT_NE(FindResourceW(module, MAKEINTRESOURCEW(1), reinterpret_cast<LPCWSTR>(RT_VERSION)), nullptr);
+}
+#else
+TEST_F(ExcelHost, ShowsTheAboutTextWhenTheHostAsks) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(reinterpret_cast<short (*)()>(book().Entry("AboutBox"))(), 1);
+  const std::string text = testing::internal::GetCapturedStderr();
+  for (const char* part : {"Norvane", "Version " NORVANE_VERSION, "Commit "})
+    EXPECT_NE(text.find(part), std::string::npos) << part;
+}
+#endif
+
 // ---- One call ----
 
 TEST_F(ExcelHost, CalculatesFromValuesAndFromReferences) {
@@ -124,8 +193,7 @@ TEST_F(ExcelHost, CalculatesFromValuesAndFromReferences) {
   // Codes of units as numbers in cells, symbols as text.
   book().Set(five, Text(u"bar"));
   book().Set(two, Text(u"Pa"));
-  const Value pressure =
-      book().Call(u"nvConvertUnit", {Missing(), Number(2), Reference(five), Reference(two)});
+  const Value pressure = book().Call(u"nvConvertUnit", {Missing(), Number(2), Reference(five), Reference(two)});
   const Value direct = book().Call(u"nvConvertUnit", {Missing(), Number(2), Text(u"bar"), Text(u"Pa")});
   EXPECT_EQ(pressure, direct);
 }
@@ -161,13 +229,11 @@ TEST_F(ExcelHost, AnswersNotAvailableUntilACellIsCalculated) {
   const Place cell = Place::Cell(2, 40, 4);
   book().SetUncalculated(cell);
   bool met = false;
-  EXPECT_EQ(book().Call(u"nvBitTest", {Reference(cell), Number(0)}, Place::Cell(0, 1, 1), &met),
-            Error(XL_ERROR_NA));
+  EXPECT_EQ(book().Call(u"nvBitTest", {Reference(cell), Number(0)}, Place::Cell(0, 1, 1), &met), Error(XL_ERROR_NA));
   EXPECT_TRUE(met);
   // In the middle of a block, in a function of many outputs that would be replaced by their fallback values.
   const Place block{2, 39, 4, 60, 4};
-  EXPECT_EQ(book().Call(u"nvAGA8_M", {Missing(), Reference(block)}, {0, 1, 1, 1, 6}, &met),
-            Error(XL_ERROR_NA));
+  EXPECT_EQ(book().Call(u"nvAGA8_M", {Missing(), Reference(block)}, {0, 1, 1, 1, 6}, &met), Error(XL_ERROR_NA));
   EXPECT_TRUE(met);
   book().Set(cell, Number(1));
   EXPECT_EQ(book().Call(u"nvBitTest", {Reference(cell), Number(0)}, Place::Cell(0, 1, 1), &met), Integer(1));
@@ -306,9 +372,8 @@ TEST_F(ExcelHost, ErrorsOfCellsAreErrorsOfTheCall) {
     EXPECT_EQ(book().Call(u"nvBitTest", {Reference(Place::Cell(0, 70, 0)), Number(0)}), Number(0)) << code;
   }
   // FunctionTest does not compare what is #N/A.
-  const Value tested =
-      book().Call(u"nvFunctionTest", {Missing(), Array(1, 2, {Number(1), Number(2)}),
-                                      Array(1, 2, {Number(1), Error(XL_ERROR_NA)}), Missing()});
+  const Value tested = book().Call(u"nvFunctionTest", {Missing(), Array(1, 2, {Number(1), Number(2)}),
+                                                       Array(1, 2, {Number(1), Error(XL_ERROR_NA)}), Missing()});
   ASSERT_EQ(tested.kind, Kind::array);
   EXPECT_EQ(tested.elements[0], Boolean(true));
 }
@@ -376,8 +441,7 @@ TEST_F(ExcelHost, RecalculatesDependentCellsOnSeveralThreads) {
     const Place outputs{0, 300 + row, 1, 300 + row, 6};
     book().Set(pressure, Number(1.0 + row));
     book().SetFormula(Place::Cell(0, 300 + row, 7), u"nvCRC32", {Reference(outputs)});
-    const CheckCase call{
-        "", u"AGA8_M", {{u"composition", Array(22, 1, gas)}, {u"pressure", Reference(pressure)}}};
+    const CheckCase call{"", u"AGA8_M", {{u"composition", Array(22, 1, gas)}, {u"pressure", Reference(pressure)}}};
     book().SetFormula(outputs, u"nvAGA8_M", call.Arguments(aga8));
   }
   const int calls = book().Recalculate(1);
@@ -403,8 +467,7 @@ void call_from_thread(const std::vector<std::pair<std::u16string, std::vector<Va
                       std::atomic<int>& wrong, std::atomic<long>& made) {
   for (int n = 0; !stop.load(std::memory_order_relaxed); ++n) {
     const std::size_t i = static_cast<std::size_t>(n) % calls.size();
-    const Value answer =
-        book().Call(calls[i].first, calls[i].second, Place::Cell(sheet, n % 7, static_cast<int>(i)));
+    const Value answer = book().Call(calls[i].first, calls[i].second, Place::Cell(sheet, n % 7, static_cast<int>(i)));
     if (!(answer == expected[i])) ++wrong;
     ++made;
   }

@@ -30,6 +30,10 @@ __attribute__((noinline)) void* operator new(std::size_t size) {
   if (void* memory = std::malloc(size > 0 ? size : 1)) return memory;
   throw std::bad_alloc();
 }
+__attribute__((noinline)) void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  ++allocations;
+  return std::malloc(size > 0 ? size : 1);
+}
 __attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
 __attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
