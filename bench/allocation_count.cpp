@@ -15,13 +15,7 @@ void* operator new(std::size_t size) {
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
-std::uint64_t norvane::bench::allocations() noexcept {
-  return count.load(std::memory_order_relaxed);
-}
+std::uint64_t norvane::bench::allocations() noexcept { return count.load(std::memory_order_relaxed); }

@@ -34,8 +34,7 @@ class BenchCall {
     auto* args = context.arena().AllocateArray<FUNCTION_ARG>(given_.size());
     for (std::size_t i = 0; i < given_.size(); ++i) args[i] = given_[i];
     std::uint32_t flags = 0;
-    const std::uint32_t status =
-        context.Execute(*spec_, args, given_.size(), output, flags, thread.slot(*spec_));
+    const std::uint32_t status = context.Execute(*spec_, args, given_.size(), output, flags, thread.slot(*spec_));
     benchmark::DoNotOptimize(output);
     return status;
   }

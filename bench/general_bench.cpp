@@ -20,9 +20,7 @@ std::vector<FUNCTION_ARG> cells(std::size_t count) {
   return values;
 }
 
-void per_cell(benchmark::State& state, std::int64_t count) {
-  state.SetItemsProcessed(state.iterations() * count);
-}
+void per_cell(benchmark::State& state, std::int64_t count) { state.SetItemsProcessed(state.iterations() * count); }
 
 void ReadCells(benchmark::State& state) {
   const std::vector<FUNCTION_ARG> values = cells(crc_cells);

@@ -57,23 +57,13 @@ void register_group(Function_CLibrary& library, GroupId group) {
 
 }  // namespace
 
-std::span<const Line> lines() noexcept {
-  return table;
-}
+std::span<const Line> lines() noexcept { return table; }
 
-void register_extended(Function_CLibrary& library) {
-  register_group(library, GroupId::Extended);
-}
-void register_math(Function_CLibrary& library) {
-  register_group(library, GroupId::Math);
-}
-void register_gerg_math(Function_CLibrary& library) {
-  register_group(library, GroupId::GergMath);
-}
+void register_extended(Function_CLibrary& library) { register_group(library, GroupId::Extended); }
+void register_math(Function_CLibrary& library) { register_group(library, GroupId::Math); }
+void register_gerg_math(Function_CLibrary& library) { register_group(library, GroupId::GergMath); }
 
-std::span<const Function_CFunctionSpec* const> specifications() {
-  return all().list;
-}
+std::span<const Function_CFunctionSpec* const> specifications() { return all().list; }
 
 const Function_CFunctionSpec* find(std::u16string_view id) {
   const Function_CFunctionSpec* const* found = all().by_id.Find(id);

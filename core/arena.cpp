@@ -11,8 +11,7 @@ Core_CArena::Block* Core_CArena::NewBlock() noexcept {
   return block;
 }
 
-Core_CArena::Core_CArena() noexcept
-    : first_(NewBlock()), current_(first_), block_count_(first_ != nullptr ? 1 : 0) {}
+Core_CArena::Core_CArena() noexcept : first_(NewBlock()), current_(first_), block_count_(first_ != nullptr ? 1 : 0) {}
 
 Core_CArena::~Core_CArena() {
   ResetSlow();

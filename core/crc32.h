@@ -18,8 +18,7 @@ inline constexpr std::array<std::array<std::uint32_t, 256>, 16> crc32_tables = [
     tables[0][i] = value;
   }
   for (std::size_t n = 1; n < tables.size(); ++n)
-    for (std::size_t i = 0; i < 256; ++i)
-      tables[n][i] = tables[0][tables[n - 1][i] & 0xFF] ^ (tables[n - 1][i] >> 8);
+    for (std::size_t i = 0; i < 256; ++i) tables[n][i] = tables[0][tables[n - 1][i] & 0xFF] ^ (tables[n - 1][i] >> 8);
   return tables;
 }();
 inline constexpr const std::array<std::uint32_t, 256>& crc32_table = crc32_tables[0];
@@ -36,9 +35,7 @@ constexpr std::uint32_t crc32_share(std::uint64_t word, std::size_t after) {
 }
 
 // One word, two words: independent look-ups instead of a chain of eight or sixteen.
-constexpr std::uint32_t crc32_word(std::uint32_t state, std::uint64_t word) {
-  return crc32_share(word ^ state, 0);
-}
+constexpr std::uint32_t crc32_word(std::uint32_t state, std::uint64_t word) { return crc32_share(word ^ state, 0); }
 constexpr std::uint32_t crc32_words(std::uint32_t state, std::uint64_t first, std::uint64_t second) {
   return crc32_share(second, 0) ^ crc32_share(first ^ state, 8);
 }

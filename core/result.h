@@ -50,12 +50,9 @@ class Core_CExpected {
   Core_CExpected(CORE_RESULT failure) : content_(std::in_place_index<1>, failure) {}
 
   explicit operator bool() const noexcept { return content_.index() == 0; }
-  CORE_RESULT result() const noexcept {
-    return content_.index() == 0 ? CORE_RESULT_OK : std::get<1>(content_);
-  }
+  CORE_RESULT result() const noexcept { return content_.index() == 0 ? CORE_RESULT_OK : std::get<1>(content_); }
   const Value& value() const {
-    if (content_.index() != 0)
-      throw std::logic_error("attempt to access value() while the expected is invalid");
+    if (content_.index() != 0) throw std::logic_error("attempt to access value() while the expected is invalid");
     return std::get<0>(content_);
   }
 

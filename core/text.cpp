@@ -11,16 +11,10 @@ namespace {
 // tease.
 constexpr std::size_t max_parsed = 4096;
 
-constexpr bool is_blank(char16_t unit) {
-  return unit == u' ' || unit == u'\t';
-}
+constexpr bool is_blank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
 // The C library's conversions skip these in front of a number, beside blank and tab.
-constexpr bool is_space(char16_t unit) {
-  return is_blank(unit) || (unit >= u'\n' && unit <= u'\r');
-}
-constexpr bool is_digit(char c) {
-  return c >= '0' && c <= '9';
-}
+constexpr bool is_space(char16_t unit) { return is_blank(unit) || (unit >= u'\n' && unit <= u'\r'); }
+constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 std::u16string_view trim_blanks(std::u16string_view text) noexcept {
   while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
@@ -62,8 +56,7 @@ double out_of_range_value(const char* first, const char* last, bool hexadecimal)
     ++p;
     const bool negative = p != last && *p == '-';
     if (p != last && (*p == '-' || *p == '+')) ++p;
-    for (; p != last && is_digit(*p); ++p)
-      exponent = exponent < 100000000 ? exponent * 10 + (*p - '0') : exponent;
+    for (; p != last && is_digit(*p); ++p) exponent = exponent < 100000000 ? exponent * 10 + (*p - '0') : exponent;
     if (negative) exponent = -exponent;
   }
   const long magnitude = exponent + scale * (hexadecimal ? 4 : 1);
@@ -75,8 +68,7 @@ double out_of_range_value(const char* first, const char* last, bool hexadecimal)
 int compare_ignoring_case(std::u16string_view a, std::u16string_view b) noexcept {
   const std::size_t n = a.size() < b.size() ? a.size() : b.size();
   for (std::size_t i = 0; i < n; ++i) {
-    const int difference =
-        static_cast<int>(fold_ascii_upper(a[i])) - static_cast<int>(fold_ascii_upper(b[i]));
+    const int difference = static_cast<int>(fold_ascii_upper(a[i])) - static_cast<int>(fold_ascii_upper(b[i]));
     if (difference != 0) return difference;
   }
   return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
@@ -118,8 +110,7 @@ bool parse_integer(std::u16string_view text, std::int32_t& value) noexcept {
   const auto result = std::from_chars(first, last, parsed, 10);
   if (result.ptr != last || result.ec == std::errc::invalid_argument) return false;
   if (result.ec == std::errc::result_out_of_range)
-    parsed = buffer[0] == '-' ? std::numeric_limits<std::int32_t>::min()
-                              : std::numeric_limits<std::int32_t>::max();
+    parsed = buffer[0] == '-' ? std::numeric_limits<std::int32_t>::min() : std::numeric_limits<std::int32_t>::max();
   value = parsed;
   return true;
 }
@@ -154,8 +145,7 @@ std::string to_utf8(std::u16string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t point = text[i];
     if (point >= 0xD800 && point <= 0xDFFF) {
-      const bool paired =
-          point <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
+      const bool paired = point <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
       point = paired ? 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00u) : 0xFFFD;
     }
     if (point < 0x80) {

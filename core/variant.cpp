@@ -23,19 +23,11 @@ struct Core_CSharedArray {
   Core_CVariant* elements = nullptr;
 };
 
-Core_CVariant::Core_CVariant(bool value) noexcept {
-  SetBool(value);
-}
-Core_CVariant::Core_CVariant(double value) noexcept {
-  SetDouble(value);
-}
-Core_CVariant::Core_CVariant(std::int32_t value) noexcept {
-  SetInt32(value);
-}
+Core_CVariant::Core_CVariant(bool value) noexcept { SetBool(value); }
+Core_CVariant::Core_CVariant(double value) noexcept { SetDouble(value); }
+Core_CVariant::Core_CVariant(std::int32_t value) noexcept { SetInt32(value); }
 
-Core_CVariant::Core_CVariant(const Core_CVariant& other) {
-  CopyFrom(other);
-}
+Core_CVariant::Core_CVariant(const Core_CVariant& other) { CopyFrom(other); }
 
 Core_CVariant::Core_CVariant(Core_CVariant&& other) noexcept
     : tag_(other.tag_), length_(other.length_), payload_(other.payload_) {
@@ -125,8 +117,7 @@ CORE_RESULT Core_CVariant::SetText(std::u16string_view text, bool copy) noexcept
     Release();
     tag_ = BORROWED_STRING;
     payload_.borrowed = text.data();
-    length_ =
-        static_cast<std::uint32_t>(text.size() < max_borrowed_length ? text.size() : max_borrowed_length);
+    length_ = static_cast<std::uint32_t>(text.size() < max_borrowed_length ? text.size() : max_borrowed_length);
     return CORE_RESULT_OK;
   }
   if (text.size() > std::numeric_limits<std::uint32_t>::max() - 1) return CORE_RESULT_NO_MEMORY;
@@ -174,9 +165,7 @@ std::u16string_view Core_CVariant::AsText() const noexcept {
   return {tag_ == STRING ? payload_.owned : payload_.borrowed, length_};
 }
 
-Core_CVariant* Core_CVariant::Elements() const noexcept {
-  return payload_.array->elements;
-}
+Core_CVariant* Core_CVariant::Elements() const noexcept { return payload_.array->elements; }
 
 std::uint32_t Core_CVariant::Count() const noexcept {
   return tag_ == ARRAY ? payload_.array->size : payload_.buffer->size;
@@ -206,8 +195,7 @@ CORE_RESULT Core_CVariant::ToDouble(double& value) const noexcept {
     case DOUBLE:
     case DATETIME: value = payload_.f64; return CORE_RESULT_OK;
     case STRING:
-    case BORROWED_STRING:
-      return parse_number(AsText(), value) ? CORE_RESULT_OK : CORE_RESULT_CONVERSION_ERROR;
+    case BORROWED_STRING: return parse_number(AsText(), value) ? CORE_RESULT_OK : CORE_RESULT_CONVERSION_ERROR;
     case ERROR_CODE: value = payload_.u32; return CORE_RESULT_OK;
     default: return CORE_RESULT_CONVERSION_ERROR;
   }
@@ -217,8 +205,7 @@ CORE_RESULT Core_CVariant::ToInt32(std::int32_t& value) const noexcept {
   constexpr auto low = std::numeric_limits<std::int32_t>::min();
   constexpr auto high = std::numeric_limits<std::int32_t>::max();
   const auto from_double = [&value](double number) {
-    if (!(number >= low && number <= high) || number != std::trunc(number))
-      return CORE_RESULT_CONVERSION_ERROR;
+    if (!(number >= low && number <= high) || number != std::trunc(number)) return CORE_RESULT_CONVERSION_ERROR;
     value = static_cast<std::int32_t>(number);
     return CORE_RESULT_OK;
   };
@@ -246,8 +233,7 @@ CORE_RESULT Core_CVariant::ToInt32(std::int32_t& value) const noexcept {
     case DOUBLE:
     case DATETIME: return from_double(payload_.f64);
     case STRING:
-    case BORROWED_STRING:
-      return parse_integer(AsText(), value) ? CORE_RESULT_OK : CORE_RESULT_CONVERSION_ERROR;
+    case BORROWED_STRING: return parse_integer(AsText(), value) ? CORE_RESULT_OK : CORE_RESULT_CONVERSION_ERROR;
     case ERROR_CODE: value = static_cast<std::int32_t>(payload_.u32); return CORE_RESULT_OK;
     default: return CORE_RESULT_CONVERSION_ERROR;
   }
@@ -281,8 +267,7 @@ bool operator==(const Core_CVariant& a, const Core_CVariant& b) noexcept {
     return v.tag() == Core_CVariant::STRING || v.tag() == Core_CVariant::BORROWED_STRING;
   };
   const auto is_number = [](const Core_CVariant& v) {
-    return v.tag() >= Core_CVariant::BOOL &&
-           (v.tag() <= Core_CVariant::DOUBLE || v.tag() == Core_CVariant::DATETIME);
+    return v.tag() >= Core_CVariant::BOOL && (v.tag() <= Core_CVariant::DOUBLE || v.tag() == Core_CVariant::DATETIME);
   };
   if (is_text(a) || is_text(b)) return is_text(a) && is_text(b) && a.AsText() == b.AsText();
   if (is_number(a) && is_number(b)) {

@@ -73,18 +73,13 @@ bool is_dotted_address(std::u16string_view text) noexcept {
   }
 }
 
-constexpr bool is_digit(char16_t unit) {
-  return unit >= u'0' && unit <= u'9';
-}
-constexpr bool is_letter(char16_t unit) {
-  return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z');
-}
+constexpr bool is_digit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+constexpr bool is_letter(char16_t unit) { return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z'); }
 
 // The first rule that a name breaks, or no text.
 std::u16string_view broken_name_rule(std::u16string_view name) noexcept {
   if (name.empty()) return u"cannot be empty";
-  if (is_digit(name[0]))
-    return u"is invalid, the name cannot be a number or begin with a decimal (0-9) character";
+  if (is_digit(name[0])) return u"is invalid, the name cannot be a number or begin with a decimal (0-9) character";
   for (char16_t unit : name) {
     // Lower-case letters are accepted although the message does not list them; this is intended.
     if (!is_letter(unit) && !is_digit(unit) && unit != u'_' && unit != u'.')
@@ -99,8 +94,7 @@ std::u16string_view broken_name_rule(std::u16string_view name) noexcept {
 
 }  // namespace
 
-Function_CContext::Function_CContext(const Function_CLibrary& library,
-                                     const Unit_CTypeAndUnitContainer& units)
+Function_CContext::Function_CContext(const Function_CLibrary& library, const Unit_CTypeAndUnitContainer& units)
     : library_(&library), units_(&units) {
   data_manager_.AddFactory(Function_CMutexFactory::Process());
 }
@@ -115,11 +109,9 @@ Function_CContext::~Function_CContext() {
   }
 }
 
-// ---- Conversions
-// -----------------------------------------------------------------------------------------------
+// ---- Conversions --------------------------------------------------------------------------------------------------
 
-bool Function_CContext::ConvertArgument(FUNCTION_ARG& out, const FUNCTION_ARG& in,
-                                        std::uint32_t kind) noexcept {
+bool Function_CContext::ConvertArgument(FUNCTION_ARG& out, const FUNCTION_ARG& in, std::uint32_t kind) noexcept {
   if (&out == &in) {
     const FUNCTION_ARG copy = in;
     return ConvertArgument(out, copy, kind);
@@ -221,8 +213,7 @@ bool Function_CContext::ConvertToString(FUNCTION_ARG& out, const FUNCTION_ARG& i
     case ARG_INTEGER: {
       char16_t digits[max_number_text + 1];
       const bool whole = in.kind == ARG_INTEGER;
-      const std::size_t length =
-          whole ? format_integer(in.integer, digits) : format_number(in.number, digits);
+      const std::size_t length = whole ? format_integer(in.integer, digits) : format_number(in.number, digits);
       const std::size_t room = whole ? integer_buffer : number_buffer;
       char16_t* text = length < room ? arena_.AllocateArray<char16_t>(room) : nullptr;
       if (text == nullptr) return FailConversion(ERROR_VALUE);
@@ -293,8 +284,7 @@ bool Function_CContext::ToVariant(Core_CVariant& out, const FUNCTION_ARG& value)
   }
 }
 
-// ---- Readers and writers
-// ---------------------------------------------------------------------------------------
+// ---- Readers and writers ------------------------------------------------------------------------------------------
 
 bool Function_CContext::GetString(const FUNCTION_ARG& in, std::u16string_view& text) noexcept {
   if (in.kind == ARG_STRING) {
@@ -309,8 +299,7 @@ bool Function_CContext::GetString(const FUNCTION_ARG& in, std::u16string_view& t
   return true;
 }
 
-bool Function_CContext::GetText(const FUNCTION_ARG& in, std::u16string_view& text,
-                                bool allow_empty) noexcept {
+bool Function_CContext::GetText(const FUNCTION_ARG& in, std::u16string_view& text, bool allow_empty) noexcept {
   return GetString(in, text) && (allow_empty || !text.empty());
 }
 
@@ -340,8 +329,7 @@ bool Function_CContext::ReadInteger(const FUNCTION_ARG* arg, std::int32_t& value
   return true;
 }
 
-bool Function_CContext::ReadInteger(const FUNCTION_ARG* arg, std::int32_t& value,
-                                    std::int32_t fallback) noexcept {
+bool Function_CContext::ReadInteger(const FUNCTION_ARG* arg, std::int32_t& value, std::int32_t fallback) noexcept {
   if (!is_absent(arg)) return ReadInteger(arg, value);
   value = fallback;
   return true;
@@ -390,8 +378,7 @@ bool Function_CContext::ReadArray(const FUNCTION_ARG* arg, FUNCTION_ARG::Array& 
   if (!ConvertArgument(converted, *arg, ARG_ARRAY)) return false;
   array = converted.array;
   // A count without elements is a caller's mistake: nothing is read through it.
-  if (array.elements == nullptr && std::uint64_t{array.columns} * array.rows != 0)
-    return FailConversion(ERROR_VALUE);
+  if (array.elements == nullptr && std::uint64_t{array.columns} * array.rows != 0) return FailConversion(ERROR_VALUE);
   return true;
 }
 
@@ -414,8 +401,8 @@ bool Function_CContext::ReadIdentifier(const FUNCTION_ARG* arg, std::uint32_t& c
   if (arg->kind > ARG_EMPTY) {
     // A host's own kind (a reference of cells): the first of its values decides.
     FUNCTION_ARG::Array cells;
-    if (ReadArray(arg, cells) && std::uint64_t{cells.columns} * cells.rows != 0 && cells.elements->kind <= ARG_EMPTY &&
-        cells.elements->kind != ARG_ARRAY)
+    if (ReadArray(arg, cells) && std::uint64_t{cells.columns} * cells.rows != 0 &&
+        cells.elements->kind <= ARG_EMPTY && cells.elements->kind != ARG_ARRAY)
       return ReadIdentifier(cells.elements, code);
   }
   std::u16string_view text;
@@ -446,11 +433,10 @@ bool Function_CContext::SetArray(FUNCTION_ARG& output, std::uint32_t columns, st
   return true;
 }
 
-// ---- The call
-// --------------------------------------------------------------------------------------------------
+// ---- The call -----------------------------------------------------------------------------------------------------
 
-std::uint32_t Function_CContext::Execute(const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
-                                         std::size_t count, FUNCTION_ARG& output, std::uint32_t& flags,
+std::uint32_t Function_CContext::Execute(const Function_CFunctionSpec& spec, FUNCTION_ARG* args, std::size_t count,
+                                         FUNCTION_ARG& output, std::uint32_t& flags,
                                          std::uint64_t* data_slot) noexcept {
   specification_ = &spec;
   arguments_ = args;
@@ -633,9 +619,8 @@ void Function_CContext::CheckRange(std::size_t index, const Function_CInput& inp
   }
 }
 
-void Function_CContext::CompleteOutputs(std::uint32_t& status, const Function_CFunctionSpec& spec,
-                                        FUNCTION_ARG*, std::size_t, FUNCTION_ARG& output,
-                                        std::uint32_t& flags) noexcept {
+void Function_CContext::CompleteOutputs(std::uint32_t& status, const Function_CFunctionSpec& spec, FUNCTION_ARG*,
+                                        std::size_t, FUNCTION_ARG& output, std::uint32_t& flags) noexcept {
   if (status == ERROR_OK && output.kind == ARG_NUMBER && !std::isfinite(output.number)) {
     status = ERROR_NUM;
     flags |= FLAG_OUTPUT_NOT_FINITE;
@@ -655,8 +640,7 @@ void Function_CContext::CompleteOutputs(std::uint32_t& status, const Function_CF
   }
 }
 
-bool Function_CContext::WriteFallbackOutputs(const Function_CFunctionSpec& spec,
-                                             FUNCTION_ARG& output) noexcept {
+bool Function_CContext::WriteFallbackOutputs(const Function_CFunctionSpec& spec, FUNCTION_ARG& output) noexcept {
   const auto fill = [this](FUNCTION_ARG& value, const Core_CVariant& fallback) {
     if (fallback.empty())
       value = FUNCTION_ARG::Number(0.0);
@@ -670,18 +654,15 @@ bool Function_CContext::WriteFallbackOutputs(const Function_CFunctionSpec& spec,
     return true;
   }
   if (!SetArray(output, 1, static_cast<std::uint32_t>(spec.output_count))) return false;
-  for (std::size_t i = 0; i < spec.output_count; ++i)
-    fill(output.array.elements[i], spec.outputs[i].fallback);
+  for (std::size_t i = 0; i < spec.output_count; ++i) fill(output.array.elements[i], spec.outputs[i].fallback);
   return true;
 }
 
-// ---- Messages and hooks
-// ----------------------------------------------------------------------------------------
+// ---- Messages and hooks -------------------------------------------------------------------------------------------
 
 void Function_CContext::ReportMessage(std::uint32_t, std::u16string_view) noexcept {}
 
-void Function_CContext::ReportArgument(std::uint32_t level, std::size_t index,
-                                       std::u16string_view message) noexcept {
+void Function_CContext::ReportArgument(std::uint32_t level, std::size_t index, std::u16string_view message) noexcept {
   if (!messages_enabled_) return;
   // Reading the value for the message must not disturb the code of the failure that is being reported.
   const std::uint32_t kept = conversion_error_;

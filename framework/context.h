@@ -33,9 +33,8 @@ enum MESSAGE_LEVEL : std::uint32_t { MESSAGE_ERROR = 0, MESSAGE_WARNING = 1 };
 class Function_CContext {
  public:
   // Runs before the implementation, or after the output step; a non-zero result ends the row of hooks.
-  using Hook = std::uint32_t (*)(Function_CContext& context, const Function_CFunctionSpec& spec,
-                                 FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output,
-                                 std::uint32_t& flags, void* parameter);
+  using Hook = std::uint32_t (*)(Function_CContext& context, const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
+                                 std::size_t count, FUNCTION_ARG& output, std::uint32_t& flags, void* parameter);
 
   Function_CContext(const Function_CLibrary& library, const Unit_CTypeAndUnitContainer& units);
   virtual ~Function_CContext();  // slot 0
@@ -56,9 +55,8 @@ class Function_CContext {
   // Slot 7. As slot 6; an empty text fails unless allowed.
   virtual bool GetText(const FUNCTION_ARG& in, std::u16string_view& text, bool allow_empty) noexcept;
   // Slots 8 and 9: the steps before and after the implementation.
-  virtual void ValidateArguments(std::uint32_t& status, const Function_CFunctionSpec& spec,
-                                 FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output,
-                                 std::uint32_t& flags) noexcept;
+  virtual void ValidateArguments(std::uint32_t& status, const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
+                                 std::size_t count, FUNCTION_ARG& output, std::uint32_t& flags) noexcept;
   virtual void CompleteOutputs(std::uint32_t& status, const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
                                std::size_t count, FUNCTION_ARG& output, std::uint32_t& flags) noexcept;
   // Slot 10. Level 0 is an error, 1 a warning.
@@ -75,8 +73,7 @@ class Function_CContext {
 
   // Runs a function. Returns a worksheet error code, 0 for success; flags receives the status flags word.
   std::uint32_t Execute(const Function_CFunctionSpec& spec, FUNCTION_ARG* args, std::size_t count,
-                        FUNCTION_ARG& output, std::uint32_t& flags,
-                        std::uint64_t* data_slot = nullptr) noexcept;
+                        FUNCTION_ARG& output, std::uint32_t& flags, std::uint64_t* data_slot = nullptr) noexcept;
 
   // Memory of the call; null when refused.
   void* Allocate(std::size_t size) noexcept { return arena_.Allocate(size); }
@@ -168,8 +165,8 @@ class Function_CContext {
   void SubstituteDefaults(const Function_CFunctionSpec& spec, FUNCTION_ARG* args, std::size_t n) noexcept;
   void CheckName(const Function_CFunctionSpec& spec, const FUNCTION_ARG* args, std::size_t count) noexcept;
   void CheckTypes(const Function_CFunctionSpec& spec, const FUNCTION_ARG* args, std::size_t n) noexcept;
-  void CheckRange(std::size_t index, const Function_CInput& input, const FUNCTION_ARG& arg,
-                  std::uint32_t& status, std::uint32_t& flags) noexcept;
+  void CheckRange(std::size_t index, const Function_CInput& input, const FUNCTION_ARG& arg, std::uint32_t& status,
+                  std::uint32_t& flags) noexcept;
   void ReportArgument(std::uint32_t level, std::size_t index, std::u16string_view message) noexcept;
   static bool AddHook(HookNode*& list, Hook routine, void* parameter) noexcept;
 

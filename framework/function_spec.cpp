@@ -61,12 +61,11 @@ const Function_CGroup& Function_CGroup::Of(GroupId id) noexcept {
   }
 }
 
-Function_CFunctionSpec::Function_CFunctionSpec(const Function_CGroup& group_,
-                                               Function_Implementation implementation_,
+Function_CFunctionSpec::Function_CFunctionSpec(const Function_CGroup& group_, Function_Implementation implementation_,
                                                std::u16string_view id_, std::u16string_view display_name_,
-                                               std::u16string_view description_,
-                                               std::u16string_view category_, std::uint32_t flags_,
-                                               std::size_t input_count_, std::size_t output_count_)
+                                               std::u16string_view description_, std::u16string_view category_,
+                                               std::uint32_t flags_, std::size_t input_count_,
+                                               std::size_t output_count_)
     : group(&group_),
       implementation(implementation_),
       second_implementation(implementation_),
@@ -84,9 +83,9 @@ Function_CFunctionSpec::Function_CFunctionSpec(const Function_CGroup& group_,
       outputs(std::make_unique<Function_COutput[]>(output_count_)) {}
 
 Function_CFunctionSpec::Function_CFunctionSpec(const record::Function& record)
-    : Function_CFunctionSpec(Function_CGroup::Of(record.group), record.implementation, record.id,
-                             record.display, record.description, record.category, record.flags,
-                             record.inputs.size(), record.outputs.size()) {
+    : Function_CFunctionSpec(Function_CGroup::Of(record.group), record.implementation, record.id, record.display,
+                             record.description, record.category, record.flags, record.inputs.size(),
+                             record.outputs.size()) {
   subcategory = record.subcategory;
   keywords = record.keywords;
   name_input = record.name_input;
@@ -117,8 +116,7 @@ Function_CFunctionSpec::Function_CFunctionSpec(const record::Function& record)
     to.tag_name = from.tag;
     to.tag_text = from.tag_text;
     Function_CStatusValue* values = AllocateStatusValues(i, from.values.size());
-    for (const record::StatusValue& value : from.values)
-      *values++ = {value.id, value.description, value.value, 1};
+    for (const record::StatusValue& value : from.values) *values++ = {value.id, value.description, value.value, 1};
   }
 }
 
@@ -129,17 +127,14 @@ Function_CStatusValue* Function_CFunctionSpec::AllocateStatusValues(std::size_t 
   return record.status_values.get();
 }
 
-void Function_CLibrary::Register(const Function_CFunctionSpec& spec) {
-  map_.Insert(spec.worksheet_name(), &spec);
-}
+void Function_CLibrary::Register(const Function_CFunctionSpec& spec) { map_.Insert(spec.worksheet_name(), &spec); }
 
 const Function_CFunctionSpec* Function_CLibrary::Find(std::u16string_view worksheet_name) const noexcept {
   const Function_CFunctionSpec* const* found = map_.Find(worksheet_name);
   return found != nullptr ? *found : nullptr;
 }
 
-const Function_CFunctionSpec* Function_CLibrary::FindVisible(
-    std::u16string_view worksheet_name) const noexcept {
+const Function_CFunctionSpec* Function_CLibrary::FindVisible(std::u16string_view worksheet_name) const noexcept {
   const Function_CFunctionSpec* found = Find(worksheet_name);
   return found != nullptr && found->visible() ? found : nullptr;
 }

@@ -74,23 +74,21 @@ struct Function_COutput {
   std::size_t status_value_count = 0;
   std::unique_ptr<Function_CStatusValue[]> status_values;
 
-  std::span<const Function_CStatusValue> values() const noexcept {
-    return {status_values.get(), status_value_count};
-  }
+  std::span<const Function_CStatusValue> values() const noexcept { return {status_values.get(), status_value_count}; }
 };
 
 class Function_CFunctionSpec;
 
 // Fills the status outputs when no result could be produced.
-using Function_StatusFiller = std::uint32_t (*)(Function_CContext& context,
-                                                const Function_CFunctionSpec& spec, FUNCTION_ARG& output);
+using Function_StatusFiller = std::uint32_t (*)(Function_CContext& context, const Function_CFunctionSpec& spec,
+                                                FUNCTION_ARG& output);
 
 class Function_CFunctionSpec {
  public:
-  Function_CFunctionSpec(const Function_CGroup& group, Function_Implementation implementation,
-                         std::u16string_view id, std::u16string_view display_name,
-                         std::u16string_view description, std::u16string_view category, std::uint32_t flags,
-                         std::size_t input_count, std::size_t output_count);
+  Function_CFunctionSpec(const Function_CGroup& group, Function_Implementation implementation, std::u16string_view id,
+                         std::u16string_view display_name, std::u16string_view description,
+                         std::u16string_view category, std::uint32_t flags, std::size_t input_count,
+                         std::size_t output_count);
   explicit Function_CFunctionSpec(const record::Function& record);
 
   // Allocates the status-value records of one output in their initial state.

@@ -25,8 +25,8 @@ class Function_CContext;
 
 // An implementation reads its arguments and writes its output through the context; it returns a worksheet
 // error code, 0 for success, and never throws.
-using Function_Implementation = std::uint32_t (*)(Function_CContext& context, FUNCTION_ARG* args,
-                                                  std::size_t count, FUNCTION_ARG& output);
+using Function_Implementation = std::uint32_t (*)(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
+                                                  FUNCTION_ARG& output);
 
 // Behaviour flags of a function.
 enum FUNCTION_FLAGS : std::uint32_t {
@@ -88,9 +88,7 @@ struct Input {
     return copy;
   }
   // A literal would rather become a boolean than a view.
-  constexpr Input otherwise(const char16_t* value) const {
-    return otherwise(std::u16string_view(value));
-  }
+  constexpr Input otherwise(const char16_t* value) const { return otherwise(std::u16string_view(value)); }
   constexpr Input at_least(double low) const {
     Input copy = *this;
     copy.minimum = low;

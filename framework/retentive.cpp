@@ -59,8 +59,8 @@ struct Function_CMutexFactory::State {
 Function_CMutexFactory::Function_CMutexFactory() : state_(std::make_unique<State>()) {}
 Function_CMutexFactory::~Function_CMutexFactory() = default;
 
-std::shared_ptr<Function_CSynchronization> Function_CMutexFactory::Create(
-    const Function_CRegisteredType& type, std::u16string_view key) noexcept {
+std::shared_ptr<Function_CSynchronization> Function_CMutexFactory::Create(const Function_CRegisteredType& type,
+                                                                          std::u16string_view key) noexcept {
   try {
     std::u16string full(type.name());
     full.append(1, u'\0').append(key);
@@ -79,12 +79,9 @@ Function_CMutexFactory& Function_CMutexFactory::Process() {
   return factory;
 }
 
-Function_CSynchronizedData::~Function_CSynchronizedData() {
-  std::free(buffer_);
-}
+Function_CSynchronizedData::~Function_CSynchronizedData() { std::free(buffer_); }
 
-std::uint32_t Function_CSynchronizedData::GetBuffer(void*& bytes, std::size_t& size,
-                                                    std::size_t requested) noexcept {
+std::uint32_t Function_CSynchronizedData::GetBuffer(void*& bytes, std::size_t& size, std::size_t requested) noexcept {
   std::uint32_t result = 0;
   if (buffer_ == nullptr) {
     if (requested != 0) buffer_ = static_cast<unsigned char*>(std::calloc(requested, 1));
@@ -232,8 +229,7 @@ bool Function_CDataAccessor::Open(Function_CContext& context, const Function_CRe
     key.Append(u"!");
     key.Append(name);
   }
-  data_ =
-      manager.Open(type, key.view(), name, caller != nullptr ? caller->range_text : std::u16string_view{});
+  data_ = manager.Open(type, key.view(), name, caller != nullptr ? caller->range_text : std::u16string_view{});
   if (data_ != nullptr && slot != nullptr) *slot = data_->handle;
   return data_ != nullptr;
 }

@@ -36,8 +36,7 @@ class Function_CRegisteredType {
 template <class Data, bool Synchronised = false>
 class Function_CTypeOf final : public Function_CRegisteredType {
  public:
-  explicit constexpr Function_CTypeOf(std::u16string_view name)
-      : Function_CRegisteredType(name, Synchronised) {}
+  explicit constexpr Function_CTypeOf(std::u16string_view name) : Function_CRegisteredType(name, Synchronised) {}
   std::unique_ptr<Function_CData> Create() const noexcept override {
     try {
       return std::make_unique<Data>();
@@ -129,8 +128,8 @@ class Function_CDataManager {
 
   // The object under the key, made when there is none; null when another type holds the key and may not be
   // replaced, or when memory is refused.
-  Function_CData* Open(const Function_CRegisteredType& type, std::u16string_view key,
-                       std::u16string_view name, std::u16string_view caller) noexcept;
+  Function_CData* Open(const Function_CRegisteredType& type, std::u16string_view key, std::u16string_view name,
+                       std::u16string_view caller) noexcept;
   // The living object of a handle, or null for a handle of the past.
   Function_CData* OfHandle(std::uint64_t handle) const noexcept;
 

@@ -31,8 +31,6 @@ void com_idl(std::ostream& out, Specs specs);
 void com_methods(std::ostream& out, Specs specs);
 void com_interface(std::ostream& out, Specs specs);
 
-inline std::string narrow(std::u16string_view text) {
-  return to_utf8(text);
-}
+inline std::string narrow(std::u16string_view text) { return to_utf8(text); }
 
 }  // namespace norvane::generate

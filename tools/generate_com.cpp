@@ -40,8 +40,7 @@ std::string parameters(const Signature& signature, bool idl) {
   const std::string in = idl ? "[in] " : "";
   const std::string out = idl ? "[out] " : "";
   std::string list;
-  for (const Parameter& input : signature.inputs)
-    list += parameter(in + input_type(input.passing, idl) + input.name);
+  for (const Parameter& input : signature.inputs) list += parameter(in + input_type(input.passing, idl) + input.name);
   for (const Parameter& output : signature.outputs)
     list += parameter(out + output_type(output.passing) + output.name);
   const std::string status = parameter(std::string(idl ? "[out, retval] " : "") + "unsigned long* status");
@@ -59,9 +58,7 @@ std::string help(std::u16string_view text) {
 
 // A place in the interface whose function this build does not have: its slot is kept, so that no later method
 // moves.
-std::string kept_name(std::size_t id) {
-  return "Reserved" + std::to_string(id);
-}
+std::string kept_name(std::size_t id) { return "Reserved" + std::to_string(id); }
 
 }  // namespace
 
@@ -69,8 +66,7 @@ void com_idl(std::ostream& out, Specs) {
   out << "// Written by norvane_generate.\nimport \"oaidl.idl\";\n\n"
       << "[uuid(" NORVANE_LIBID "), version(1.0), helpstring(\"Norvane\")]\nlibrary Norvane {\n"
       << "  importlib(\"stdole2.tlb\");\n\n"
-      << "  [object, uuid(" NORVANE_IID_IFUNCTIONS
-         "), dual, oleautomation, nonextensible, pointer_default(unique),\n"
+      << "  [object, uuid(" NORVANE_IID_IFUNCTIONS "), dual, oleautomation, nonextensible, pointer_default(unique),\n"
       << "   helpstring(\"IFunctions Interface\")]\n  interface IFunctions : IDispatch {\n";
   for (std::uint32_t id = 1; id <= host::interface_order().size(); ++id) {
     const Signature* signature = host::find_signature(id);

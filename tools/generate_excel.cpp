@@ -13,8 +13,7 @@ struct Dialect {
 constexpr Dialect dialects[] = {{"12", excel::variable_arguments12}, {"4", excel::variable_arguments4}};
 
 std::size_t argument_count(const Function_CFunctionSpec& spec, const Dialect& dialect) {
-  return spec.has(FUNCTION_VARIABLE_INPUTS) && spec.input_count > 0 ? dialect.variable_arguments
-                                                                    : spec.input_count;
+  return spec.has(FUNCTION_VARIABLE_INPUTS) && spec.input_count > 0 ? dialect.variable_arguments : spec.input_count;
 }
 
 std::string wrapper_name(const Function_CFunctionSpec& spec, const Dialect& dialect) {

@@ -8,9 +8,7 @@ using host::Parameter;
 using host::Passing;
 using host::Signature;
 
-std::string export_name(const Signature& signature) {
-  return "Norvane_" + narrow(signature.spec->id);
-}
+std::string export_name(const Signature& signature) { return "Norvane_" + narrow(signature.spec->id); }
 
 std::vector<std::string> parameters(const Signature& signature) {
   const std::string gap(1, unbroken);
@@ -184,16 +182,14 @@ void exports_source(std::ostream& out, Specs) {
         case Passing::number: in += "NORVANE_NUMBER(" + input.name + ")"; break;
         case Passing::option: in += "NORVANE_OPTION(" + input.name + ")"; break;
         case Passing::text: in += "NORVANE_TEXT(" + input.name + ")"; break;
-        case Passing::range:
-          in += "NORVANE_RANGE(" + input.name + "," + unbroken + input.name + "_count)";
-          break;
+        case Passing::range: in += "NORVANE_RANGE(" + input.name + "," + unbroken + input.name + "_count)"; break;
       }
     }
     std::string targets;
     for (const Parameter& output : signature->outputs) targets += (targets.empty() ? "" : ", ") + output.name;
     out << wrapped(in + "};", "  const norvane_value in[] = {", "      ")
-        << wrapped(targets + "};", "  void* const out[] = {", "      ") << "  return NORVANE_RUN("
-        << signature->id << ", in, out);\n}\n";
+        << wrapped(targets + "};", "  void* const out[] = {", "      ") << "  return NORVANE_RUN(" << signature->id
+        << ", in, out);\n}\n";
   }
 }
 
@@ -202,8 +198,8 @@ void exports_json(std::ostream& out, Specs) {
   const char* separator = "\n";
   for (const Signature* signature : signatures()) {
     const Function_CFunctionSpec& spec = *signature->spec;
-    out << separator << "{\"function\": \"" << narrow(spec.id) << "\", \"export\": \""
-        << export_name(*signature) << "\", \"dispatch_id\": " << signature->id << ", \"inputs\": [";
+    out << separator << "{\"function\": \"" << narrow(spec.id) << "\", \"export\": \"" << export_name(*signature)
+        << "\", \"dispatch_id\": " << signature->id << ", \"inputs\": [";
     const char* comma = "";
     for (const Parameter& parameter : signature->inputs) {
       out << comma;

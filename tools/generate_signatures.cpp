@@ -10,9 +10,7 @@ namespace {
 
 using host::Passing;
 
-std::string number(double value) {
-  return narrow(format_number(value));
-}
+std::string number(double value) { return narrow(format_number(value)); }
 
 void add(std::string& text, const std::string& part) {
   if (part.empty()) return;
@@ -89,8 +87,7 @@ std::string ascii(std::u16string_view text) {
       result += ' ';
     } else if (unit >= 0x20 && unit < 0x7F) {
       // A slash behind an asterisk would end the comment, the reverse would start one inside it.
-      if (!result.empty() &&
-          ((unit == u'/' && result.back() == '*') || (unit == u'*' && result.back() == '/')))
+      if (!result.empty() && ((unit == u'/' && result.back() == '*') || (unit == u'*' && result.back() == '/')))
         result += ' ';
       result += static_cast<char>(unit);
     } else {

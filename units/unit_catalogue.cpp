@@ -48,9 +48,7 @@ static_assert(count_of(CodeKind::quantity) == 51);
 static_assert(count_of(CodeKind::unit) == 398);
 static_assert(count_of(CodeKind::enumeration) == 48);
 
-constexpr bool is_type(CodeKind kind) {
-  return kind == CodeKind::quantity || kind == CodeKind::enumeration;
-}
+constexpr bool is_type(CodeKind kind) { return kind == CodeKind::quantity || kind == CodeKind::enumeration; }
 
 // Members follow their own type, in ascending order from 1; types ascend as well.
 consteval bool numbers_ascend() {
@@ -64,8 +62,7 @@ consteval bool numbers_ascend() {
     } else {
       const CodeKind owner = row.kind == CodeKind::unit ? CodeKind::quantity : CodeKind::enumeration;
       if (type == nullptr || type->code() != make_code(owner, row.type)) return false;
-      if (row.member <= last_member || row.member > 0xFF || (last_member == 0 && row.member != 1))
-        return false;
+      if (row.member <= last_member || row.member > 0xFF || (last_member == 0 && row.member != 1)) return false;
       last_member = row.member;
     }
   }
@@ -182,9 +179,7 @@ class CodeIndex {
     std::uint32_t code, position, next;
   };
   // Kinds and types differ in few, distant bits: multiplying brings them all into the upper ones.
-  std::size_t Bucket(std::uint32_t code) const noexcept {
-    return (code * 0x9E3779B1u >> 12) & (buckets_.size() - 1);
-  }
+  std::size_t Bucket(std::uint32_t code) const noexcept { return (code * 0x9E3779B1u >> 12) & (buckets_.size() - 1); }
   void Link(std::uint32_t i) noexcept {
     std::uint32_t& bucket = buckets_[Bucket(nodes_[i].code)];
     nodes_[i].next = bucket;
@@ -200,9 +195,7 @@ struct System {
   CodeIndex map;  // code to code of this system
 };
 
-constexpr bool is_kind(std::uint32_t code, CodeKind kind) {
-  return kind_of_code(code) == kind;
-}
+constexpr bool is_kind(std::uint32_t code, CodeKind kind) { return kind_of_code(code) == kind; }
 
 }  // namespace
 
@@ -242,12 +235,9 @@ const Unit_CTypeAndUnitContainer& Unit_CTypeAndUnitContainer::Instance() {
   return catalogue;
 }
 
-const Unit_CEntry* Unit_CTypeAndUnitContainer::Find(std::uint32_t code) const noexcept {
-  return tables_->Find(code);
-}
+const Unit_CEntry* Unit_CTypeAndUnitContainer::Find(std::uint32_t code) const noexcept { return tables_->Find(code); }
 
-std::uint32_t Unit_CTypeAndUnitContainer::TextOfCode(std::uint32_t code,
-                                                     std::u16string_view& text) const noexcept {
+std::uint32_t Unit_CTypeAndUnitContainer::TextOfCode(std::uint32_t code, std::u16string_view& text) const noexcept {
   if (is_kind(code, CodeKind::data_type)) {
     if (code >= std::size(data_type_names)) return UNIT_WRONG_KIND;
     text = data_type_names[code];
@@ -259,14 +249,12 @@ std::uint32_t Unit_CTypeAndUnitContainer::TextOfCode(std::uint32_t code,
   return UNIT_OK;
 }
 
-std::uint32_t Unit_CTypeAndUnitContainer::UnitDetails(std::uint32_t code,
-                                                      const Unit_CEntry*& entry) const noexcept {
+std::uint32_t Unit_CTypeAndUnitContainer::UnitDetails(std::uint32_t code, const Unit_CEntry*& entry) const noexcept {
   if (!is_kind(code, CodeKind::unit)) return UNIT_WRONG_KIND;
   return Details(code, entry);
 }
 
-std::uint32_t Unit_CTypeAndUnitContainer::TypeDetails(std::uint32_t code,
-                                                      const Unit_CEntry*& entry) const noexcept {
+std::uint32_t Unit_CTypeAndUnitContainer::TypeDetails(std::uint32_t code, const Unit_CEntry*& entry) const noexcept {
   if (!is_type(kind_of_code(code))) return UNIT_WRONG_KIND;
   return Details(code, entry);
 }
@@ -277,8 +265,7 @@ std::uint32_t Unit_CTypeAndUnitContainer::EnumerationValueDetails(std::uint32_t 
   return Details(code, entry);
 }
 
-std::uint32_t Unit_CTypeAndUnitContainer::Details(std::uint32_t code,
-                                                  const Unit_CEntry*& entry) const noexcept {
+std::uint32_t Unit_CTypeAndUnitContainer::Details(std::uint32_t code, const Unit_CEntry*& entry) const noexcept {
   const Unit_CEntry* found = Find(code);
   if (found == nullptr) return UNIT_UNKNOWN_CODE;
   entry = found;
@@ -357,8 +344,7 @@ std::uint32_t Unit_CTypeAndUnitContainer::SystemDetails(std::uint32_t system,
   return UNIT_OK;
 }
 
-std::uint32_t Unit_CTypeAndUnitContainer::UnitInSystem(std::uint32_t system,
-                                                       std::uint32_t code) const noexcept {
+std::uint32_t Unit_CTypeAndUnitContainer::UnitInSystem(std::uint32_t system, std::uint32_t code) const noexcept {
   const System* found = tables_->FindSystem(system);
   if (found == nullptr) return code;
   const std::uint32_t mapped = found->map.Find(code);
@@ -380,8 +366,7 @@ std::uint32_t Unit_CTypeAndUnitContainer::Add(CodeKind kind, std::uint32_t type,
     if (Find(code) != nullptr) return UNIT_ALREADY_EXISTS;
   } else if (kind == CodeKind::unit || kind == CodeKind::enumeration_value) {
     code = make_code(kind, type, member);
-    owner =
-        tables_->Find(make_code(kind == CodeKind::unit ? CodeKind::quantity : CodeKind::enumeration, type));
+    owner = tables_->Find(make_code(kind == CodeKind::unit ? CodeKind::quantity : CodeKind::enumeration, type));
     if (owner == nullptr) return UNIT_UNKNOWN_CODE;
     if (Find(code) != nullptr) return UNIT_MEMBER_EXISTS;
   } else {
@@ -401,8 +386,7 @@ std::uint32_t Unit_CTypeAndUnitContainer::AddRateRelation(std::uint32_t rate_uni
   if (!is_kind(rate_unit, CodeKind::unit) || !is_kind(time_unit, CodeKind::unit) ||
       !is_kind(quantity_unit, CodeKind::unit))
     return UNIT_WRONG_KIND;
-  const Unit_CRateRelation relation{
-      .rate_unit = rate_unit, .time_unit = time_unit, .quantity_unit = quantity_unit};
+  const Unit_CRateRelation relation{.rate_unit = rate_unit, .time_unit = time_unit, .quantity_unit = quantity_unit};
   // One relation for three quantity types: a later one takes the place of an earlier.
   for (Unit_CRateRelation& existing : tables_->rates) {
     if (type_number(existing.rate_unit) != type_number(rate_unit) ||

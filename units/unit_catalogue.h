@@ -67,8 +67,7 @@ class Unit_CTypeAndUnitContainer {
   std::uint32_t TypeDetails(std::uint32_t code, const Unit_CEntry*& entry) const noexcept;
   std::uint32_t EnumerationValueDetails(std::uint32_t code, const Unit_CEntry*& entry) const noexcept;
   // First member of an enumeration type whose number equals value exactly.
-  std::uint32_t EnumerationValueByNumber(std::uint32_t type, double value,
-                                         std::uint32_t& code) const noexcept;
+  std::uint32_t EnumerationValueByNumber(std::uint32_t type, double value, std::uint32_t& code) const noexcept;
   // Key (any case) of a unit or type, or data type name (exact case). False and code 0 when not found;
   // an empty text gives code 0 and true.
   bool CodeOfText(std::u16string_view text, std::uint32_t& code) const noexcept;
@@ -89,8 +88,7 @@ class Unit_CTypeAndUnitContainer {
   // Building steps, also used to extend a catalogue in a test.
   std::uint32_t Add(CodeKind kind, std::uint32_t type, std::uint32_t member, std::u16string_view key,
                     std::u16string_view text, std::u16string_view long_name, double factor, double offset);
-  std::uint32_t AddRateRelation(std::uint32_t rate_unit, std::uint32_t time_unit,
-                                std::uint32_t quantity_unit);
+  std::uint32_t AddRateRelation(std::uint32_t rate_unit, std::uint32_t time_unit, std::uint32_t quantity_unit);
   struct Pair {
     std::uint32_t from = 0, to = 0;
   };

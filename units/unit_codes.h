@@ -30,12 +30,8 @@ constexpr CodeKind kind_of_code(std::uint32_t code) {
   return kind <= 4 ? static_cast<CodeKind>(kind) : CodeKind::invalid;
 }
 
-constexpr std::uint32_t type_number(std::uint32_t code) {
-  return (code >> 8) & 0xFFFF;
-}
-constexpr std::uint32_t member_number(std::uint32_t code) {
-  return code & 0xFF;
-}
+constexpr std::uint32_t type_number(std::uint32_t code) { return (code >> 8) & 0xFFFF; }
+constexpr std::uint32_t member_number(std::uint32_t code) { return code & 0xFF; }
 
 // Plain data types.
 namespace data_type {
@@ -64,8 +60,7 @@ namespace quantity {
 
 // enumeration::rangestatus2, enumeration::compneoc5mode, ...
 namespace enumeration {
-#define NV_ENUMERATION(type, key, name) \
-  inline constexpr std::uint32_t key = make_code(CodeKind::enumeration, type);
+#define NV_ENUMERATION(type, key, name) inline constexpr std::uint32_t key = make_code(CodeKind::enumeration, type);
 #define NV_VALUE(type, member, key, text, value)
 #include "units/enumeration_table.def"
 #undef NV_ENUMERATION

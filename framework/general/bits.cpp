@@ -26,8 +26,7 @@ constexpr std::uint32_t digit_value(char16_t c) {
   return 16;
 }
 
-std::uint32_t bit_test(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                       FUNCTION_ARG& output) {
+std::uint32_t bit_test(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   const Arguments arg{args, count};
   double number = 0.0;
   std::int32_t bit = 0;
@@ -78,8 +77,8 @@ std::uint32_t number_to_number(Function_CContext& context, FUNCTION_ARG* args, s
   std::int32_t from = 0;
   std::int32_t to = 0;
   std::int32_t length = 0;
-  if (!context.ReadText(arg[0], text) || !context.ReadInteger(arg[1], from) ||
-      !context.ReadInteger(arg[2], to) || !context.ReadInteger(arg[3], length))
+  if (!context.ReadText(arg[0], text) || !context.ReadInteger(arg[1], from) || !context.ReadInteger(arg[2], to) ||
+      !context.ReadInteger(arg[3], length))
     return ERROR_VALUE;
   if (from < 2 || from > 16 || to < 2 || to > 16 || length < 0 || length > static_cast<std::int32_t>(longest))
     return ERROR_VALUE;
@@ -133,8 +132,7 @@ constexpr record::Input number_inputs[] = {
     record::input(u"output value base", u"Output base", u"Output base (2-16)", data_type::integer)
         .required()
         .within(2, 16),
-    record::input(u"mini output length", u"Output length", u"Output length (padded with zero's)",
-                  data_type::integer)
+    record::input(u"mini output length", u"Output length", u"Output length (padded with zero's)", data_type::integer)
         .required()
         .within(0, 64),
 };

@@ -119,8 +119,7 @@ void report_mismatch(Call& call, std::uint32_t from, std::uint32_t to) noexcept 
   if (is_unit(from) && is_unit(to)) context.ReportError(u"Input- and Output unit are not of the same type");
 }
 
-std::uint32_t convert_unit(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                           FUNCTION_ARG& output) {
+std::uint32_t convert_unit(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   Call call(context, args, count, output);
   double value = 0.0;
   std::uint32_t from = 0;
@@ -140,8 +139,7 @@ std::uint32_t convert_unit(Function_CContext& context, FUNCTION_ARG* args, std::
 
 constexpr record::Input inputs[] = {
     record::name_input(),
-    record::input(u"input value", u"Input value", u"Value to be converted from one unit to another",
-                  data_type::num)
+    record::input(u"input value", u"Input value", u"Value to be converted from one unit to another", data_type::num)
         .required(),
     record::input(u"input unit", u"Input unit", u"Unit of input value", data_type::unit).required(),
     record::input(u"output unit", u"Output unit", u"Unit of output value", data_type::unit).required(),

@@ -15,8 +15,7 @@ bool same_shape(const FUNCTION_ARG::Array& a, const FUNCTION_ARG::Array& b) noex
 }
 
 // By value: numbers as numbers, texts exactly, a number and a text never equal.
-bool equal_values(Function_CContext& context, const FUNCTION_ARG& value,
-                  const FUNCTION_ARG& reference) noexcept {
+bool equal_values(Function_CContext& context, const FUNCTION_ARG& value, const FUNCTION_ARG& reference) noexcept {
   Core_CVariant a;
   Core_CVariant b;
   return context.ToVariant(a, value) && context.ToVariant(b, reference) && a == b;
@@ -35,8 +34,8 @@ bool item_passes(Function_CContext& context, const FUNCTION_ARG& value, const FU
   double f = 0.0;
   double r = 0.0;
   double p = 0.0;
-  return context.ReadNumber(&value, f) && context.ReadNumber(&reference, r) &&
-         context.ReadNumber(precision, p) && within_precision(f, r, p);
+  return context.ReadNumber(&value, f) && context.ReadNumber(&reference, r) && context.ReadNumber(precision, p) &&
+         within_precision(f, r, p);
 }
 
 void report_failure(Function_CContext& context, const FUNCTION_ARG* name_arg) noexcept {
@@ -52,8 +51,7 @@ void report_failure(Function_CContext& context, const FUNCTION_ARG* name_arg) no
   context.ReportError(std::u16string_view{text, length});
 }
 
-std::uint32_t function_test(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                            FUNCTION_ARG& output) {
+std::uint32_t function_test(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   const Arguments arg{args, count};
   FUNCTION_ARG::Array values{};
   FUNCTION_ARG::Array references{};
@@ -74,8 +72,8 @@ std::uint32_t function_test(Function_CContext& context, FUNCTION_ARG* args, std:
   FUNCTION_ARG* const results = output.array.elements;
   bool all = true;
   for (std::uint32_t k = 0; k < n; ++k) {
-    const bool passes = item_passes(context, values.elements[k], references.elements[k],
-                                    precise ? &precisions.elements[k] : nullptr);
+    const bool passes =
+        item_passes(context, values.elements[k], references.elements[k], precise ? &precisions.elements[k] : nullptr);
     results[k + 1] = FUNCTION_ARG::Boolean(passes);
     all = all && passes;
   }
@@ -86,15 +84,13 @@ std::uint32_t function_test(Function_CContext& context, FUNCTION_ARG* args, std:
 
 constexpr record::Input inputs[] = {
     record::name_input(),
-    record::input(u"function_range", u"Function range", u"Range where the function is defined",
-                  data_type::any)
+    record::input(u"function_range", u"Function range", u"Range where the function is defined", data_type::any)
         .required()
         .range(),
-    record::input(
-        u"reference_range", u"Reference range",
-        u"Range of reference values which are compared to the function outputs (range should be same size "
-        u"as function_range)",
-        data_type::any)
+    record::input(u"reference_range", u"Reference range",
+                  u"Range of reference values which are compared to the function outputs (range should be same size "
+                  u"as function_range)",
+                  data_type::any)
         .required()
         .range(),
     record::input(u"precision_range", u"Precision range",

@@ -22,8 +22,7 @@ struct Point {
 // one before it ends the table.
 class CCurve {
  public:
-  CCurve(double input, bool extrapolate, std::uint64_t points)
-      : x_(input), extrapolate_(extrapolate), n_(points) {}
+  CCurve(double input, bool extrapolate, std::uint64_t points) : x_(input), extrapolate_(extrapolate), n_(points) {}
 
   bool wants_more() const noexcept { return k_ < n_; }
   double value() const noexcept { return value_; }
@@ -148,8 +147,7 @@ bool replace(double& place, double number) noexcept {
 enum class In { name, input_value, reference_values, extrapolation, count };
 enum class Out { value, datetime, out_of_range, count };
 
-std::uint32_t interpolate(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                          FUNCTION_ARG& output) {
+std::uint32_t interpolate(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   if (count != static_cast<std::size_t>(In::count)) return ERROR_ARGCOUNT;
   Call call(context, args, count, output);
   double input = 0.0;
@@ -209,8 +207,8 @@ constexpr record::Output outputs[] = {
     record::output(u"value", u"Value", u"Interpolated value", data_type::num, u"VAL"),
     record::output(u"datetime", u"Date/time", u"Date and time of the last change of the reference values",
                    data_type::date, u"DTTM"),
-    record::output(u"out of range", u"Out of range",
-                   u"Input value out of range (0 = in range, 1 = out of range)", data_type::integer, u"")
+    record::output(u"out of range", u"Out of range", u"Input value out of range (0 = in range, 1 = out of range)",
+                   data_type::integer, u"")
         .meaning(range_values),
 };
 static_assert(std::size(outputs) == static_cast<std::size_t>(Out::count));

@@ -57,8 +57,7 @@ std::uint32_t set_class(FUNCTION_ARG& output, std::uint32_t code) noexcept {
   return set_integer(output, Unit_CTypeAndUnitContainer::KindOfCode(code));
 }
 
-std::uint32_t set_variant(Function_CContext& context, FUNCTION_ARG& output,
-                          const Core_CVariant& value) noexcept {
+std::uint32_t set_variant(Function_CContext& context, FUNCTION_ARG& output, const Core_CVariant& value) noexcept {
   return context.FromVariant(output, value) ? ERROR_OK : ERROR_VALUE;
 }
 
@@ -116,8 +115,7 @@ std::uint32_t input_property(Function_CContext& context, FUNCTION_ARG* args, std
     case 8: return set_bound(output, input.has_maximum(), input.maximum);
     case 9: return set_boolean(output, input.is_array());
     // Asks for an index that was refused above, so that "Scalar" is FALSE for every input. Intended.
-    case 10:
-      return set_boolean(output, spec->has(FUNCTION_VARIABLE_INPUTS) && index == spec->input_count + 1);
+    case 10: return set_boolean(output, spec->has(FUNCTION_VARIABLE_INPUTS) && index == spec->input_count + 1);
     default: return ERROR_VALUE;
   }
 }
@@ -179,8 +177,7 @@ std::uint32_t report_none_found(Function_CContext& context, FUNCTION_ARG& output
   return set_text(context, output, {text, length});
 }
 
-std::uint32_t function_list(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                            FUNCTION_ARG& output) {
+std::uint32_t function_list(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   std::u16string_view category;
   if (!context.ReadText(Arguments{args, count}[0], category, u"")) return ERROR_VALUE;
   const Function_CLibrary::Map& entries = context.library().Entries();
@@ -189,8 +186,7 @@ std::uint32_t function_list(Function_CContext& context, FUNCTION_ARG* args, std:
   std::uint32_t n = 0;
   for (const auto& entry : entries) {
     const Function_CFunctionSpec* spec = entry.value;
-    if (spec->visible() && (category.empty() || equal_ignoring_case(spec->category, category)))
-      found[n++] = spec;
+    if (spec->visible() && (category.empty() || equal_ignoring_case(spec->category, category))) found[n++] = spec;
   }
   if (n == 0) return report_none_found(context, output, category);
   std::sort(found, found + n, [](const Function_CFunctionSpec* a, const Function_CFunctionSpec* b) {
@@ -209,13 +205,11 @@ constexpr record::Input list_inputs[] = {
         .otherwise(std::u16string_view(u"")),
 };
 constexpr record::Output list_outputs[] = {
-    record::output(u"list", u"List", u"One dimensional array containing the function-names", data_type::any,
-                   u""),
+    record::output(u"list", u"List", u"One dimensional array containing the function-names", data_type::any, u""),
 };
 
 constexpr record::Input function_input =
-    record::input(u"function", u"Function", u"Name of the function, with its prefix", data_type::text)
-        .required();
+    record::input(u"function", u"Function", u"Name of the function, with its prefix", data_type::text).required();
 
 constexpr record::Input property_inputs[] = {
     function_input,
@@ -231,11 +225,10 @@ constexpr record::Input input_property_inputs[] = {
     record::input(u"input", u"Input", u"Number of the input, counted from 0", data_type::integer)
         .required()
         .at_least(0),
-    record::input(
-        u"property", u"Property",
-        u"Property of the input; 1: Name; 2: Description; 3: Type; 4: Class; 5: Optional; 6: Default; 7: "
-        u"Minimum; 8: Maximum; 9: Array; 10: Scalar",
-        data_type::integer)
+    record::input(u"property", u"Property",
+                  u"Property of the input; 1: Name; 2: Description; 3: Type; 4: Class; 5: Optional; 6: Default; 7: "
+                  u"Minimum; 8: Maximum; 9: Array; 10: Scalar",
+                  data_type::integer)
         .required()
         .within(1, 10),
 };
@@ -244,10 +237,9 @@ constexpr record::Input output_property_inputs[] = {
     record::input(u"output", u"Output", u"Number of the output, counted from 0", data_type::integer)
         .required()
         .at_least(0),
-    record::input(
-        u"property", u"Property",
-        u"Property of the output; 1: Name; 2: Description; 3: Type; 4: Class; 5: Fallback; 6: Scalar",
-        data_type::integer)
+    record::input(u"property", u"Property",
+                  u"Property of the output; 1: Name; 2: Description; 3: Type; 4: Class; 5: Fallback; 6: Scalar",
+                  data_type::integer)
         .required()
         .within(1, 6),
 };

@@ -30,8 +30,7 @@ std::u16string refused(const Signature& signature, const Parameter& input) {
   std::u16string text(spec.id);
   text += u": [" + to_utf16(std::to_string(input.index + 1)) + u"] ";
   text += spec.inputs[input.index].key;
-  text +=
-      input.passing == Passing::range ? u" is not a list of numbers" : u" is not a value that can be used";
+  text += input.passing == Passing::range ? u" is not a list of numbers" : u" is not a value that can be used";
   return text;
 }
 
@@ -67,8 +66,7 @@ bool take(TypedCall& call, const Parameter& input, const TypedValue& value) noex
     case Passing::text: {
       auto* text = static_cast<const OLECHAR*>(value.data);
       if (text == nullptr) return true;  // its default
-      return call.set_text(input,
-                           {reinterpret_cast<const char16_t*>(text), SysStringLen(const_cast<BSTR>(text))});
+      return call.set_text(input, {reinterpret_cast<const char16_t*>(text), SysStringLen(const_cast<BSTR>(text))});
     }
   }
   return false;
@@ -127,8 +125,7 @@ bool give(TypedCall& call, std::size_t output, Passing passing, VARIANT& value) 
 // after, the thread's context is in use: both can run the client's code, which may call this library again.
 class LateCall {
  public:
-  LateCall(const Signature& signature, DISPPARAMS& parameters)
-      : signature_(signature), parameters_(parameters) {}
+  LateCall(const Signature& signature, DISPPARAMS& parameters) : signature_(signature), parameters_(parameters) {}
 
   HRESULT Run(VARIANT* status, std::u16string& message, UINT& bad_argument) {
     if (const HRESULT result = Arrange(bad_argument); FAILED(result)) return result;
@@ -206,8 +203,7 @@ class LateCall {
     if (!call.begin(signature_)) return E_UNEXPECTED;
     for (std::size_t i = 0; i < signature_.inputs.size(); ++i) {
       const Parameter& input = signature_.inputs[i];
-      if (given_[i].value != nullptr &&
-          !to_argument(call.context(), *given_[i].value, call.argument(input))) {
+      if (given_[i].value != nullptr && !to_argument(call.context(), *given_[i].value, call.argument(input))) {
         bad_argument = given_[i].number;
         return DISP_E_TYPEMISMATCH;
       }
@@ -234,9 +230,7 @@ class LateCall {
 
 }  // namespace
 
-CCOMFunctions::CCOMFunctions() noexcept {
-  module_lock();
-}
+CCOMFunctions::CCOMFunctions() noexcept { module_lock(); }
 
 CCOMFunctions::~CCOMFunctions() {
   if (marshaler_ != nullptr) marshaler_->Release();
@@ -270,9 +264,7 @@ HRESULT CCOMFunctions::QueryInterface(REFIID iid, void** object) {
   return S_OK;
 }
 
-ULONG CCOMFunctions::AddRef() {
-  return references_.fetch_add(1, std::memory_order_relaxed) + 1;
-}
+ULONG CCOMFunctions::AddRef() { return references_.fetch_add(1, std::memory_order_relaxed) + 1; }
 
 ULONG CCOMFunctions::Release() {
   const ULONG left = references_.fetch_sub(1, std::memory_order_acq_rel) - 1;
@@ -280,9 +272,7 @@ ULONG CCOMFunctions::Release() {
   return left;
 }
 
-HRESULT CCOMFunctions::InterfaceSupportsErrorInfo(REFIID iid) {
-  return iid == IID_IFunctions ? S_OK : S_FALSE;
-}
+HRESULT CCOMFunctions::InterfaceSupportsErrorInfo(REFIID iid) { return iid == IID_IFunctions ? S_OK : S_FALSE; }
 
 HRESULT CCOMFunctions::GetTypeInfoCount(UINT* count) {
   if (count == nullptr) return E_POINTER;
@@ -332,8 +322,8 @@ HRESULT CCOMFunctions::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LC
   }
 }
 
-HRESULT CCOMFunctions::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* parameters,
-                              VARIANT* result, EXCEPINFO* exception, UINT* bad_argument) {
+HRESULT CCOMFunctions::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+                              EXCEPINFO* exception, UINT* bad_argument) {
   if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (parameters == nullptr) return E_INVALIDARG;
   const Signature* signature = id > 0 ? host::find_signature(static_cast<std::uint32_t>(id)) : nullptr;

@@ -30,8 +30,7 @@ class CCOMFunctions final : public IFunctions, public ISupportErrorInfo {
 
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale,
-                                          DISPID* ids) override;
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override;
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
                                    VARIANT* result, EXCEPINFO* exception, UINT* bad_argument) override;
 
@@ -44,15 +43,9 @@ class CCOMFunctions final : public IFunctions, public ISupportErrorInfo {
   ~CCOMFunctions();
 
   // The generated methods say with these what each parameter is.
-  static TypedValue number(double value) noexcept {
-    return {nullptr, value, 0};
-  }
-  static TypedValue option(unsigned long value) noexcept {
-    return {nullptr, 0.0, value};
-  }
-  static TypedValue pointer(const void* value) noexcept {
-    return {value, 0.0, 0};
-  }
+  static TypedValue number(double value) noexcept { return {nullptr, value, 0}; }
+  static TypedValue option(unsigned long value) noexcept { return {nullptr, 0.0, value}; }
+  static TypedValue pointer(const void* value) noexcept { return {value, 0.0, 0}; }
 
   template <std::size_t Inputs, std::size_t Outputs>
   static HRESULT Run(std::uint32_t id, const TypedValue (&in)[Inputs], void* const (&out)[Outputs],

@@ -39,14 +39,12 @@ using Replacements = std::map<std::wstring, std::wstring, std::less<>>;
 
 class Parser {
  public:
-  Parser(std::wstring_view text, const Replacements& replacements)
-      : rest_(text), replacements_(replacements) {
+  Parser(std::wstring_view text, const Replacements& replacements) : rest_(text), replacements_(replacements) {
     Next();
   }
 
   // Root { keys } ..., to the end of the script.
-  void Run(void (*use)(HKEY root, const Key& keys, bool install, HRESULT& result), bool install,
-           HRESULT& result) {
+  void Run(void (*use)(HKEY root, const Key& keys, bool install, HRESULT& result), bool install, HRESULT& result) {
     std::vector<std::pair<HKEY, Key>> blocks;
     while (!end_) {
       HKEY root = RootNamed(word_);
@@ -67,9 +65,7 @@ class Parser {
     throw ScriptError("unknown root");
   }
 
-  static bool IsBlank(wchar_t unit) {
-    return unit == L' ' || unit == L'\t' || unit == L'\r' || unit == L'\n';
-  }
+  static bool IsBlank(wchar_t unit) { return unit == L' ' || unit == L'\t' || unit == L'\r' || unit == L'\n'; }
 
   // The next word: up to a blank, or within single quotes, where a doubled quote is a quote.
   void Next() {
@@ -180,8 +176,7 @@ void note(HRESULT& result, LSTATUS error) {
 void set(HKEY key, const wchar_t* name, const Value& value, HRESULT& result) {
   const auto* bytes = value.type == REG_SZ ? reinterpret_cast<const BYTE*>(value.text.c_str())
                                            : reinterpret_cast<const BYTE*>(&value.number);
-  const std::size_t size =
-      value.type == REG_SZ ? (value.text.size() + 1) * sizeof(wchar_t) : sizeof value.number;
+  const std::size_t size = value.type == REG_SZ ? (value.text.size() + 1) * sizeof(wchar_t) : sizeof value.number;
   note(result, RegSetValueExW(key, name, 0, value.type, bytes, static_cast<DWORD>(size)));
 }
 
@@ -189,8 +184,8 @@ void install_into(HKEY parent, const Key& block, HRESULT& result) {
   for (const Key& key : block.keys) {
     if (key.force_remove) RegDeleteTreeW(parent, key.name.c_str());
     HKEY made = nullptr;
-    const LSTATUS error = RegCreateKeyExW(parent, key.name.c_str(), 0, nullptr, 0, KEY_READ | KEY_WRITE,
-                                          nullptr, &made, nullptr);
+    const LSTATUS error =
+        RegCreateKeyExW(parent, key.name.c_str(), 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr, &made, nullptr);
     note(result, error);
     if (error != ERROR_SUCCESS) continue;
     if (key.value) set(made, nullptr, *key.value, result);
@@ -205,8 +200,8 @@ void remove_from(HKEY parent, const Key& block, HRESULT& result) {
     LSTATUS error = ERROR_SUCCESS;
     if (!key.no_remove) {
       error = RegDeleteTreeW(parent, key.name.c_str());
-    } else if (HKEY kept = nullptr; (error = RegOpenKeyExW(parent, key.name.c_str(), 0, KEY_READ | KEY_WRITE,
-                                                           &kept)) == ERROR_SUCCESS) {
+    } else if (HKEY kept = nullptr;
+               (error = RegOpenKeyExW(parent, key.name.c_str(), 0, KEY_READ | KEY_WRITE, &kept)) == ERROR_SUCCESS) {
       remove_from(kept, key, result);
       RegCloseKey(kept);
     }

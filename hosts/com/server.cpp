@@ -124,8 +124,8 @@ class CNorvaneXLLModule {
   // Removing what is already gone is no failure, whatever the system says to that.
   HRESULT UnregisterTypes() {
     HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_CLASSES_ROOT, L"TypeLib\\{" NORVANE_WIDE(NORVANE_LIBID) L"}\\1.0", 0, KEY_READ,
-                      &key) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(HKEY_CLASSES_ROOT, L"TypeLib\\{" NORVANE_WIDE(NORVANE_LIBID) L"}\\1.0", 0, KEY_READ, &key) !=
+        ERROR_SUCCESS)
       return S_OK;
     RegCloseKey(key);
     using Routine = HRESULT(WINAPI*)(REFGUID, WORD, WORD, LCID, SYSKIND);
@@ -153,8 +153,8 @@ class UserClasses {
  public:
   UserClasses() {
     HKEY classes = nullptr;
-    result_ = RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Classes", 0, nullptr, 0, KEY_READ | KEY_WRITE,
-                              nullptr, &classes, nullptr);
+    result_ = RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Classes", 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr,
+                              &classes, nullptr);
     if (result_ != ERROR_SUCCESS) return;
     result_ = RegOverridePredefKey(HKEY_CLASSES_ROOT, classes);
     RegCloseKey(classes);
@@ -201,13 +201,9 @@ HRESULT change_user_registration(bool install) noexcept {
 
 }  // namespace
 
-void module_lock() noexcept {
-  locks.fetch_add(1, std::memory_order_relaxed);
-}
+void module_lock() noexcept { locks.fetch_add(1, std::memory_order_relaxed); }
 
-void module_unlock() noexcept {
-  locks.fetch_sub(1, std::memory_order_release);
-}
+void module_unlock() noexcept { locks.fetch_sub(1, std::memory_order_release); }
 
 std::wstring module_path() {
   std::wstring path(MAX_PATH, L'\0');
@@ -245,17 +241,11 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
   return norvane::com::class_factory.QueryInterface(iid, object);
 }
 
-STDAPI DllCanUnloadNow() {
-  return norvane::com::locks.load(std::memory_order_acquire) == 0 ? S_OK : S_FALSE;
-}
+STDAPI DllCanUnloadNow() { return norvane::com::locks.load(std::memory_order_acquire) == 0 ? S_OK : S_FALSE; }
 
-STDAPI DllRegisterServer() {
-  return change_registration(true, false);
-}
+STDAPI DllRegisterServer() { return change_registration(true, false); }
 
-STDAPI DllUnregisterServer() {
-  return change_registration(false, false);
-}
+STDAPI DllUnregisterServer() { return change_registration(false, false); }
 
 // `regsvr32 /n /i:user` registers for the user alone, `regsvr32 /n /i` for the machine.
 STDAPI DllInstall(BOOL install, PCWSTR command) {

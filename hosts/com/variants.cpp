@@ -10,9 +10,7 @@ namespace {
 
 constexpr int longest_chain = 8;
 
-bool is_omitted(const VARIANT& value) noexcept {
-  return value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND;
-}
+bool is_omitted(const VARIANT& value) noexcept { return value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND; }
 
 std::u16string_view text_of(BSTR text) noexcept {
   static_assert(sizeof(OLECHAR) == sizeof(char16_t));
@@ -65,8 +63,7 @@ bool scalar_to_argument(Function_CContext& context, const VARIANT& value, FUNCTI
 }
 
 // Element (of the array's own type) to call value. Elements that are arrays or objects are no numbers.
-bool element_to_argument(Function_CContext& context, VARTYPE type, void* element,
-                         FUNCTION_ARG& argument) noexcept {
+bool element_to_argument(Function_CContext& context, VARTYPE type, void* element, FUNCTION_ARG& argument) noexcept {
   VARIANT reference;
   VariantInit(&reference);
   reference.vt = static_cast<VARTYPE>(type | VT_BYREF);
@@ -181,8 +178,7 @@ HRESULT put_value(IDispatch* object, const VARIANT& value) noexcept {
   VARIANT copy = value;
   DISPID put = DISPID_PROPERTYPUT;
   DISPPARAMS parameters{&copy, &put, 1, 1};
-  return object->Invoke(id, IID_NULL, LOCALE_INVARIANT, DISPATCH_PROPERTYPUT, &parameters, nullptr, nullptr,
-                        nullptr);
+  return object->Invoke(id, IID_NULL, LOCALE_INVARIANT, DISPATCH_PROPERTYPUT, &parameters, nullptr, nullptr, nullptr);
 }
 
 }  // namespace
@@ -202,8 +198,7 @@ HRESULT value_of_object(IDispatch* object, VARIANT& value) noexcept {
   OwnedVariant length;
   if (find_name(object, L"length", id) && SUCCEEDED(get_property(object, id, length.get())) &&
       SUCCEEDED(change_type(length.get(), *length, VT_I4))) {
-    if (length->lVal < 0 || length->lVal > static_cast<LONG>(host::TypedCall::longest_list))
-      return DISP_E_OVERFLOW;
+    if (length->lVal < 0 || length->lVal > static_cast<LONG>(host::TypedCall::longest_list)) return DISP_E_OVERFLOW;
     return elements_of_script_array(object, static_cast<std::uint32_t>(length->lVal), value);
   }
   const HRESULT result = get_property(object, DISPID_VALUE, &value);
@@ -249,9 +244,8 @@ HRESULT store(const VARIANT& target, const VARIANT& value) noexcept {
     outer = inner;
   }
   if ((outer->vt & VT_BYREF) != 0)
-    return outer->byref != nullptr
-               ? store_typed(outer->byref, static_cast<VARTYPE>(outer->vt & ~VT_BYREF), value)
-               : DISP_E_TYPEMISMATCH;
+    return outer->byref != nullptr ? store_typed(outer->byref, static_cast<VARTYPE>(outer->vt & ~VT_BYREF), value)
+                                   : DISP_E_TYPEMISMATCH;
   return outer->vt == VT_DISPATCH && outer->pdispVal != nullptr ? put_value(outer->pdispVal, value) : S_OK;
 }
 

@@ -101,17 +101,11 @@ NORVANE_EXPORT int xlAutoOpen() noexcept {
 
 // Nothing is kept for the host but the binding, which stays; every record of the host has been given back by
 // now.
-NORVANE_EXPORT int xlAutoClose() noexcept {
-  return 1;
-}
+NORVANE_EXPORT int xlAutoClose() noexcept { return 1; }
 
-NORVANE_EXPORT int xlAutoAdd() noexcept {
-  return 1;
-}
+NORVANE_EXPORT int xlAutoAdd() noexcept { return 1; }
 
-NORVANE_EXPORT int xlAutoRemove() noexcept {
-  return 1;
-}
+NORVANE_EXPORT int xlAutoRemove() noexcept { return 1; }
 
 // Everything is registered with its type text at opening; to register here would call this entry again.
 NORVANE_EXPORT norvane::excel::XlRecord4* xlAutoRegister(norvane::excel::XlRecord4*) noexcept {

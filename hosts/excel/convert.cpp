@@ -137,8 +137,7 @@ class Reader {
     if (elements == nullptr) return false;
     for (std::uint64_t i = 0; i < count; ++i)
       if (!Read(record.array.elements[i], elements[i], depth + 1)) return false;
-    arg = FUNCTION_ARG::OfArray(static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows),
-                                elements);
+    arg = FUNCTION_ARG::OfArray(static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows), elements);
     return true;
   }
 
@@ -147,8 +146,7 @@ class Reader {
     using Areas = typename Dialect::Areas;
     const Areas* from = record.multi.areas;
     if (from == nullptr || from->count == 0) return false;
-    const std::size_t size =
-        offsetof(Areas, areas) + std::size_t{from->count} * sizeof(typename Dialect::Area);
+    const std::size_t size = offsetof(Areas, areas) + std::size_t{from->count} * sizeof(typename Dialect::Area);
     auto* areas = static_cast<Areas*>(context_.arena().Allocate(size, alignof(Areas)));
     if (areas == nullptr) return false;
     std::memcpy(static_cast<void*>(areas), from, size);
@@ -208,8 +206,7 @@ bool Write(Function_CContext& context, const FUNCTION_ARG& arg, typename Dialect
     case ARG_STRING: record.type = XL_STRING; return Dialect::WriteText(context, arg.text(), record);
     case ARG_ARRAY: {
       const std::uint64_t count = arg.count();
-      if (arg.array.columns > Dialect::max_count || arg.array.rows > Dialect::max_count ||
-          depth == max_nesting)
+      if (arg.array.columns > Dialect::max_count || arg.array.rows > Dialect::max_count || depth == max_nesting)
         return false;
       auto* elements = context.arena().template AllocateArray<Record>(static_cast<std::size_t>(count));
       if (elements == nullptr) return false;
@@ -265,8 +262,6 @@ bool ReferenceRecord(const FUNCTION_ARG& arg, XlRecord12& record) noexcept {
   return Reference<Dialect12>(arg, record);
 }
 
-bool ReferenceRecord(const FUNCTION_ARG& arg, XlRecord4& record) noexcept {
-  return Reference<Dialect4>(arg, record);
-}
+bool ReferenceRecord(const FUNCTION_ARG& arg, XlRecord4& record) noexcept { return Reference<Dialect4>(arg, record); }
 
 }  // namespace norvane::excel

@@ -16,9 +16,7 @@ enum REFERENCE_KIND : std::uint32_t {
   ARG_MULTI_REFERENCE12 = 11,
   ARG_REFERENCE12 = 12
 };
-constexpr bool is_reference(std::uint32_t kind) {
-  return kind >= ARG_MULTI_REFERENCE4 && kind <= ARG_REFERENCE12;
-}
+constexpr bool is_reference(std::uint32_t kind) { return kind >= ARG_MULTI_REFERENCE4 && kind <= ARG_REFERENCE12; }
 
 // Result code of a cell's error value (1 to 7, 3 for an unknown one) and back (#VALUE! for any other code).
 std::uint32_t code_of_error(std::int32_t error) noexcept;

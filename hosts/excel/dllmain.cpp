@@ -32,9 +32,7 @@ __attribute__((constructor)) void loaded() {
   norvane::host::attach();
 }
 
-__attribute__((destructor)) void unloaded() {
-  norvane::host::detach();
-}
+__attribute__((destructor)) void unloaded() { norvane::host::detach(); }
 
 }  // namespace
 

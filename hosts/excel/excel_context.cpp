@@ -71,8 +71,7 @@ bool Excel_CFunctionContext::Coerce(const FUNCTION_ARG& reference, FUNCTION_ARG*
   if (!ReferenceRecord(reference, record)) return FailConversion(ERROR_VALUE);
   Record* args[] = {&record};
   HostResult<Record> cells;
-  if (!NoteAnswer(cells.Call(XL_COERCE, 1, args)))
-    return FailConversion(host_closed_ ? ERROR_NA : ERROR_VALUE);
+  if (!NoteAnswer(cells.Call(XL_COERCE, 1, args))) return FailConversion(host_closed_ ? ERROR_NA : ERROR_VALUE);
   if (value == nullptr) return true;
   // A host that answers a reference with a reference would be asked for ever.
   if (!ToArg(*this, &cells.record(), *value) || is_reference(value->kind)) return FailConversion(ERROR_VALUE);
@@ -85,8 +84,7 @@ bool Excel_CFunctionContext::Resolve(const FUNCTION_ARG& reference, FUNCTION_ARG
   return from12 ? Coerce<XlRecord12>(reference, value) : Coerce<XlRecord4>(reference, value);
 }
 
-bool Excel_CFunctionContext::ConvertArgument(FUNCTION_ARG& out, const FUNCTION_ARG& in,
-                                             std::uint32_t kind) noexcept {
+bool Excel_CFunctionContext::ConvertArgument(FUNCTION_ARG& out, const FUNCTION_ARG& in, std::uint32_t kind) noexcept {
   if (!is_reference(in.kind) || kind == ARG_MISSING || kind == ARG_EMPTY)
     return Function_CContext::ConvertArgument(out, in, kind);
   FUNCTION_ARG value;
@@ -129,8 +127,7 @@ void Excel_CFunctionContext::FindCaller() noexcept {
   // Anything else is a menu, a toolbar or another add-in.
   if (record.type == XL_REFERENCE)
     take(record.reference.area);
-  else if (record.type == XL_MULTI_REFERENCE && record.multi.areas != nullptr &&
-           record.multi.areas->count >= 1)
+  else if (record.type == XL_MULTI_REFERENCE && record.multi.areas != nullptr && record.multi.areas->count >= 1)
     take(record.multi.areas->areas[0]);
 }
 
@@ -200,8 +197,8 @@ void Excel_CFunctionContext::HostNotify1() noexcept {
   SetDataSlot(slot);
 }
 
-std::uint32_t Excel_CFunctionContext::Run(DIALECT dialect, const Function_CFunctionSpec& spec,
-                                          FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output,
+std::uint32_t Excel_CFunctionContext::Run(DIALECT dialect, const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
+                                          std::size_t count, FUNCTION_ARG& output,
                                           std::uint64_t* data_slot) noexcept {
   dialect_ = dialect;
   host_closed_ = false;

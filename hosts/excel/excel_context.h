@@ -50,8 +50,7 @@ class Excel_CFunctionContext : public Function_CContext {
   static constexpr std::size_t longest_place = longest_sheet + 32;
 
   DIALECT dialect_ = DIALECT::none;
-  bool host_closed_ =
-      false;  // after "uncalculated" or "aborted" the host may be asked for nothing but to free
+  bool host_closed_ = false;  // after "uncalculated" or "aborted" the host may be asked for nothing but to free
   bool caller_asked_ = false;
   bool caller_known_ = false;
   bool place_asked_ = false;

@@ -27,9 +27,7 @@ int BindHost() noexcept {
   return BIND_OK;
 }
 
-bool HostSpeaks12() noexcept {
-  return entry12.load(std::memory_order_acquire) != nullptr;
-}
+bool HostSpeaks12() noexcept { return entry12.load(std::memory_order_acquire) != nullptr; }
 
 int CallHost(int function, XlRecord12* result, int count, XlRecord12** args) noexcept {
   const XlEntry12 entry = entry12.load(std::memory_order_acquire);
@@ -41,12 +39,8 @@ int CallHost(int function, XlRecord4* result, int count, XlRecord4** args) noexc
   return entry != nullptr ? entry(function, result, count, args) : XL_RETURN_FAILED;
 }
 
-const Sinks& sinks() noexcept {
-  return current_sinks;
-}
+const Sinks& sinks() noexcept { return current_sinks; }
 
-void set_sinks(const Sinks& sinks) noexcept {
-  current_sinks = sinks;
-}
+void set_sinks(const Sinks& sinks) noexcept { current_sinks = sinks; }
 
 }  // namespace norvane::excel

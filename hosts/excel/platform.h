@@ -22,10 +22,8 @@ bool FindHostEntries(HostEntries& entries) noexcept;
 // Between the code page of the older dialect (elsewhere than on Windows: 1252) and UTF-16, without
 // terminators. The number of units written, or -1 when the room does not suffice. A character without
 // counterpart becomes '?'.
-std::ptrdiff_t FromCodePage(const unsigned char* text, std::size_t length, char16_t* out,
-                            std::size_t room) noexcept;
-std::ptrdiff_t ToCodePage(const char16_t* text, std::size_t length, unsigned char* out,
-                          std::size_t room) noexcept;
+std::ptrdiff_t FromCodePage(const unsigned char* text, std::size_t length, char16_t* out, std::size_t room) noexcept;
+std::ptrdiff_t ToCodePage(const char16_t* text, std::size_t length, unsigned char* out, std::size_t room) noexcept;
 
 std::uint32_t ThreadId() noexcept;
 

@@ -42,16 +42,14 @@ bool FindHostEntries(HostEntries& entries) noexcept {
   return entries.entry4 != nullptr || entries.entry12 != nullptr;
 }
 
-std::ptrdiff_t FromCodePage(const unsigned char* text, std::size_t length, char16_t* out,
-                            std::size_t room) noexcept {
+std::ptrdiff_t FromCodePage(const unsigned char* text, std::size_t length, char16_t* out, std::size_t room) noexcept {
   if (length > room) return -1;
   for (std::size_t i = 0; i < length; ++i)
     out[i] = text[i] >= 0x80 && text[i] <= 0x9F ? high_controls[text[i] - 0x80] : char16_t{text[i]};
   return static_cast<std::ptrdiff_t>(length);
 }
 
-std::ptrdiff_t ToCodePage(const char16_t* text, std::size_t length, unsigned char* out,
-                          std::size_t room) noexcept {
+std::ptrdiff_t ToCodePage(const char16_t* text, std::size_t length, unsigned char* out, std::size_t room) noexcept {
   if (length > room) return -1;
   for (std::size_t i = 0; i < length; ++i) out[i] = to_byte(text[i]);
   return static_cast<std::ptrdiff_t>(length);
@@ -73,9 +71,7 @@ void ShowMessage(std::u16string_view title, std::u16string_view text) noexcept {
   write_line(text);
 }
 
-void DebugOutput(std::u16string_view line) noexcept {
-  write_line(line);
-}
+void DebugOutput(std::u16string_view line) noexcept { write_line(line); }
 
 void ShowAbout() noexcept {
   write_line(u"Norvane (64-bit)");

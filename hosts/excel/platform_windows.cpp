@@ -11,9 +11,7 @@ namespace {
 
 static_assert(sizeof(wchar_t) == sizeof(char16_t));
 
-const wchar_t* wide(const char16_t* text) noexcept {
-  return reinterpret_cast<const wchar_t*>(text);
-}
+const wchar_t* wide(const char16_t* text) noexcept { return reinterpret_cast<const wchar_t*>(text); }
 
 // A terminated copy of a text, cut to the buffer.
 template <std::size_t N>
@@ -63,27 +61,21 @@ bool FindHostEntries(HostEntries& entries) noexcept {
   return true;
 }
 
-std::ptrdiff_t FromCodePage(const unsigned char* text, std::size_t length, char16_t* out,
-                            std::size_t room) noexcept {
+std::ptrdiff_t FromCodePage(const unsigned char* text, std::size_t length, char16_t* out, std::size_t room) noexcept {
   if (length == 0) return 0;
-  const int written =
-      MultiByteToWideChar(CP_ACP, 0, reinterpret_cast<const char*>(text), static_cast<int>(length),
-                          reinterpret_cast<wchar_t*>(out), static_cast<int>(room));
+  const int written = MultiByteToWideChar(CP_ACP, 0, reinterpret_cast<const char*>(text), static_cast<int>(length),
+                                          reinterpret_cast<wchar_t*>(out), static_cast<int>(room));
   return written > 0 ? written : -1;
 }
 
-std::ptrdiff_t ToCodePage(const char16_t* text, std::size_t length, unsigned char* out,
-                          std::size_t room) noexcept {
+std::ptrdiff_t ToCodePage(const char16_t* text, std::size_t length, unsigned char* out, std::size_t room) noexcept {
   if (length == 0) return 0;
-  const int written =
-      WideCharToMultiByte(CP_ACP, 0, wide(text), static_cast<int>(length), reinterpret_cast<char*>(out),
-                          static_cast<int>(room), nullptr, nullptr);
+  const int written = WideCharToMultiByte(CP_ACP, 0, wide(text), static_cast<int>(length),
+                                          reinterpret_cast<char*>(out), static_cast<int>(room), nullptr, nullptr);
   return written > 0 ? written : -1;
 }
 
-std::uint32_t ThreadId() noexcept {
-  return GetCurrentThreadId();
-}
+std::uint32_t ThreadId() noexcept { return GetCurrentThreadId(); }
 
 bool DebugAsked() noexcept {
   wchar_t value[8];
@@ -94,8 +86,7 @@ bool DebugAsked() noexcept {
 void ShowMessage(std::u16string_view title, std::u16string_view text) noexcept {
   wchar_t title_text[128];
   wchar_t message[1024];
-  MessageBoxW(GetActiveWindow(), terminated(text, message), terminated(title, title_text),
-              MB_OK | MB_ICONERROR);
+  MessageBoxW(GetActiveWindow(), terminated(text, message), terminated(title, title_text), MB_OK | MB_ICONERROR);
 }
 
 void DebugOutput(std::u16string_view line) noexcept {

@@ -20,8 +20,7 @@ std::u16string decimal(std::size_t value) {
 }
 
 std::size_t ArgumentCount(const Function_CFunctionSpec& spec, const Limits& limits) {
-  return spec.has(FUNCTION_VARIABLE_INPUTS) && spec.input_count > 0 ? limits.variable_arguments
-                                                                    : spec.input_count;
+  return spec.has(FUNCTION_VARIABLE_INPUTS) && spec.input_count > 0 ? limits.variable_arguments : spec.input_count;
 }
 
 // "a,b,[c]"; a repeated last input "comp" reads comp1,[comp2],[comp3].
@@ -50,10 +49,8 @@ std::u16string ArgumentHelp(const Function_CInput& input, const Unit_CTypeAndUni
   if (input.type != 0 && units.TextOfCode(input.type, unit) == UNIT_OK && !unit.empty())
     text.append(u"[").append(unit).append(u"]");
   if (input.has_minimum() && input.has_maximum())
-    text.append(u"[")
-        .append(format_number(input.minimum))
-        .append(u"..")
-        .append(format_number(input.maximum)) += u"] ";
+    text.append(u"[").append(format_number(input.minimum)).append(u"..").append(format_number(input.maximum)) +=
+        u"] ";
   else if (input.has_minimum())
     text.append(u"[>=").append(format_number(input.minimum)) += u"] ";
   else if (input.has_maximum())
@@ -77,8 +74,7 @@ template <>
 class Arguments<XlRecord12> {
  public:
   using Record = XlRecord12;
-  static void SetText(Record& record, std::u16string_view text,
-                      std::vector<std::unique_ptr<char16_t[]>>& memory) {
+  static void SetText(Record& record, std::u16string_view text, std::vector<std::unique_ptr<char16_t[]>>& memory) {
     if (text.size() > max_text12) text = text.substr(0, max_text12);
     auto counted = std::make_unique<char16_t[]>(text.size() + 1);
     counted[0] = static_cast<char16_t>(text.size());
@@ -194,19 +190,13 @@ void RegisterAllWith(const Function_CLibrary& library, const Unit_CTypeAndUnitCo
     const Registration texts = DescribeFunction(*entry.value, units, limits);
     if (texts.names_length > max_names_text) {
       std::u16string message = u"The argument-names string for function '";
-      message.append(texts.function)
-          .append(u"' + the name-length (total=")
-          .append(decimal(texts.names_length));
+      message.append(texts.function).append(u"' + the name-length (total=").append(decimal(texts.names_length));
       message.append(u") should not exceed 252 characters");
       sinks().developer_message(u"MESSAGE FOR DEVELOPER", message);
     }
     HostCall<Record> call(10 + limits.help_slots);
     HostResult<Record> result;
-    call.Given(module.record())
-        .Text(texts.procedure)
-        .Text(texts.type)
-        .Text(texts.function)
-        .Text(texts.arguments);
+    call.Given(module.record()).Text(texts.procedure).Text(texts.type).Text(texts.function).Text(texts.arguments);
     call.Text(texts.macro_type).Text(addin_name).Missing().Missing().Text(texts.help);
     for (std::size_t i = 0; i < limits.help_slots; ++i) {
       if (i < texts.argument_helps.size())

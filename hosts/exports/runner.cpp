@@ -22,8 +22,7 @@ bool take_text(TypedCall& call, const Parameter& input, const char* text) {
   if (text == nullptr) return true;  // its default
   const void* end = std::memchr(text, '\0', longest_text + 1);
   if (end == nullptr) return false;
-  return call.set_text(input,
-                       to_utf16({text, static_cast<std::size_t>(static_cast<const char*>(end) - text)}));
+  return call.set_text(input, to_utf16({text, static_cast<std::size_t>(static_cast<const char*>(end) - text)}));
 }
 
 bool take(TypedCall& call, const Parameter& input, const norvane_value& value) {
@@ -79,8 +78,7 @@ std::uint32_t norvane_run(std::uint32_t id, const norvane_value* in, std::size_t
                           std::size_t out_count) {
   try {
     const norvane::host::Signature* signature = norvane::host::find_signature(id);
-    if (signature == nullptr || signature->inputs.size() != in_count ||
-        signature->outputs.size() != out_count)
+    if (signature == nullptr || signature->inputs.size() != in_count || signature->outputs.size() != out_count)
       return norvane::exports::not_run;
     return norvane::exports::run(*signature, in, out);
   } catch (...) {
@@ -88,6 +86,4 @@ std::uint32_t norvane_run(std::uint32_t id, const norvane_value* in, std::size_t
   }
 }
 
-NORVANE_EXPORT const char* norvane_version(void) {
-  return NORVANE_VERSION;
-}
+NORVANE_EXPORT const char* norvane_version(void) { return NORVANE_VERSION; }

@@ -29,8 +29,7 @@ typedef struct norvane_value {
   norvane_run((id), (in), sizeof(in) / sizeof((in)[0]), (out), sizeof(out) / sizeof((out)[0]))
 
 /* The function with this dispatch id. The counts must be those of its signature. */
-uint32_t norvane_run(uint32_t id, const norvane_value* in, size_t in_count, void* const* out,
-                     size_t out_count);
+uint32_t norvane_run(uint32_t id, const norvane_value* in, size_t in_count, void* const* out, size_t out_count);
 
 #ifdef __cplusplus
 }

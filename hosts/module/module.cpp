@@ -23,34 +23,22 @@ namespace {
 // the slot is the system's own and DllMain (or the key's destructor) clears it.
 #if defined(_WIN32)
 using Key = DWORD;
-void* get_value(Key key) noexcept {
-  return TlsGetValue(key);
-}
-bool set_value(Key key, void* value) noexcept {
-  return TlsSetValue(key, value) != 0;
-}
+void* get_value(Key key) noexcept { return TlsGetValue(key); }
+bool set_value(Key key, void* value) noexcept { return TlsSetValue(key, value) != 0; }
 bool make_key(Key& key) noexcept {
   key = TlsAlloc();
   return key != TLS_OUT_OF_INDEXES;
 }
-void free_key(Key key) noexcept {
-  TlsFree(key);
-}
+void free_key(Key key) noexcept { TlsFree(key); }
 #else
 using Key = pthread_key_t;
-void* get_value(Key key) noexcept {
-  return pthread_getspecific(key);
-}
-bool set_value(Key key, void* value) noexcept {
-  return pthread_setspecific(key, value) == 0;
-}
+void* get_value(Key key) noexcept { return pthread_getspecific(key); }
+bool set_value(Key key, void* value) noexcept { return pthread_setspecific(key, value) == 0; }
 void thread_value_ended(void* value) noexcept;
 bool make_key(Key& key) noexcept {
   return pthread_key_create(&key, [](void* value) { thread_value_ended(value); }) == 0;
 }
-void free_key(Key key) noexcept {
-  pthread_key_delete(key);
-}
+void free_key(Key key) noexcept { pthread_key_delete(key); }
 #endif
 
 // A thread's state in the list of all, so that unloading the image leaves none behind.
@@ -86,9 +74,7 @@ void destroy(Registered* entry) noexcept {
 }
 
 #if !defined(_WIN32)
-void thread_value_ended(void* value) noexcept {
-  destroy(static_cast<Registered*>(value));
-}
+void thread_value_ended(void* value) noexcept { destroy(static_cast<Registered*>(value)); }
 #endif
 
 std::unique_ptr<Module> make_module() noexcept {
@@ -176,16 +162,10 @@ constexpr unsigned int exception_flags = 0x3F;
 FloatingPointGuard::FloatingPointGuard() noexcept : saved_(_mm_getcsr()) {
   if ((saved_ & ~exception_flags) != standard_control) _mm_setcsr(standard_control);
 }
-FloatingPointGuard::~FloatingPointGuard() {
-  _mm_setcsr(saved_);
-}
+FloatingPointGuard::~FloatingPointGuard() { _mm_setcsr(saved_); }
 #else
-FloatingPointGuard::FloatingPointGuard() noexcept {
-  saved_ = static_cast<std::uint32_t>(std::fegetround());
-}
-FloatingPointGuard::~FloatingPointGuard() {
-  std::fesetround(static_cast<int>(saved_));
-}
+FloatingPointGuard::FloatingPointGuard() noexcept { saved_ = static_cast<std::uint32_t>(std::fegetround()); }
+FloatingPointGuard::~FloatingPointGuard() { std::fesetround(static_cast<int>(saved_)); }
 #endif
 
 }  // namespace norvane::host

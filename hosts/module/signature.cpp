@@ -37,9 +37,7 @@ constexpr std::u16string_view order[] = {
 // clang-format on
 static_assert(std::size(order) == 106);
 
-constexpr bool is_digit(char16_t unit) {
-  return unit >= u'0' && unit <= u'9';
-}
+constexpr bool is_digit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
 // "Method.; 1: Observed->standard; 2: Standard->observed" lists meanings after its semicolons.
 bool lists_options(std::u16string_view description) noexcept {
@@ -74,15 +72,14 @@ Passing passing_of(std::uint32_t type, std::u16string_view description) noexcept
 
 // Words that C, C++, IDL or the headers of Windows keep for themselves.
 constexpr std::u16string_view reserved[] = {
-    u"auto",      u"bool",   u"break",   u"byte",   u"case",      u"char",     u"class",   u"const",
-    u"default",   u"delete", u"do",      u"double", u"else",      u"enum",     u"error",   u"export",
-    u"extern",    u"far",    u"float",   u"for",    u"goto",      u"hyper",    u"id",      u"if",
-    u"import",    u"in",     u"inline",  u"int",    u"interface", u"library",  u"linux",   u"long",
-    u"module",    u"near",   u"new",     u"object", u"operator",  u"out",      u"pascal",  u"private",
-    u"protected", u"public", u"range",   u"ref",    u"register",  u"retval",   u"return",  u"short",
-    u"signed",    u"sizeof", u"small",   u"source", u"static",    u"string",   u"struct",  u"switch",
-    u"template",  u"this",   u"typedef", u"union",  u"unix",      u"unsigned", u"version", u"void",
-    u"volatile",  u"while"};
+    u"auto",     u"bool",      u"break",    u"byte",    u"case",      u"char",   u"class",  u"const",    u"default",
+    u"delete",   u"do",        u"double",   u"else",    u"enum",      u"error",  u"export", u"extern",   u"far",
+    u"float",    u"for",       u"goto",     u"hyper",   u"id",        u"if",     u"import", u"in",       u"inline",
+    u"int",      u"interface", u"library",  u"linux",   u"long",      u"module", u"near",   u"new",      u"object",
+    u"operator", u"out",       u"pascal",   u"private", u"protected", u"public", u"range",  u"ref",      u"register",
+    u"retval",   u"return",    u"short",    u"signed",  u"sizeof",    u"small",  u"source", u"static",   u"string",
+    u"struct",   u"switch",    u"template", u"this",    u"typedef",   u"union",  u"unix",   u"unsigned", u"version",
+    u"void",     u"volatile",  u"while"};
 
 std::string identifier(std::u16string_view key, const char* what, std::size_t index) {
   std::string name;
@@ -137,8 +134,7 @@ struct Signatures {
 };
 
 const Signatures* all() noexcept {
-  static const std::unique_ptr<const Signatures> instance =
-      []() noexcept -> std::unique_ptr<const Signatures> {
+  static const std::unique_ptr<const Signatures> instance = []() noexcept -> std::unique_ptr<const Signatures> {
     try {
       return std::make_unique<const Signatures>();
     } catch (...) {
@@ -154,9 +150,7 @@ Passing passing_of(const Function_CInput& input) noexcept {
   return input.is_array() ? Passing::range : passing_of(input.type, input.description);
 }
 
-Passing passing_of(const Function_COutput& output) noexcept {
-  return passing_of(output.type, output.description);
-}
+Passing passing_of(const Function_COutput& output) noexcept { return passing_of(output.type, output.description); }
 
 const char* passing_name(Passing passing) noexcept {
   switch (passing) {
@@ -168,9 +162,7 @@ const char* passing_name(Passing passing) noexcept {
   return "";
 }
 
-std::span<const std::u16string_view> interface_order() noexcept {
-  return order;
-}
+std::span<const std::u16string_view> interface_order() noexcept { return order; }
 
 Signature make_signature(const Function_CFunctionSpec& spec) {
   Signature signature{&spec, 0, {}, {}};

@@ -34,9 +34,7 @@ class TypedCall {
 
   Function_CContext& context() noexcept { return *context_; }
   FUNCTION_ARG& argument(const Parameter& input) noexcept { return arguments_[input.index]; }
-  void set_number(const Parameter& input, double value) noexcept {
-    argument(input) = FUNCTION_ARG::Number(value);
-  }
+  void set_number(const Parameter& input, double value) noexcept { argument(input) = FUNCTION_ARG::Number(value); }
   void set_option(const Parameter& input, std::uint32_t value) noexcept;
   // False, and the argument left as it is, for a null or empty list, one beyond longest_list or no memory.
   bool set_list(const Parameter& input, const double* values, std::uint32_t count) noexcept;

@@ -6,9 +6,7 @@ namespace norvane::composition {
 namespace {
 
 // Windows within which a sum counts as fractions or as percent.
-bool in_window(double sum) noexcept {
-  return (sum >= 0.9999 && sum <= 1.0001) || (sum >= 99.99 && sum <= 100.01);
-}
+bool in_window(double sum) noexcept { return (sum >= 0.9999 && sum <= 1.0001) || (sum >= 99.99 && sum <= 100.01); }
 
 }  // namespace
 

@@ -26,9 +26,7 @@ constexpr double ln2 = 0.69314718055994531;
 
 // Dry air for the relative densities: molar mass [kg/kmol] and second virial coefficient [m3/kmol] at T [K].
 constexpr double air_molar_mass = 28.9625;
-constexpr double air_virial(double T) {
-  return -0.12527 + 5.91e-4 * T - 6.62e-7 * T * T;
-}
+constexpr double air_virial(double T) { return -0.12527 + 5.91e-4 * T - 6.62e-7 * T * T; }
 
 }  // namespace
 
@@ -45,8 +43,7 @@ IdealMixture ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy
     // Vibration: two terms in sinh (C, D and G, H) and two in cosh (E, F and I, J). F is negative for two
     // gases; cosh and the product with tanh are even.
     const double weight[4] = {gas.C, gas.E, gas.G, gas.I};
-    const double y[4] = {gas.D * inverse_T, std::fabs(gas.F) * inverse_T, gas.H * inverse_T,
-                         gas.J * inverse_T};
+    const double y[4] = {gas.D * inverse_T, std::fabs(gas.F) * inverse_T, gas.H * inverse_T, gas.J * inverse_T};
     const auto e = elementary::exp4({-2.0 * y[0], -2.0 * y[1], -2.0 * y[2], -2.0 * y[3]});
     for (std::size_t m = 0; m < 4; ++m) {
       if (weight[m] == 0.0) continue;
@@ -100,20 +97,19 @@ bool stable(const MolarState& s) noexcept {
 double perfect_gas_flow_factor(double k) noexcept {
   // 2/(k+1) = 1 + y and (k+1)/(k-1) = -1/y; the power tends to 1/e as k tends to 1.
   const double y = (1.0 - k) / (1.0 + k);
-  const double power =
-      std::fabs(y) < 1e-8 ? elementary::exp(0.5 * y - 1.0) : elementary::pow(1.0 + y, -1.0 / y);
+  const double power = std::fabs(y) < 1e-8 ? elementary::exp(0.5 * y - 1.0) : elementary::pow(1.0 + y, -1.0 / y);
   return std::sqrt(k * power);
 }
 
 // The throat of a critical nozzle: the state with the entropy of the stagnation state whose kinetic energy,
 // half the square of the speed of sound, makes up for its lower enthalpy. Newton's method in temperature and
 // density.
-bool throat(const AGA8::Mixture& mixture, const AGA8::Composition& x, const MolarState& stagnation,
-            double kappa, MolarState& found) noexcept {
+bool throat(const AGA8::Mixture& mixture, const AGA8::Composition& x, const MolarState& stagnation, double kappa,
+            MolarState& found) noexcept {
   constexpr int max_steps = 60;
   constexpr double largest_T_step = 0.1, largest_rho_step = 0.3;  // relative
-  constexpr double tolerance = 1e-9;   // of the last step; the error left is its square
-  constexpr double difference = 1e-6;  // relative, for the slopes of the speed of sound
+  constexpr double tolerance = 1e-9;                              // of the last step; the error left is its square
+  constexpr double difference = 1e-6;                             // relative, for the slopes of the speed of sound
   const double ratio = 2.0 / (kappa + 1.0);
   double T = stagnation.T * ratio;
   double rho = stagnation.rho * elementary::pow(ratio, 1.0 / (kappa - 1.0));
@@ -129,8 +125,7 @@ bool throat(const AGA8::Mixture& mixture, const AGA8::Composition& x, const Mola
     const double f_rho = -found.dp_dT;
     const double g = (found.h + 0.5 * found.M_w2 - stagnation.h) / (R * T);
     const double g_T = found.cv / R + found.dp_dT + 0.5 * (warmer.M_w2 - found.M_w2) / (difference * R * T);
-    const double g_rho =
-        found.dp_drho - found.dp_dT + 0.5 * (denser.M_w2 - found.M_w2) / (difference * R * T);
+    const double g_rho = found.dp_drho - found.dp_dT + 0.5 * (denser.M_w2 - found.M_w2) / (difference * R * T);
     const double determinant = f_T * g_rho - f_rho * g_T;
     const double T_step = (f_rho * g - g_rho * f) / determinant;
     const double rho_step = (g_T * f - f_T * g) / determinant;
@@ -197,8 +192,7 @@ Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Co
   MolarState s{};
   double kappa = 0.0;
   if ((need & caloric) != 0) {
-    s = state(mixture, x, flowing.T, f.rho,
-              (need & with_entropy) != 0 ? Entropy::include : Entropy::leave_out);
+    s = state(mixture, x, flowing.T, f.rho, (need & with_entropy) != 0 ? Entropy::include : Entropy::leave_out);
     if (!stable(s)) return unstable;
     kappa = s.M_w2 / (s.z * R * s.T);
   }
@@ -239,9 +233,7 @@ Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Co
       case Property::critical_flow_factor: value = critical_flow; break;
       case Property::ideal_molar_enthalpy: value = s.ideal.h; break;
       case Property::molar_enthalpy: value = s.h; break;
-      case Property::ideal_gas_flow_factor:
-        value = perfect_gas_flow_factor(s.ideal.cp / (s.ideal.cp - R));
-        break;
+      case Property::ideal_gas_flow_factor: value = perfect_gas_flow_factor(s.ideal.cp / (s.ideal.cp - R)); break;
       case Property::isentropic_flow_factor: value = perfect_gas_flow_factor(kappa) / std::sqrt(f.z); break;
       case Property::count: break;
     }

@@ -153,8 +153,7 @@ bool compute(Call& call, std::span<const Property> properties, AGA10::Properties
   }
 }
 
-std::uint32_t run_plain(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                        FUNCTION_ARG& output) {
+std::uint32_t run_plain(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   constexpr Property speed_of_sound[] = {Property::speed_of_sound};
   Call call(context, args, count, output);
   AGA10::Properties values{};
@@ -167,8 +166,7 @@ std::uint32_t run_plain(Function_CContext& context, FUNCTION_ARG* args, std::siz
   return call.done();
 }
 
-std::uint32_t run_extended(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                           FUNCTION_ARG& output) {
+std::uint32_t run_extended(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   Call call(context, args, count, output);
   const int mode = call.option(In::critical_flow);
   if (call.failed()) return call.error();

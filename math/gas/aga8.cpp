@@ -28,8 +28,7 @@
 namespace norvane::AGA8 {
 namespace {
 
-// ---- Powers of a temperature or an energy
-// -------------------------------------------------------------------------
+// ---- Powers of a temperature or an energy -------------------------------------------------------------------------
 
 constexpr double exponents[] = {-13, -6, -1, -0.5, 0, 0.5, 1,   1.5, 2,  3,    3.5, 4,  4.5,
                                 5,   6,  7,  7.5,  8, 9,   9.5, 11,  12, 12.5, 21,  22, 23};
@@ -87,18 +86,16 @@ constexpr std::array<std::size_t, term_count> make_positions() {
 }
 constexpr auto position = make_positions();
 
-// ---- The 24 pairs (k, b)
-// ------------------------------------------------------------------------------------------
+// ---- The 24 pairs (k, b) ------------------------------------------------------------------------------------------
 
 struct Exponents {
   int k, b;
 };
-constexpr Exponents slots[] = {{0, 2}, {0, 3}, {0, 4}, {0, 5}, {0, 6}, {0, 7},  // 0..5
-                               {1, 3}, {1, 8},                                  // 6, 7
-                               {2, 1}, {2, 2}, {2, 3}, {2, 4}, {2, 5}, {2, 6},
-                               {2, 7}, {2, 8}, {2, 9},                   // 8..16
-                               {3, 1}, {3, 3},                           // 17, 18
-                               {4, 1}, {4, 2}, {4, 3}, {4, 4}, {4, 5}};  // 19..23
+constexpr Exponents slots[] = {{0, 2}, {0, 3}, {0, 4}, {0, 5}, {0, 6}, {0, 7},                          // 0..5
+                               {1, 3}, {1, 8},                                                          // 6, 7
+                               {2, 1}, {2, 2}, {2, 3}, {2, 4}, {2, 5}, {2, 6}, {2, 7}, {2, 8}, {2, 9},  // 8..16
+                               {3, 1}, {3, 3},                                                          // 17, 18
+                               {4, 1}, {4, 2}, {4, 3}, {4, 4}, {4, 5}};                                 // 19..23
 constexpr std::size_t slot_count = std::size(slots);
 
 constexpr std::array<std::size_t, density_term_count> make_slots() {
@@ -119,8 +116,7 @@ inline void for_each_density_term(const Function& function, std::index_sequence<
    ...);
 }
 
-// ---- Pair coefficients, tabulated once
-// ----------------------------------------------------------------------------
+// ---- Pair coefficients, tabulated once ----------------------------------------------------------------------------
 
 // Terms of B that all pairs have, and terms that only pairs of polar components or of hydrogen have.
 constexpr std::size_t common_terms[] = {1, 2, 3, 4, 5, 6, 14, 15, 17, 18};
@@ -146,12 +142,8 @@ double power5(double x) noexcept {
   const double x2 = x * x;
   return x2 * x2 * x;
 }
-double power_5_2(double x) noexcept {
-  return x * x * std::sqrt(x);
-}
-constexpr double with_flag(int flag, double value) {
-  return flag != 0 ? value : 1.0;
-}
+double power_5_2(double x) noexcept { return x * x * std::sqrt(x); }
+constexpr double with_flag(int flag, double value) { return flag != 0 ? value : 1.0; }
 
 // Coefficients of x_i x_j, doubled for i < j since a pair stands for both orders.
 struct Coefficients {
@@ -162,8 +154,7 @@ struct Coefficients {
     std::size_t i, j;
     double g;
   };
-  std::array<Orientation, std::size(pairs)>
-      orientation;  // (G*_ij - 1)(G_i + G_j) of the pairs with G*_ij not 1
+  std::array<Orientation, std::size(pairs)> orientation;  // (G*_ij - 1)(G_i + G_j) of the pairs with G*_ij not 1
   std::size_t orientation_count = 0;
 
   static constexpr std::size_t row(std::size_t i) { return i * component_count - i * (i + 1) / 2; }  // + j
@@ -174,8 +165,7 @@ struct Coefficients {
         const Pair pair = interaction(i, j);
         const double weight = i == j ? 1.0 : 2.0;
         double* entry = block[row(i) + j];
-        for (std::size_t m = 0; m < common_count; ++m)
-          entry[m] = weight * virial(pair, terms[common_terms[m] - 1]);
+        for (std::size_t m = 0; m < common_count; ++m) entry[m] = weight * virial(pair, terms[common_terms[m] - 1]);
         const Component& a = components[i];
         const Component& b = components[j];
         entry[u_place] = weight * power5(pair.U) * power_5_2(a.E) * power_5_2(b.E);
@@ -340,8 +330,7 @@ double Isotherm::pressure(double rho) const noexcept {
 
 namespace {
 
-// ---- Density from pressure: bracket, then Brent's method
-// ----------------------------------------------------------
+// ---- Density from pressure: bracket, then Brent's method ----------------------------------------------------------
 
 constexpr int max_bracket_steps = 300;
 constexpr int max_brent_steps = 250;
@@ -521,8 +510,7 @@ Residual residual(const Mixture& mixture, double T, double rho) noexcept {
   return sum;
 }
 
-// ---- Composition and range rules
-// ----------------------------------------------------------------------------------
+// ---- Composition and range rules ----------------------------------------------------------------------------------
 
 CompositionResult prepare(const CompositionInput& input, NeoPentaneMode mode, Composition& x) noexcept {
   std::copy_n(input.begin(), component_count, x.begin());
@@ -550,13 +538,12 @@ int composition_range_1994(const Composition& x) noexcept {
                       x[oxygen] > 0.21;
   if (beyond) return 2;
   // Hexanes and heavier count one by one, not as a sum.
-  const bool heavy = x[n_hexane] <= 0.002 && x[n_heptane] <= 0.002 && x[n_octane] <= 0.002 &&
-                     x[n_nonane] <= 0.002 && x[n_decane] <= 0.002;
+  const bool heavy = x[n_hexane] <= 0.002 && x[n_heptane] <= 0.002 && x[n_octane] <= 0.002 && x[n_nonane] <= 0.002 &&
+                     x[n_decane] <= 0.002;
   const bool normal = x[methane] >= 0.45 && x[methane] <= 1.0 && x[ethane] <= 0.1 && x[propane] <= 0.04 &&
                       butanes <= 0.01 && pentanes <= 0.003 && heavy && x[carbon_monoxide] <= 0.03 &&
-                      x[carbon_dioxide] <= 0.3 && x[nitrogen] <= 0.5 && x[helium] <= 0.002 &&
-                      x[argon] == 0.0 && x[oxygen] == 0.0 && x[hydrogen_sulfide] <= 0.0002 &&
-                      x[hydrogen] <= 0.1 && x[water] <= 0.0005;
+                      x[carbon_dioxide] <= 0.3 && x[nitrogen] <= 0.5 && x[helium] <= 0.002 && x[argon] == 0.0 &&
+                      x[oxygen] == 0.0 && x[hydrogen_sulfide] <= 0.0002 && x[hydrogen] <= 0.1 && x[water] <= 0.0005;
   return normal ? 0 : 1;
 }
 
@@ -612,8 +599,7 @@ double carbon_dioxide_limit(const Composition& x) noexcept {
 bool within_region_a(const Composition& x, double t, double p) noexcept {
   const double heptanes_plus = x[n_heptane] + x[n_octane] + x[n_nonane] + x[n_decane];
   return within(region_a, x, t, p) && x[carbon_dioxide] <= carbon_dioxide_limit(x) &&
-         x[i_pentane] + x[n_pentane] <= 0.003 && x[n_hexane] + heptanes_plus <= 0.0015 &&
-         heptanes_plus <= 0.0004;
+         x[i_pentane] + x[n_pentane] <= 0.003 && x[n_hexane] + heptanes_plus <= 0.0015 && heptanes_plus <= 0.0004;
 }
 
 bool within_region_b(const Composition& x, double t, double p) noexcept {
@@ -627,15 +613,12 @@ int range_2017(const Composition& x, double t, double p) noexcept {
   return within_region_a(x, t, p) || within_region_b(x, t, p) || within(region_c, x, t, p) ? 0 : 1;
 }
 
-// ---- The calculation with its memory
-// ------------------------------------------------------------------------------
+// ---- The calculation with its memory ------------------------------------------------------------------------------
 
 namespace {
 
 // Equal bits: a NaN equals itself, and 0 and -0 differ.
-bool same(double a, double b) noexcept {
-  return std::memcmp(&a, &b, sizeof a) == 0;
-}
+bool same(double a, double b) noexcept { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 }  // namespace
 

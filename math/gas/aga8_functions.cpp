@@ -85,9 +85,7 @@ std::uint32_t refuse_mode(Call& call) noexcept {
   return call.refuse(static_cast<std::size_t>(In::neo_c5_mode), u"is not a neo-pentane mode (1, 2 or 3)");
 }
 
-bool known_mode(int mode) noexcept {
-  return mode >= AGA8::add_to_i_pentane && mode <= AGA8::neglect;
-}
+bool known_mode(int mode) noexcept { return mode >= AGA8::add_to_i_pentane && mode <= AGA8::neglect; }
 
 void write(Call& call, const AGA8::State& state, double density_unit, int range) noexcept {
   call.set_integer(Out::status, success);
@@ -98,8 +96,7 @@ void write(Call& call, const AGA8::State& state, double density_unit, int range)
   call.set_integer(Out::oor, range);
 }
 
-std::uint32_t run_metric(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                         FUNCTION_ARG& output) {
+std::uint32_t run_metric(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   Call call(context, args, count, output);
   const double p = call.number(In::pressure);
   const double t = call.number(In::temperature);
@@ -129,8 +126,7 @@ std::uint32_t run_metric(Function_CContext& context, FUNCTION_ARG* args, std::si
   return call.done();
 }
 
-std::uint32_t run_customary(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                            FUNCTION_ARG& output) {
+std::uint32_t run_customary(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   constexpr double bar_per_psi = 0.0689476;
   constexpr double lb_ft3 = 16.01846337;  // [kg/m3], and lbmol/ft3 in kmol/m3
   Call call(context, args, count, output);

@@ -19,8 +19,7 @@ namespace {
 
 using namespace ISO6976;  // the standard's algorithm, not to be confused with the records' names
 
-// ----------------------------------------------------------------------------------------------------
-// records
+// ---- records ------------------------------------------------------------------------------------------------------
 
 constexpr record::StatusValue statuses[] = {
     {1.0, u"FIOOR", u"argument error"},
@@ -176,8 +175,7 @@ constexpr record::Input inputs_60[] = {
 static_assert(std::size(inputs_60) == static_cast<std::size_t>(In60::count));
 // clang-format on
 
-// ----------------------------------------------------------------------------------------------------
-// implementation
+// ---- implementation -----------------------------------------------------------------------------------------------
 
 struct Options {
   int reference;
@@ -368,7 +366,7 @@ std::uint32_t run_2016_all(Function_CContext& context, FUNCTION_ARG* args, std::
   });
 }
 
-// ---------------------------------------------------------------------------------------------------- notes
+// ---- Notes --------------------------------------------------------------------------------------------------------
 
 #define NV_NOTES_1995                                                                                        \
   u"ISO 6976:1995, Natural gas - Calculation of calorific values, density, relative density and Wobbe "      \

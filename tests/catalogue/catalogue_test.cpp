@@ -70,8 +70,7 @@ TEST(Catalogue, EveryFunctionEqualsItsRowOfTheTable) {
                        row.id == "InterpolationCurve";
     EXPECT_EQ(spec->name_input, named ? 0 : -1);
   }
-  std::printf("functions of the catalogue that are still missing: %s\n",
-              missing.empty() ? "none" : missing.c_str());
+  std::printf("functions of the catalogue that are still missing: %s\n", missing.empty() ? "none" : missing.c_str());
 }
 
 TEST(Catalogue, EnumerationFollowsTheTable) {
@@ -185,8 +184,8 @@ TEST(Catalogue, EveryFunctionSurvivesItsDefaultsAndOneOddArgumentEach) {
           context.Reset();
           FUNCTION_ARG output = FUNCTION_ARG::Missing();
           std::uint32_t flags = 0;
-          const std::uint32_t status = context.Execute(*spec, args.data(), args.size(), output, flags,
-                                                       host::thread_state()->slot(*spec));
+          const std::uint32_t status =
+              context.Execute(*spec, args.data(), args.size(), output, flags, host::thread_state()->slot(*spec));
           ASSERT_LE(status, 12u);
           if (status != 0 || output.kind != ARG_ARRAY) continue;
           for (std::uint64_t k = 0; k < output.count(); ++k) {

@@ -28,9 +28,7 @@ double ulps(double got, long double want) {
 
 class Numbers {
  public:
-  double between(double low, double high) {
-    return std::uniform_real_distribution<double>(low, high)(engine_);
-  }
+  double between(double low, double high) { return std::uniform_real_distribution<double>(low, high)(engine_); }
   // Around 1, at all distances from it.
   double near_one() { return 1.0 + std::ldexp(between(-0.02, 0.02), -static_cast<int>(engine_() % 46)); }
 
@@ -123,9 +121,8 @@ TEST(Elementary, BoundariesOfLogarithm) {
 // Zeros, infinities, negative bases with whole, odd and broken exponents: exactly what the C standard
 // prescribes.
 TEST(Elementary, SpecialValuesOfPower) {
-  const double values[] = {0.0,      -0.0,  1.0,      -1.0,      0.5,       -0.5,
-                           2.0,      -2.0,  3.0,      -3.0,      2.5,       1e300,
-                           1e-300,   -1e16, infinity, -infinity, nan_value, 9007199254740991.0,
+  const double values[] = {0.0,      -0.0, 1.0,   -1.0,   0.5,   -0.5,     2.0,       -2.0,      3.0,
+                           -3.0,     2.5,  1e300, 1e-300, -1e16, infinity, -infinity, nan_value, 9007199254740991.0,
                            smallest, -7.0};
   for (double x : values) {
     for (double y : values) {
@@ -149,9 +146,7 @@ TEST(Elementary, BitsAreTheSameOnEveryPlatform) {
   Numbers numbers;
   std::uint64_t hash = 14695981039346656037u;
   std::uint64_t state = 1;
-  const auto add = [&hash](double value) {
-    hash = (hash ^ std::bit_cast<std::uint64_t>(value)) * 1099511628211u;
-  };
+  const auto add = [&hash](double value) { hash = (hash ^ std::bit_cast<std::uint64_t>(value)) * 1099511628211u; };
   for (int i = 0; i < 4096; ++i) {
     state = state * 6364136223846793005u + 1442695040888963407u;
     const double x = static_cast<double>(state >> 11) * 0x1p-53 * 20.0 + 1e-3;

@@ -51,8 +51,7 @@ TEST(ParseInteger, SaturatesAndRefusesFractions) {
   EXPECT_EQ(value, 2147483647);
   EXPECT_TRUE(parse_integer(u"-99999999999", value));
   EXPECT_EQ(value, -2147483647 - 1);
-  for (std::u16string_view text : {u"1.5", u"", u"0x10", u"+-3", u"3 3"})
-    EXPECT_FALSE(parse_integer(text, value));
+  for (std::u16string_view text : {u"1.5", u"", u"0x10", u"+-3", u"3 3"}) EXPECT_FALSE(parse_integer(text, value));
 }
 
 TEST(FormatNumber, FourteenDigitsInTheGeneralForm) {

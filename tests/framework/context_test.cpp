@@ -14,8 +14,7 @@ using test::text;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-// ---- Conversions
-// -----------------------------------------------------------------------------------------------
+// ---- Conversions --------------------------------------------------------------------------------------------------
 
 TEST(Conversion, Numbers) {
   TestContext context;
@@ -95,8 +94,8 @@ TEST(Conversion, TextsAndArrays) {
   ASSERT_TRUE(context.ReadArray(&arg, array));
   EXPECT_EQ(array.columns * array.rows, 1u);
   EXPECT_EQ(array.elements[0].text(), u"7");
-  for (const FUNCTION_ARG& bad : {FUNCTION_ARG::Missing(), FUNCTION_ARG::Empty(),
-                                  FUNCTION_ARG::Error(ERROR_REF), FUNCTION_ARG::OfArray(1, 1, nullptr)}) {
+  for (const FUNCTION_ARG& bad : {FUNCTION_ARG::Missing(), FUNCTION_ARG::Empty(), FUNCTION_ARG::Error(ERROR_REF),
+                                  FUNCTION_ARG::OfArray(1, 1, nullptr)}) {
     EXPECT_FALSE(context.ReadArray(&bad, array));
     EXPECT_EQ(context.conversion_error(), ERROR_VALUE);
   }
@@ -128,11 +127,9 @@ TEST(Conversion, VariantsBothWays) {
   EXPECT_FALSE(context.ToVariant(variant, none));
 }
 
-// ---- Calls
-// -----------------------------------------------------------------------------------------------------
+// ---- Calls --------------------------------------------------------------------------------------------------------
 
-std::uint32_t sum_of_two(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
-                         FUNCTION_ARG& output) {
+std::uint32_t sum_of_two(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   Call call(context, args, count, output);
   const double a = call.number(1);
   const double b = call.number(2);
@@ -190,8 +187,7 @@ TEST(Execute, ArgumentCount) {
   ASSERT_EQ(context.messages.size(), 1u);
   EXPECT_EQ(context.messages[0], u"E Invalid number of arguments (3) specified, expected (4)");
   const auto variable = sum_spec(FUNCTION_VARIABLE_INPUTS);
-  EXPECT_EQ(
-      context.Run(variable, {FUNCTION_ARG::Missing(), FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(1)}), 0u);
+  EXPECT_EQ(context.Run(variable, {FUNCTION_ARG::Missing(), FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(1)}), 0u);
   EXPECT_EQ(context.messages[0], u"E Invalid number of arguments (3) specified, expected at least (4)");
   // Further arguments of a variable list are checked by the last record.
   auto args = sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(1));
@@ -205,18 +201,16 @@ TEST(Execute, RangeChecksAreInclusiveReportEverythingAndMarkTheStatus) {
   context.EnableMessages(true);
   const auto strict = sum_spec(0);
   EXPECT_EQ(context.Run(strict, sum_args(FUNCTION_ARG::Number(1000.0), FUNCTION_ARG::Number(0))), 0u);
-  EXPECT_EQ(context.Run(strict, sum_args(FUNCTION_ARG::Number(std::nan("")), FUNCTION_ARG::Number(0))),
-            ERROR_NUM);
-  EXPECT_EQ(context.Run(strict, sum_args(FUNCTION_ARG::Number(-10.5), FUNCTION_ARG::Number(0),
-                                         FUNCTION_ARG::Number(7))),
-            ERROR_VALUE);
+  EXPECT_EQ(context.Run(strict, sum_args(FUNCTION_ARG::Number(std::nan("")), FUNCTION_ARG::Number(0))), ERROR_NUM);
+  EXPECT_EQ(
+      context.Run(strict, sum_args(FUNCTION_ARG::Number(-10.5), FUNCTION_ARG::Number(0), FUNCTION_ARG::Number(7))),
+      ERROR_VALUE);
   EXPECT_EQ(context.flags, FLAG_INPUT_INVALID);
   ASSERT_EQ(context.messages.size(), 2u);
   EXPECT_EQ(context.messages[0], u"W [2] a (-10.5) should be higher or equal than: -10");
   EXPECT_EQ(context.messages[1], u"E [4] c (7) is not a valid Range status");
   EXPECT_EQ(context.output.kind, ARG_MISSING);  // the implementation did not run
-  EXPECT_EQ(context.Run(strict, sum_args(FUNCTION_ARG::Error(ERROR_NA), FUNCTION_ARG::Number(0))),
-            ERROR_VALUE);
+  EXPECT_EQ(context.Run(strict, sum_args(FUNCTION_ARG::Error(ERROR_NA), FUNCTION_ARG::Number(0))), ERROR_VALUE);
   EXPECT_EQ(context.messages[0], u"E [2] a (#N/A) is not a valid number");  // type check, then range check
   const auto unchecked = sum_spec(FUNCTION_NO_RANGE_CHECK);
   EXPECT_EQ(context.Run(unchecked, sum_args(FUNCTION_ARG::Number(1e6), FUNCTION_ARG::Number(0))), 0u);
@@ -268,8 +262,8 @@ TEST(Execute, NamesFollowTheirRulesInOrder) {
   context.EnableMessages(true);
   const auto spec = sum_spec(FUNCTION_RETENTIVE);
   const auto complaint = [&](const char16_t* name) {
-    context.Run(spec, sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(1), FUNCTION_ARG::Missing(),
-                               text(name)));
+    context.Run(spec,
+                sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(1), FUNCTION_ARG::Missing(), text(name)));
     return context.messages.empty() ? std::u16string(u"none") : context.messages[0];
   };
   EXPECT_EQ(complaint(u"Meter_1.A"), u"none");
@@ -278,8 +272,7 @@ TEST(Execute, NamesFollowTheirRulesInOrder) {
   EXPECT_NE(complaint(u"R2D2").find(u"'C' or 'R'"), std::u16string::npos);
   EXPECT_NE(complaint(u"c1").find(u"'C' or 'R'"), std::u16string::npos);
   EXPECT_EQ(complaint(u"C"), u"none");
-  EXPECT_NE(complaint(u"abcdefghijklmnopqrstuvwxyz_0123456-").find(u"only the following"),
-            std::u16string::npos);
+  EXPECT_NE(complaint(u"abcdefghijklmnopqrstuvwxyz_0123456-").find(u"only the following"), std::u16string::npos);
   EXPECT_NE(complaint(u"abcdefghijklmnopqrstuvwxyz_012345").find(u"longer than 32"), std::u16string::npos);
   EXPECT_EQ(complaint(u"abcdefghijklmnopqrstuvwxyz_01234"), u"none");
 }
@@ -301,8 +294,8 @@ TEST(Execute, HooksRunAroundTheImplementation) {
     std::u16string text;
     std::uint32_t answer;
   } before{u"", 0}, after{u"", 0};
-  const auto hook = [](Function_CContext&, const Function_CFunctionSpec&, FUNCTION_ARG*, std::size_t,
-                       FUNCTION_ARG&, std::uint32_t&, void* parameter) -> std::uint32_t {
+  const auto hook = [](Function_CContext&, const Function_CFunctionSpec&, FUNCTION_ARG*, std::size_t, FUNCTION_ARG&,
+                       std::uint32_t&, void* parameter) -> std::uint32_t {
     auto* log = static_cast<Log*>(parameter);
     log->text += u"*";
     return log->answer;

@@ -21,9 +21,7 @@ class TestContext : public Function_CContext {
  public:
   using Function_CContext::Function_CContext;
   const Function_CCallerInfo* FetchCallerInfo() noexcept override { return &caller_; }
-  void ReportMessage(std::uint32_t, std::u16string_view text) noexcept override {
-    messages.push_back(to_utf8(text));
-  }
+  void ReportMessage(std::uint32_t, std::u16string_view text) noexcept override { messages.push_back(to_utf8(text)); }
   std::vector<std::string> messages;
 
  private:
@@ -73,15 +71,9 @@ class General : public ::testing::Test {
   bool use_slot_ = false;
 };
 
-FUNCTION_ARG num(double value) {
-  return FUNCTION_ARG::Number(value);
-}
-FUNCTION_ARG text(std::u16string_view value) {
-  return FUNCTION_ARG::String(value.data(), value.size());
-}
-FUNCTION_ARG error(std::uint32_t code) {
-  return FUNCTION_ARG::Error(code);
-}
+FUNCTION_ARG num(double value) { return FUNCTION_ARG::Number(value); }
+FUNCTION_ARG text(std::u16string_view value) { return FUNCTION_ARG::String(value.data(), value.size()); }
+FUNCTION_ARG error(std::uint32_t code) { return FUNCTION_ARG::Error(code); }
 const FUNCTION_ARG none = FUNCTION_ARG::Missing();
 const FUNCTION_ARG blank = FUNCTION_ARG::Empty();
 
@@ -139,17 +131,14 @@ TEST_F(General, Num2Num) {
   EXPECT_EQ(convert(u"1", 10, 2, 64), std::string(63, '0') + "1");
   EXPECT_EQ(convert(u"100000000000000001", 10, 16, 0), "#VALUE!");
   EXPECT_EQ(convert(std::u16string(4000, u'9'), 10, 2, 0), "#VALUE!");
-  for (std::u16string_view bad : {u"12", u"", u" 1", u"-1", u"1\u0130"})
-    EXPECT_EQ(convert(bad, 2, 10, 0), "#VALUE!");
+  for (std::u16string_view bad : {u"12", u"", u" 1", u"-1", u"1\u0130"}) EXPECT_EQ(convert(bad, 2, 10, 0), "#VALUE!");
   EXPECT_EQ(convert(u"1", 1, 10, 0), "#VALUE!");
   EXPECT_EQ(convert(u"1", 10, 17, 0), "#VALUE!");
   EXPECT_EQ(convert(u"1", 10, 10, 65), "#VALUE!");
 }
 
 // The checksum of the bytes one by one, as the definition says.
-double byte_crc(const std::vector<std::uint8_t>& bytes) {
-  return crc32_update(0, bytes);
-}
+double byte_crc(const std::vector<std::uint8_t>& bytes) { return crc32_update(0, bytes); }
 void append(std::vector<std::uint8_t>& bytes, double value) {
   for (auto word = std::bit_cast<std::uint64_t>(value), n = std::uint64_t{8}; n != 0; --n, word >>= 8)
     bytes.push_back(static_cast<std::uint8_t>(word));
@@ -161,10 +150,9 @@ TEST_F(General, ChecksumsOfRanges) {
   std::vector<std::uint8_t> bytes;
   for (double value : {1.5, -7.25, 1e-300, 12.0, 1.0, 3.0, 0.0}) append(bytes, value);
   for (char c : {'A', '\0', '\x3B', '\x20'}) bytes.push_back(static_cast<std::uint8_t>(c));
-  const FUNCTION_ARG cells =
-      range(5, 2,
-            {num(1.5), num(-7.25), num(1e-300), text(u" 12"), FUNCTION_ARG::Boolean(true),
-             FUNCTION_ARG::Integer(3), blank, text(u"A\u203B"), none, text(u"")});
+  const FUNCTION_ARG cells = range(5, 2,
+                                   {num(1.5), num(-7.25), num(1e-300), text(u" 12"), FUNCTION_ARG::Boolean(true),
+                                    FUNCTION_ARG::Integer(3), blank, text(u"A\u203B"), none, text(u"")});
   EXPECT_EQ(run(u"CRC32", {cells}).number, byte_crc(bytes));
   EXPECT_EQ(run(u"CRC16", {cells}).number, byte_crc(bytes));
 
@@ -175,10 +163,9 @@ TEST_F(General, ChecksumsOfRanges) {
 
 TEST_F(General, FunctionList) {
   const std::string listed = show(run(u"FunctionList", {text(u"general")}));
-  EXPECT_EQ(
-      listed,
-      "[nvBits2Num, nvBitTest, nvConvertUnit, nvCRC16, nvCRC32, nvFunctionInputProperty, nvFunctionList, "
-      "nvFunctionOutputProperty, nvFunctionProperty, nvFunctionTest, nvNum2Num]");
+  EXPECT_EQ(listed,
+            "[nvBits2Num, nvBitTest, nvConvertUnit, nvCRC16, nvCRC32, nvFunctionInputProperty, nvFunctionList, "
+            "nvFunctionOutputProperty, nvFunctionProperty, nvFunctionTest, nvNum2Num]");
   const std::string math = show(run(u"FunctionList", {text(u"math")}));
   EXPECT_NE(math.find("nvInterpolationCurve"), std::string::npos);
   EXPECT_EQ(math.find("nvCRC16"), std::string::npos);
@@ -259,8 +246,7 @@ TEST_F(General, FunctionTestWithoutPrecision) {
             "[FALSE, FALSE, FALSE, FALSE, FALSE]");
   EXPECT_EQ(context_.messages, std::vector<std::string>{"T1 - Test Failed"});
   // A reference of #N/A is not compared; another error is compared by its number.
-  EXPECT_EQ(test({num(1), error(ERROR_NUM), error(ERROR_NUM)},
-                 {error(ERROR_NA), error(ERROR_NUM), error(ERROR_REF)}),
+  EXPECT_EQ(test({num(1), error(ERROR_NUM), error(ERROR_NUM)}, {error(ERROR_NA), error(ERROR_NUM), error(ERROR_REF)}),
             "[FALSE, TRUE, TRUE, FALSE]");
 }
 
@@ -310,10 +296,9 @@ TEST_F(General, InterpolationCurve) {
   EXPECT_EQ(curve(7, numbers(2, 2, {3, 33, 3, 44})), "[33, 0, 0]");
   EXPECT_EQ(curve(7, numbers(2, 1, {3, 33})), "[0, 0, 0]");
   // The four layouts, and cells that are no numbers.
-  for (const FUNCTION_ARG& table :
-       {numbers(1, 6, {0, 0, 10, 100, 20, 300}), numbers(6, 1, {0, 0, 10, 100, 20, 300}),
-        numbers(3, 2, {0, 10, 20, 0, 100, 300}),
-        range(2, 3, {text(u"x"), none, text(u"10"), num(100), num(20), num(300)})})
+  for (const FUNCTION_ARG& table : {numbers(1, 6, {0, 0, 10, 100, 20, 300}), numbers(6, 1, {0, 0, 10, 100, 20, 300}),
+                                    numbers(3, 2, {0, 10, 20, 0, 100, 300}),
+                                    range(2, 3, {text(u"x"), none, text(u"10"), num(100), num(20), num(300)})})
     EXPECT_EQ(curve(15, table), "[200, 0, 0]");
   EXPECT_EQ(curve(1e308, numbers(2, 2, {0, 0, 1, 100})), "#NUM!");
 }
@@ -326,8 +311,7 @@ TEST_F(General, InterpolationCurveRefusesOtherShapes) {
   };
   EXPECT_EQ(complaint(1, 3), "[3] reference values (0) should be an array with an even row-count");
   EXPECT_EQ(complaint(5, 1), "[3] reference values (0) should be an array with an even column-count");
-  EXPECT_EQ(complaint(3, 3),
-            "[3] reference values (0) should be an array with 1 or 2 columns or 1 or 2 rows");
+  EXPECT_EQ(complaint(3, 3), "[3] reference values (0) should be an array with 1 or 2 columns or 1 or 2 rows");
   EXPECT_EQ(complaint(2, 0), "[3] reference values should be an array of either 1 or 2 columns wide");
   EXPECT_EQ(show(run(u"InterpolationCurve", {none, num(1), error(ERROR_NA), none})), "#VALUE!");
 }

@@ -23,9 +23,7 @@ const Function_CTypeOf<Counter> counter_type(u"Counter");
 const Function_CTypeOf<Counter> other_type(u"Other");
 const Function_CTypeOf<Function_CSynchronizedData, true> shared_type(u"Shared");
 
-std::uint32_t nothing(Function_CContext&, FUNCTION_ARG*, std::size_t, FUNCTION_ARG&) {
-  return 0;
-}
+std::uint32_t nothing(Function_CContext&, FUNCTION_ARG*, std::size_t, FUNCTION_ARG&) { return 0; }
 
 // A context in the middle of a call from one place.
 class Place {

@@ -10,9 +10,7 @@
 namespace norvane {
 namespace {
 
-const Unit_CTypeAndUnitContainer& catalogue() {
-  return Unit_CTypeAndUnitContainer::Instance();
-}
+const Unit_CTypeAndUnitContainer& catalogue() { return Unit_CTypeAndUnitContainer::Instance(); }
 
 double converted(std::uint32_t from, std::uint32_t to, double value) {
   EXPECT_EQ(catalogue().Convert(from, to, value), UNIT_OK);
@@ -35,8 +33,7 @@ TEST(UnitCatalogue, EveryRowIsEntered) {
   for (CodeKind kind : {CodeKind::unit, CodeKind::quantity, CodeKind::enumeration}) {
     for (std::uint32_t code : members(kind, 0)) {
       const Unit_CEntry* entry = nullptr;
-      ASSERT_EQ(kind == CodeKind::unit ? catalogue().UnitDetails(code, entry)
-                                       : catalogue().TypeDetails(code, entry),
+      ASSERT_EQ(kind == CodeKind::unit ? catalogue().UnitDetails(code, entry) : catalogue().TypeDetails(code, entry),
                 UNIT_OK);
       std::u16string upper(entry->key);
       for (char16_t& c : upper) c = fold_ascii_upper(c);
@@ -79,8 +76,7 @@ TEST(UnitCatalogue, KeepsTheFactorsInService) {
   EXPECT_EQ(converted(unit::Btu_lbmol_degF, unit::kJ_kmol_degC, 1.0), 1292.22222222222);
   EXPECT_EQ(converted(unit::pulses_lb, unit::pulses_m3, 1.0), 1000.0);
   EXPECT_EQ(converted(unit::in3_pulse, unit::m3_pulse, 1.0), 1.64e-05);
-  for (std::uint32_t water :
-       {unit::mmH2O_60_degF, unit::mmH2Oa_60_degF, unit::mmH2Og_60_degF, unit::mmH2O_60_degF_d})
+  for (std::uint32_t water : {unit::mmH2O_60_degF, unit::mmH2Oa_60_degF, unit::mmH2Og_60_degF, unit::mmH2O_60_degF_d})
     EXPECT_EQ(converted(water, make_code(CodeKind::unit, type_number(water), 1), 1.0), 9.79685039370079);
 }
 
@@ -151,8 +147,7 @@ TEST(UnitCatalogue, EnumerationValuesByNumber) {
   EXPECT_EQ(catalogue().EnumerationValueByNumber(enumeration::rangestatus2, 1.0, code), UNIT_OK);
   EXPECT_EQ(code, make_code(CodeKind::enumeration_value, type_number(enumeration::rangestatus2), 2));
   EXPECT_EQ(catalogue().EnumerationValueByNumber(enumeration::rangestatus2, 1.5, code), UNIT_MISMATCH);
-  EXPECT_EQ(catalogue().EnumerationValueByNumber(enumeration::rangestatus2, std::nan(""), code),
-            UNIT_MISMATCH);
+  EXPECT_EQ(catalogue().EnumerationValueByNumber(enumeration::rangestatus2, std::nan(""), code), UNIT_MISMATCH);
   EXPECT_EQ(catalogue().EnumerationValueByNumber(unit::kg, 1.0, code), UNIT_WRONG_KIND);
 }
 
@@ -162,8 +157,7 @@ TEST(UnitCatalogue, ListsMembers) {
   EXPECT_TRUE(members(CodeKind::enumeration_value, quantity::temperature).empty());
   std::vector<std::uint32_t> codes;
   EXPECT_EQ(catalogue().ListMembers(CodeKind::unit, unit::K, codes), UNIT_WRONG_KIND);
-  EXPECT_EQ(catalogue().ListMembers(CodeKind::unit, make_code(CodeKind::quantity, 2), codes),
-            UNIT_UNKNOWN_CODE);
+  EXPECT_EQ(catalogue().ListMembers(CodeKind::unit, make_code(CodeKind::quantity, 2), codes), UNIT_UNKNOWN_CODE);
   EXPECT_EQ(Unit_CTypeAndUnitContainer::KindOfCode(0x05000000), 255u);
 }
 
@@ -208,8 +202,7 @@ TEST(UnitCatalogue, RefusesBadRows) {
   EXPECT_EQ(system(1, {}), UNIT_ALREADY_EXISTS);
   EXPECT_EQ(system(3, {{unit::psia, unit::bar_g}}), UNIT_MISMATCH);
   EXPECT_EQ(system(3, {{unit::psia, unit::bar_a}, {unit::psia, unit::kPa_a}}), UNIT_ALREADY_EXISTS);
-  EXPECT_EQ(system(3, {{quantity::time, quantity::time}, {quantity::time, quantity::time}}),
-            UNIT_ALREADY_EXISTS);
+  EXPECT_EQ(system(3, {{quantity::time, quantity::time}, {quantity::time, quantity::time}}), UNIT_ALREADY_EXISTS);
   EXPECT_EQ(units.UnitInSystem(3, unit::psia), unit::psia);  // a refused system leaves nothing behind
   // From 0 stands for the type of the target.
   EXPECT_EQ(system(3, {{0, unit::kPa_a}}), UNIT_OK);

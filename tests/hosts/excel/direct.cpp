@@ -64,8 +64,7 @@ Value Shown(const FUNCTION_ARG& arg) {
     case ARG_ARRAY: {
       std::vector<Value> elements;
       for (std::uint64_t i = 0; i < arg.count(); ++i) elements.push_back(Shown(arg.array.elements[i]));
-      return Array(static_cast<int>(arg.array.rows), static_cast<int>(arg.array.columns),
-                   std::move(elements));
+      return Array(static_cast<int>(arg.array.rows), static_cast<int>(arg.array.columns), std::move(elements));
     }
     case ARG_MISSING: return Missing();
     case ARG_ERROR: return Error(static_cast<int>(arg.error));
@@ -113,8 +112,8 @@ Value Direct::Call(const Function_CFunctionSpec& spec, const std::vector<Value>&
   state_->context.Reset();
   FUNCTION_ARG output = FUNCTION_ARG::Empty();
   std::uint32_t flags = 0;
-  const std::uint32_t status = state_->context.Execute(spec, values.data(), values.size(), output, flags,
-                                                       &state_->slots[spec.position]);
+  const std::uint32_t status =
+      state_->context.Execute(spec, values.data(), values.size(), output, flags, &state_->slots[spec.position]);
   if (status == ERROR_OK) return Shown(output);
   return Error(status <= 7 ? host_errors[status - 1] : XL_ERROR_VALUE);
 }
@@ -130,9 +129,7 @@ std::vector<Value> CheckCase::Arguments(const Function_CFunctionSpec& spec) cons
   return args;
 }
 
-void SetCheckFolder(const char* path) {
-  folder() = path;
-}
+void SetCheckFolder(const char* path) { folder() = path; }
 
 std::vector<CheckCase> ReadCheckCases() {
   std::vector<CheckCase> cases;

@@ -83,9 +83,7 @@ class CallMemory final : public Memory {
     record.string[i + 1] = text[i] <= 0xFF ? static_cast<unsigned char>(text[i]) : '?';
 }
 
-[[maybe_unused]] std::u16string GetText(const XlRecord12& record) {
-  return {record.string + 1, record.string[0]};
-}
+[[maybe_unused]] std::u16string GetText(const XlRecord12& record) { return {record.string + 1, record.string[0]}; }
 [[maybe_unused]] std::u16string GetText(const XlRecord4& record) {
   std::u16string text;
   for (int i = 1; i <= record.string[0]; ++i) text += char16_t{record.string[i]};
@@ -173,8 +171,7 @@ Value Read(const Record& record, int current_sheet) {
       std::vector<Value> elements;
       const std::size_t count =
           static_cast<std::size_t>(record.array.rows) * static_cast<std::size_t>(record.array.columns);
-      for (std::size_t i = 0; i < count; ++i)
-        elements.push_back(Read(record.array.elements[i], current_sheet));
+      for (std::size_t i = 0; i < count; ++i) elements.push_back(Read(record.array.elements[i], current_sheet));
       return Array(record.array.rows, record.array.columns, std::move(elements));
     }
     default: {
@@ -209,9 +206,7 @@ std::wstring Wide(const char* path) {
 
 }  // namespace
 
-Value Blank() {
-  return {};
-}
+Value Blank() { return {}; }
 Value Missing() {
   Value value;
   value.kind = Kind::missing;
@@ -223,18 +218,10 @@ static Value Scalar(Kind kind, double number) {
   value.number = number;
   return value;
 }
-Value Number(double number) {
-  return Scalar(Kind::number, number);
-}
-Value Integer(int number) {
-  return Scalar(Kind::integer, number);
-}
-Value Boolean(bool truth) {
-  return Scalar(Kind::boolean, truth ? 1.0 : 0.0);
-}
-Value Error(int code) {
-  return Scalar(Kind::error, code);
-}
+Value Number(double number) { return Scalar(Kind::number, number); }
+Value Integer(int number) { return Scalar(Kind::integer, number); }
+Value Boolean(bool truth) { return Scalar(Kind::boolean, truth ? 1.0 : 0.0); }
+Value Error(int code) { return Scalar(Kind::error, code); }
 Value Text(std::u16string text) {
   Value value;
   value.kind = Kind::text;
@@ -415,8 +402,7 @@ void Spreadsheet::Store(const Place& cells, const Value& value) {
       const bool inside = value.kind != Kind::array || (r < value.rows && c < value.columns);
       const std::size_t index =
           static_cast<std::size_t>(r) * static_cast<std::size_t>(value.columns) + static_cast<std::size_t>(c);
-      const Value element =
-          value.kind != Kind::array ? value : (inside ? value.elements[index] : Error(XL_ERROR_NA));
+      const Value element = value.kind != Kind::array ? value : (inside ? value.elements[index] : Error(XL_ERROR_NA));
       Set(Place::Cell(cells.sheet, cells.row + r, cells.column + c), element);
     }
   }
@@ -450,8 +436,7 @@ int Spreadsheet::Recalculate(int threads) {
       const Value value = Call(formula->function, formula->args, formula->cells, &again);
       ++calls;
       if (again) {
-        if (value != Error(XL_ERROR_NA))
-          Note("a cell waiting for another was answered with " + Describe(value));
+        if (value != Error(XL_ERROR_NA)) Note("a cell waiting for another was answered with " + Describe(value));
         const std::lock_guard lock(queue_mutex);
         queue.push_back(formula);
         continue;
@@ -487,8 +472,7 @@ void Spreadsheet::Note(std::string violation) {
   if (violations_.size() < 50) violations_.push_back(std::move(violation));
 }
 
-// ---- What the add-in may call
-// -----------------------------------------------------------------------------------
+// ---- What the add-in may call -------------------------------------------------------------------------------------
 
 int Spreadsheet::Callback(int function, int count, Record** args, Record* result) {
   {
@@ -530,8 +514,7 @@ int Spreadsheet::Callback(int function, int count, Record** args, Record* result
     }
     case XLF_REGISTER: return Register(count, args, result);
     case XLF_ADD_COMMAND: {
-      if (current_frame->what != Frame::What::command)
-        Note("a command function called from a worksheet function");
+      if (current_frame->what != Frame::What::command) Note("a command function called from a worksheet function");
       std::vector<Value> values;
       for (int i = 0; i < count; ++i) values.push_back(Read(*args[i], 0));
       menu_commands_.push_back(std::move(values));

@@ -64,9 +64,7 @@ Value Text(std::u16string text);
 Value Array(int rows, int columns, std::vector<Value> elements);
 Value Reference(Place place);
 std::string Describe(const Value& value);
-inline void PrintTo(const Value& value, std::ostream* out) {
-  *out << Describe(value);
-}
+inline void PrintTo(const Value& value, std::ostream* out) { *out << Describe(value); }
 
 struct Registration {
   std::string procedure;
@@ -98,8 +96,8 @@ class Spreadsheet {
   Value Get(Place cell);
 
   // Calls a registered function as a formula of the calling cells does.
-  Value Call(const std::u16string& function, const std::vector<Value>& args,
-             Place caller = Place::Cell(0, 99, 9), bool* met_uncalculated = nullptr);
+  Value Call(const std::u16string& function, const std::vector<Value>& args, Place caller = Place::Cell(0, 99, 9),
+             bool* met_uncalculated = nullptr);
   // The same with records that may be anything; null pointers too.
   Value CallRaw(const std::u16string& function, std::vector<Record*> args);
   const Record* CallUnchecked(const Registration& function, Record** args, Place caller);

@@ -227,8 +227,7 @@ TEST(Iso6976, NoCompressibilityFails) {
   EXPECT_EQ(run1995(Gas22{}, 1).status, Status::failed) << "no gas at all";
 }
 
-// ---- Through the call path
-// --------------------------------------------------------------------------------------
+// ---- Through the call path ----------------------------------------------------------------------------------------
 
 // In the order of AGA-8 with neo-pentane behind.
 constexpr std::array<double, 22> eight = {0.9247, 0.0175, 0.0068, 0.035, 0.0098, 0, 0, 0, 0, 0, 0.0034,
