@@ -68,7 +68,7 @@ double out_of_range_value(const char* first, const char* last, bool hexadecimal)
 int compare_ignoring_case(std::u16string_view a, std::u16string_view b) noexcept {
   const std::size_t n = a.size() < b.size() ? a.size() : b.size();
   for (std::size_t i = 0; i < n; ++i) {
-    const int difference = static_cast<int>(fold_ascii_upper(a[i])) - static_cast<int>(fold_ascii_upper(b[i]));
+    const int difference = static_cast<int>(fold_ascii_lower(a[i])) - static_cast<int>(fold_ascii_lower(b[i]));
     if (difference != 0) return difference;
   }
   return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
@@ -85,8 +85,11 @@ bool parse_number(std::u16string_view text, double& value) noexcept {
   // from_chars would take a second sign, which the C library does not.
   if (first == last || *first == '-' || *first == '+') return false;
   const bool hexadecimal = last - first > 2 && first[0] == '0' && (first[1] | 0x20) == 'x';
-  if (hexadecimal) first += 2;
-  if (first == last || *first == '-') return false;
+  if (hexadecimal) {
+    first += 2;
+    // Nor would it take "0xinf".
+    if (!is_digit(*first) && *first != '.' && !((*first | 0x20) >= 'a' && (*first | 0x20) <= 'f')) return false;
+  }
   double parsed = 0.0;
   const auto result =
       std::from_chars(first, last, parsed, hexadecimal ? std::chars_format::hex : std::chars_format::general);

@@ -19,7 +19,12 @@ constexpr bool equal_ignoring_case(std::u16string_view a, std::u16string_view b)
   return true;
 }
 
-// Order by code unit after folding 'a' to 'z' to upper case; negative, zero or positive.
+constexpr char16_t fold_ascii_lower(char16_t unit) {
+  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
+}
+
+// Order by code unit after folding 'A' to 'Z' to lower case, so that '_' comes before the letters ("AGA10_M"
+// before "AGA10ex_M"); negative, zero or positive.
 int compare_ignoring_case(std::u16string_view a, std::u16string_view b) noexcept;
 
 // The whole text, blanks and tabs around it aside, as the C library's conversions read it in the "C" locale

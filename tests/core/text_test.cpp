@@ -35,7 +35,7 @@ TEST(ParseNumber, ReadsWhatTheCLibraryReads) {
 
 TEST(ParseNumber, RefusesWhatIsNoNumber) {
   for (std::u16string_view text :
-       {u"", u"  \t", u"12.5x", u"1,5", u"--1", u"+-1", u"-", u"0x", u"1 2", u"\u0661", u"e5"}) {
+       {u"", u"  \t", u"12.5x", u"1,5", u"--1", u"+-1", u"-", u"0x", u"0xinf", u"0x-1", u"1 2", u"\u0661", u"e5"}) {
     double value = 7.0;
     EXPECT_FALSE(parse_number(text, value)) << to_utf8(text);
     EXPECT_EQ(value, 7.0);
@@ -52,6 +52,13 @@ TEST(ParseInteger, SaturatesAndRefusesFractions) {
   EXPECT_TRUE(parse_integer(u"-99999999999", value));
   EXPECT_EQ(value, -2147483647 - 1);
   for (std::u16string_view text : {u"1.5", u"", u"0x10", u"+-3", u"3 3"}) EXPECT_FALSE(parse_integer(text, value));
+}
+
+TEST(Order, FoldsToLowerCaseSoThatAnUnderlineComesBeforeTheLetters) {
+  EXPECT_LT(compare_ignoring_case(u"AGA10_M", u"AGA10ex_M"), 0);
+  EXPECT_LT(compare_ignoring_case(u"GPA_TP15", u"gpaA"), 0);
+  EXPECT_LT(compare_ignoring_case(u"Sarasota", u"SGERG"), 0);
+  EXPECT_EQ(compare_ignoring_case(u"crc16", u"CRC16"), 0);
 }
 
 TEST(FormatNumber, FourteenDigitsInTheGeneralForm) {
