@@ -110,15 +110,25 @@ bool throat(const AGA8::Mixture& mixture, const AGA8::Composition& x, const Mola
   constexpr double largest_T_step = 0.1, largest_rho_step = 0.3;  // relative
   constexpr double tolerance = 1e-9;                              // of the last step; the error left is its square
   constexpr double difference = 1e-6;                             // relative, for the slopes of the speed of sound
-  const double ratio = 2.0 / (kappa + 1.0);
-  double T = stagnation.T * ratio;
-  double rho = stagnation.rho * elementary::pow(ratio, 1.0 / (kappa - 1.0));
-  if (!(T > 0.0 && rho > 0.0 && std::isfinite(rho))) return false;
+  // The throat of a perfect gas with this isentropic exponent, in density. The temperature follows with the
+  // slope of the isentrope, d ln T / d ln rho = R dp_dT / cv: the ratio 2 / (kappa + 1) of a perfect gas is
+  // far too cold for a dense one, whose isentropic exponent is large.
+  const double expansion = elementary::pow(2.0 / (kappa + 1.0), 1.0 / (kappa - 1.0));
+  double T = stagnation.T * elementary::pow(expansion, R * stagnation.dp_dT / stagnation.cv);
+  double rho = stagnation.rho * expansion;
+  if (!(T > 0.0 && rho > 0.0 && std::isfinite(T) && std::isfinite(rho))) return false;
+  double stable_T = stagnation.T, stable_rho = stagnation.rho;  // the last state with a speed of sound
   for (int i = 0; i < max_steps; ++i) {
     found = state(mixture, x, T, rho, Entropy::include);
     const MolarState warmer = state(mixture, x, T * (1.0 + difference), rho, Entropy::leave_out);
     const MolarState denser = state(mixture, x, T, rho * (1.0 + difference), Entropy::leave_out);
-    if (!stable(found) || !stable(warmer) || !stable(denser)) return false;
+    if (!stable(found) || !stable(warmer) || !stable(denser)) {  // a step too far: halfway back
+      T = 0.5 * (T + stable_T);
+      rho = 0.5 * (rho + stable_rho);
+      continue;
+    }
+    stable_T = T;
+    stable_rho = rho;
     // Residuals over R and R T; derivatives to ln T and ln rho.
     const double f = (found.s - stagnation.s) / R;
     const double f_T = found.cv / R;

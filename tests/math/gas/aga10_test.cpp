@@ -145,7 +145,9 @@ double property(const AGA8::Composition& x, double p, double T, Property which) 
 // without any speed of sound.
 TEST(AGA10, CriticalFlowFactorIsTheGreatestFlux) {
   for (const AGA8::Composition* x : gases) {
-    for (const auto& [p, T] : {std::pair{5e5, 300.0}, {60e5, 320.0}, {150e5, 400.0}}) {
+    // The last two are dense: a perfect gas with their isentropic exponent is no guide to the throat.
+    for (const auto& [p, T] :
+         {std::pair{5e5, 300.0}, {60e5, 320.0}, {150e5, 400.0}, {500e5, 330.0}, {1400e5, 330.0}}) {
       AGA8::Mixture mixture;
       mixture.set(*x);
       AGA8::Isotherm isotherm;
