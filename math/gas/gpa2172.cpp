@@ -112,9 +112,6 @@ Result calculate(std::span<const double, n_fractions> fractions, Units units, in
   double total = 0.0;
   for (double fraction : fractions) total += fraction;
   if (!(total >= sum_low && total <= sum_high)) return end_with(Status::composition);
-  for (double fraction : fractions) {
-    if (fraction < 0.0) return end_with(Status::failed);
-  }
 
   std::array<double, n_components> x;
   for (std::size_t i = 0; i < n_components; ++i) x[i] = fractions[i];
@@ -123,6 +120,9 @@ Result calculate(std::span<const double, n_fractions> fractions, Units units, in
     case NeoPentane::to_n_pentane: x[i_n_pentane] += fractions[i_neopentane]; break;
     case NeoPentane::neglect: break;
     default: return end_with(Status::unknown_option);
+  }
+  for (double fraction : fractions) {
+    if (fraction < 0.0) return end_with(Status::failed);
   }
   // The dry gas is summed without the water, not by subtraction, so that a rounding residue is never taken
   // for a gas.
