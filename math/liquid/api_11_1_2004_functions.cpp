@@ -223,21 +223,28 @@ constexpr std::u16string_view metric_words = u"metric,liquid,api";
   u"meet. A refined group that is named can fail outside its own densities, the transition zone also at high and " \
   u"low temperatures within them: prefer 'Refined, auto' there. A result is refined until base density times CTL " \
   u"times CPL gives the observed density within 1e-10 of it.\n"
+#define NOTES_SECOND_SOLUTION \
+  u"Below about 680 kg/m3, above about 220 \u00B0F (105 \u00B0C) and under pressure, an observed density has a second " \
+  u"solution of a lower base density. The iteration starts at the observed density and can end there: the base " \
+  u"density then lies outside the limits and the range status is 1.\n"
 #define NOTES_METRIC \
   u"CTL, CTPL and CPL belong to the table's own base: volumes go through 60 \u00B0F, CTL is the ratio of the factors " \
   u"at the observed and at the base temperature.\n"
 // clang-format on
 
 constexpr std::u16string_view notes_to_60F =
-    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.6.2.\n" NOTES_COMMON NOTES_ITERATION;
+    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.6.2.\n" NOTES_COMMON NOTES_ITERATION
+        NOTES_SECOND_SOLUTION;
 constexpr std::u16string_view notes_from_60F =
     u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.6.1.\n" NOTES_COMMON;
 constexpr std::u16string_view notes_to_metric =
-    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.7.2.\n" NOTES_COMMON NOTES_METRIC NOTES_ITERATION;
+    u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.7.2.\n" NOTES_COMMON NOTES_METRIC NOTES_ITERATION
+        NOTES_SECOND_SOLUTION;
 constexpr std::u16string_view notes_from_metric =
     u"API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), 11.1.7.1.\n" NOTES_COMMON NOTES_METRIC NOTES_ITERATION;
 #undef NOTES_COMMON
 #undef NOTES_ITERATION
+#undef NOTES_SECOND_SOLUTION
 #undef NOTES_METRIC
 
 }  // namespace

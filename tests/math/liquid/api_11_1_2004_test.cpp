@@ -109,6 +109,30 @@ TEST(Api11_1_2004, RoundTripsOverTheWholeRange) {
   }
 }
 
+// Hot light liquids under pressure have two base densities for one observed density. The lower one is no
+// liquid of the standard; it must never come without the range flag.
+TEST(Api11_1_2004, LowerOfTwoSolutionsIsFlagged) {
+  int lower = 0;
+  for (const Group group : {Group::crude, Group::refined, Group::gasoline}) {
+    const Liquid liquid{group};
+    for (double rho60 = 610.6; rho60 < 700; rho60 += 1.1) {
+      for (double degF = 180; degF <= 302; degF += 6.1) {
+        for (const double psig : {100.0, 600.0, 900.0, 1200.0, 1500.0}) {
+          SCOPED_TRACE(std::to_string(rho60) + " " + std::to_string(degF) + " " + std::to_string(psig));
+          Correction there, back;
+          ASSERT_EQ(observed_from_base(liquid, rho60, degF, psig, Rounding::off, there), Outcome::ok);
+          ASSERT_FALSE(there.out_of_range);
+          ASSERT_EQ(base_from_observed(liquid, there.observed_density, degF, psig, Rounding::off, back), Outcome::ok);
+          if (std::fabs(back.base_density - rho60) <= 1e-8 * rho60) continue;
+          ++lower;
+          ASSERT_TRUE(back.out_of_range) << back.base_density;
+        }
+      }
+    }
+  }
+  EXPECT_GT(lower, 0);
+}
+
 // alpha60 jumps a little where two groups meet. Densities around the jump from both sides: a value that gives
 // the observed density back, or no convergence, and that only inside a gap between the two sides.
 TEST(Api11_1_2004, BoundariesOfRefinedGroupsNeverGiveAWrongValue) {
