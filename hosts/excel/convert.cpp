@@ -12,10 +12,7 @@ namespace {
 // The host frees, the add-in frees: flags beside the type.
 constexpr std::uint32_t ownership_flags = 0x1000 | 0x4000;
 
-// Limits of one argument: a full sheet's rows and columns, arrays inside arrays, and elements in all. A count
-// beyond them is not a sheet's.
-constexpr std::int64_t max_rows = 1048576;
-constexpr std::int64_t max_columns = 16384;
+// Limits of one argument beside a full sheet's rows and columns: elements in all, and arrays inside arrays.
 constexpr std::uint64_t max_elements = 16 * 1048576;
 constexpr int max_nesting = 8;
 
@@ -129,7 +126,7 @@ class Reader {
   bool ReadArray(const Record& record, FUNCTION_ARG& arg, int depth) noexcept {
     const std::int64_t rows = record.array.rows;
     const std::int64_t columns = record.array.columns;
-    if (rows < 0 || columns < 0 || rows > max_rows || columns > max_columns) return false;
+    if (rows < 0 || columns < 0 || rows > sheet_rows || columns > sheet_columns) return false;
     const auto count = static_cast<std::uint64_t>(rows * columns);
     if (count > max_elements - elements_ || (count != 0 && record.array.elements == nullptr)) return false;
     elements_ += count;

@@ -111,9 +111,13 @@ void Excel_CFunctionContext::FindCaller() noexcept {
   HostResult<Record> caller;
   if (!NoteAnswer(caller.Call(XLF_CALLER))) return;
   const auto take = [this](const auto& area) {
-    const std::int32_t rows = area.last_row - area.first_row + 1;
-    const std::int32_t columns = area.last_column - area.first_column + 1;
-    if (area.first_row < 0 || area.first_column < 0 || rows < 1 || columns < 1) return;
+    const std::int32_t last_row = area.last_row;
+    const std::int32_t last_column = area.last_column;
+    // An area beyond every sheet is no caller, and its size need not fit a number.
+    if (area.first_row < 0 || area.first_column < 0 || last_row >= sheet_rows || last_column >= sheet_columns) return;
+    const std::int32_t rows = last_row - area.first_row + 1;
+    const std::int32_t columns = last_column - area.first_column + 1;
+    if (rows < 1 || columns < 1) return;
     caller_.first_row = area.first_row;
     caller_.first_column = area.first_column;
     caller_.rows = rows;
@@ -125,9 +129,10 @@ void Excel_CFunctionContext::FindCaller() noexcept {
   };
   const Record& record = caller.record();
   // Anything else is a menu, a toolbar or another add-in.
-  if (record.type == XL_REFERENCE)
+  const std::uint32_t type = record.type & XL_TYPE_MASK;
+  if (type == XL_REFERENCE)
     take(record.reference.area);
-  else if (record.type == XL_MULTI_REFERENCE && record.multi.areas != nullptr && record.multi.areas->count >= 1)
+  else if (type == XL_MULTI_REFERENCE && record.multi.areas != nullptr && record.multi.areas->count >= 1)
     take(record.multi.areas->areas[0]);
 }
 
@@ -146,7 +151,7 @@ bool Excel_CFunctionContext::FindSheet(std::u16string_view& sheet) noexcept {
   Record* args[] = {&place};
   HostResult<Record> name;
   if (!NoteAnswer(name.Call(XL_SHEET_NAME, 1, args))) return false;
-  if (name.record().type != XL_STRING || name.record().string == nullptr) return false;
+  if ((name.record().type & XL_TYPE_MASK) != XL_STRING || name.record().string == nullptr) return false;
   const std::ptrdiff_t length = SheetText(name.record(), place_, longest_sheet);
   if (length <= 0) return false;
   sheet = {place_, static_cast<std::size_t>(length)};

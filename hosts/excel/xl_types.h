@@ -136,6 +136,10 @@ static_assert(sizeof(XlRecord12) == 32 && offsetof(XlRecord12, type) == 24);
 static_assert(offsetof(XlRecord12, reference.area) == 4 && offsetof(XlRecord12, multi.sheet) == 8);
 static_assert(offsetof(XlRecord12, array.rows) == 8 && offsetof(XlRecord12, array.columns) == 12);
 
+// A full sheet of the newer dialect.
+inline constexpr std::int32_t sheet_rows = 1048576;
+inline constexpr std::int32_t sheet_columns = 16384;
+
 // Longest texts: the first unit of a host string is its length.
 inline constexpr std::size_t max_text12 = 32767;
 inline constexpr std::size_t max_text4 = 255;

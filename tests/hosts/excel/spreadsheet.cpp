@@ -24,6 +24,8 @@ using namespace norvane::excel;
 
 constexpr int max_pointer_arguments = 40;
 constexpr std::size_t max_host_text = 255;
+// A flag beside the type, on every record that the host wants back.
+constexpr auto host_frees = static_cast<decltype(Record{}.type)>(0x1000);
 constexpr int returned_invalid_count = 4;
 constexpr int returned_invalid_record = 8;
 
@@ -156,7 +158,7 @@ void Write(const Value& value, Record& record, Memory& memory, int current_sheet
 }
 
 Value Read(const Record& record, int current_sheet) {
-  switch (record.type) {
+  switch (record.type & ~host_frees) {
     case XL_NUMBER: return Number(record.number);
     case XL_INTEGER: return Integer(record.integer);
     case XL_BOOLEAN: return Boolean(record.boolean != 0);
@@ -549,6 +551,7 @@ int Spreadsheet::Answer(const Value& value, Record* result) {
     Spreadsheet& owner_;
   } memory(*this);
   Write(value, *result, memory, current_frame->caller.sheet);
+  result->type |= host_frees;
   bool again = false;
   {
     const std::lock_guard lock(mutex_);
