@@ -12,9 +12,8 @@ enum Result : int {
   invalid = -8    // no values, or their sum is below 1e-6
 };
 
-// Divides every amount by the sum, in place, unless an amount is negative or the sum is below 1e-6. With
-// sum_off the amounts are normalised all the same. A NaN counts as a negative value, an infinite sum as
-// invalid.
+// Divides every amount by the sum, in place, unless an amount is negative or the sum is below 1e-6.
+// With sum_off the amounts are normalised all the same. A NaN counts as a negative value, an infinite sum as invalid.
 Result normalise(std::span<double> amounts) noexcept;
 
 // The same tests without normalising; the sum itself may be of any size.

@@ -23,8 +23,7 @@ struct Meter {
   double pressure_coefficient;     // us/bar
 };
 
-// Density in kg/m3. calculation_error: a corrected period constant of zero, or a density outside 0 to 3000
-// kg/m3.
+// Density in kg/m3. calculation_error: a corrected period constant of zero, or a density outside 0 to 3000 kg/m3.
 Outcome density(const Meter& meter, double& rho) noexcept;
 
 }  // namespace norvane::Sarasota

@@ -64,12 +64,12 @@ struct LiquidDensity {  // kg/m3
   double corrected;
 };
 
-// calculation_error: a zero divisor, or the uncorrected, temperature corrected or final density outside 0 to
-// 3000 kg/m3.
+// calculation_error: a zero divisor, or the uncorrected, temperature
+// corrected or final density outside 0 to 3000 kg/m3.
 Outcome liquid_density(const LiquidMeter& meter, LiquidDensity& density) noexcept;
 
-// SG = K0 + K2 tau^2 of the relative density transducers; period in us. calculation_error only for a result
-// that is no finite number.
+// SG = K0 + K2 tau^2 of the relative density transducers; period in us.
+// calculation_error only for a result that is no finite number.
 Outcome specific_gravity(double period, double k0, double k2, double& sg) noexcept;
 
 }  // namespace norvane::Solartron

@@ -1,6 +1,5 @@
 // UGC vibrating-element densitometer: a parabola of the period, with corrections for temperature and pressure
-// that are parabolas of the density. The constants come from the calibration certificate of the single
-// instrument.
+// that are parabolas of the density. The constants come from the calibration certificate of the single instrument.
 #pragma once
 
 #include "math/densitometer/densitometer.h"

@@ -1,5 +1,4 @@
-// AGA Report No. 3 = API MPMS Chapter 14.3: mass flow rate through a flange-tapped, concentric square-edged
-// orifice.
+// AGA Report No. 3 = API MPMS Chapter 14.3: mass flow rate through a flange-tapped, concentric square-edged orifice.
 //
 //   Part 1 (1990/1992, 2012)   equations, uncertainty, limits of use
 //   Part 4 (1992)              procedure: the discharge coefficient by Newton's method in X = 4000/Re_D
@@ -56,8 +55,7 @@ struct Result {
   int steps = 0;                        // Newton steps
 };
 
-// gravity_correction: F_pwl, local gravity correction for deadweight calibrators [-]. drain_hole [in], 0 for
-// none.
+// gravity_correction: F_pwl, local gravity correction for deadweight calibrators [-]. drain_hole [in], 0 for none.
 Code orifice(const Measurement& measured, const Geometry& geometry, Edition edition, double drain_hole,
              double gravity_correction, Result& result) noexcept;
 

@@ -14,7 +14,7 @@ using device_call::join;
 using record::Input;
 using record::Output;
 
-// ---- Record ----
+// ---- Record ------------------------------------------------------------------------------------------------------
 
 // clang-format off
 constexpr std::array<Input, 13> leading = {
@@ -126,7 +126,7 @@ constexpr std::u16string_view notes =
     u"delivered.\n";
 // clang-format on
 
-// ---- Implementation ----
+// ---- Implementation ----------------------------------------------------------------------------------------------
 
 enum class In : std::size_t {
   locations = static_cast<std::size_t>(device_call::In::after_geometry),

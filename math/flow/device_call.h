@@ -13,7 +13,7 @@
 
 namespace norvane::device_call {
 
-// ---- Records ----
+// ---- Records -----------------------------------------------------------------------------------------------------
 
 template <class Record, std::size_t... N>
 constexpr auto join(const std::array<Record, N>&... parts) {
@@ -55,7 +55,7 @@ constexpr std::array<record::Output, 9> state_outputs(std::uint32_t pressure, st
 }
 // clang-format on
 
-// ---- Arguments and outputs ----
+// ---- Arguments and outputs ---------------------------------------------------------------------------------------
 
 // Positions that all elements share.
 enum class In : std::size_t {

@@ -6,9 +6,8 @@
 //   kappa  isentropic exponent [-]                      D, d         pipe and device diameter at T1
 //   n_rho  density exponent, rho ~ p^n_rho              n_T          temperature exponent, T ~ p^-n_T
 //
-// The three points, the thermal expansion, the loop on the mass flow rate and the limits of use are written
-// once, here. Everything works on numbers in one consistent set of units; a standard names its own set by
-// Units.
+// The three points, the thermal expansion, the loop on the mass flow rate and the limits of use are written once,
+// here. Everything works on numbers in one consistent set of units; a standard names its own set by Units.
 #pragma once
 
 #include <algorithm>
@@ -92,8 +91,7 @@ class States {
   // The recovered pressure starts as the downstream pressure.
   States(const Measurement& measured, const Units& units) noexcept;
 
-  // Pressures [bar | psia]. A downstream pressure may come out zero or negative; the caller decides what that
-  // means.
+  // Pressures [bar | psia]. A downstream pressure may come out zero or negative; the caller decides what that means.
   const ThreePoints& pressure() const noexcept { return pressure_; }
   // ln(p2/p1) <= 0.
   double log_pressure_ratio() const noexcept { return log_ratio_.downstream; }
@@ -128,10 +126,9 @@ inline constexpr int max_rounds = 25;
 
 enum class LoopEnd { converged, no_convergence, not_finite };
 
-// Repeats mass_rate = round(mass_rate) until two rounds agree within the tolerance [kg/s], at least twice and
-// at most max_rounds times. A tolerance below what a double can tell apart counts as met: a change of one
-// unit in the last place of a coefficient moves the mass rate by up to two (1e-12 kg/s is less than that
-// above 4000 kg/s).
+// Repeats mass_rate = round(mass_rate) until two rounds agree within the tolerance [kg/s], at least twice
+// and at most max_rounds times. A tolerance below what a double can tell apart counts as met: a change of one unit
+// in the last place of a coefficient moves the mass rate by up to two (1e-12 kg/s is less than that above 4000 kg/s).
 template <class Round>
 LoopEnd iterate(double tolerance, double& mass_rate, int& rounds, Round&& round) noexcept {
   for (rounds = 1; rounds <= max_rounds; ++rounds) {

@@ -60,7 +60,7 @@ struct Expansion {
 double cube(double x) noexcept { return x * x * x; }
 double fourth(double x) noexcept { return (x * x) * (x * x); }
 
-// ---- Expansibility ----
+// ---- Expansibility -----------------------------------------------------------------------------------------------
 
 // (e^y - 1)/y. The series holds 1e-17 below 0.1, where the quotient loses digits.
 double relative_growth(double y) noexcept {
@@ -100,7 +100,7 @@ double orifice_expansibility_2003(const Expansion& e, double beta4) noexcept {
   return 1.0 - (0.351 + 0.256 * beta4 + 0.93 * beta4 * beta4) * (1.0 - elementary::exp(e.log_tau / e.kappa));
 }
 
-// ---- Pressure loss, as a fraction of dp ----
+// ---- Pressure loss, as a fraction of dp --------------------------------------------------------------------------
 
 // ISO 5167-2:2003, 5.4.
 double loss_2003(const Flowing& f, double C) noexcept {
@@ -118,7 +118,7 @@ double given_loss(const PressureLoss& loss, double dp) noexcept {
   return loss.mode == PressureLoss::Mode::value ? loss.value : dp * loss.value / 100.0;
 }
 
-// ---- Limits of use ----
+// ---- Limits of use -----------------------------------------------------------------------------------------------
 
 struct Limits {
   Limit device;    // d at reference temperature [mm]
@@ -141,7 +141,7 @@ Code check_limits(const Limits& limits, const Geometry& reference, Code code, Re
   return code;
 }
 
-// ---- The elements ----
+// ---- The elements ------------------------------------------------------------------------------------------------
 //
 // Each element has
 //   tolerance              of the loop on q_m [kg/s], and what 25 rounds that do not meet it come to
@@ -211,8 +211,7 @@ struct Orifice {
     reynolds_factor = 0.0029 * f.beta2 * std::sqrt(f.beta);
   }
 
-  // Reader-Harris/Gallagher, ISO 5167-2:2003, 5.3.2.1, equation (4), completed for Reynolds numbers below
-  // 3700.
+  // Reader-Harris/Gallagher, ISO 5167-2:2003, 5.3.2.1, equation (4), completed for Reynolds numbers below 3700.
   void set_reader_harris_gallagher() noexcept {
     double L1, L2;
     tapping_distances(L1, L2);
@@ -355,8 +354,8 @@ struct LongRadiusNozzle {
   }
 };
 
-// C of the two Venturis does not depend on the Reynolds number: the loop settles the states only and stops
-// without a code.
+// C of the two Venturis does not depend on the Reynolds number: the loop
+// settles the states only and stops without a code.
 struct VenturiNozzle {
   static constexpr double tolerance = 1e-9;
   static constexpr bool deliver_unconverged = true;
@@ -419,7 +418,7 @@ struct Venturi {
   Limits limits(double, double) const noexcept { return row().limits; }
 };
 
-// ---- The calculation ----
+// ---- The calculation ---------------------------------------------------------------------------------------------
 
 Code check_arguments(const Measurement& measured, const Geometry& geometry, Result& result) noexcept {
   if (!(measured.viscosity > 0.0)) return Code::viscosity;
@@ -505,8 +504,8 @@ class Calculation {
     return check_limits(element_.limits(flowing_.beta, geometry_.pipe_diameter), geometry_, code, result_);
   }
 
-  // One round: states, geometry, expansibility, coefficient, mass rate and recovered pressure. NaN where a formula
-  // has no value.
+  // One round: states, geometry, expansibility, coefficient, mass rate and
+  // recovered pressure. NaN where a formula has no value.
   double round(double previous) noexcept {
     const bool first = result_.rounds == 1;
     state_p3_ = first ? states_.pressure().recovered : p3_;

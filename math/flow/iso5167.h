@@ -8,8 +8,8 @@
 //
 //   q_m = C eps (pi/4) d^2 sqrt(2 dp rho1) / sqrt(1 - beta^4)          ISO 5167-1:2003, clause 5
 //
-// Pure functions of numbers: no state, no allocation, no exception. Options come in as enumerations; numbers
-// may be anything.
+// Pure functions of numbers: no state, no allocation, no exception. Options
+// come in as enumerations; numbers may be anything.
 #pragma once
 
 #include "math/flow/differential_pressure.h"
@@ -72,8 +72,8 @@ struct Result {
   int rounds = 0;                      // of the iteration
 };
 
-// ISO 5167-1:1991 and Amd 1:1998, ISO 5167-2:2003; quarter-circle and conical-entrance plates (edition 2003
-// only): ISO/TR 15377. drain_hole [mm], 0 for none.
+// ISO 5167-1:1991 and Amd 1:1998, ISO 5167-2:2003; quarter-circle and conical-entrance plates (edition
+// 2003 only): ISO/TR 15377. drain_hole [mm], 0 for none.
 Code orifice(const Measurement& measured, const Geometry& geometry, Tappings tappings, Edition edition,
              double drain_hole, Result& result) noexcept;
 

@@ -20,7 +20,7 @@ using record::Output;
 template <std::size_t N>
 using Inputs = std::array<Input, N>;
 
-// ---- Records ----
+// ---- Records -----------------------------------------------------------------------------------------------------
 
 // clang-format off
 // Inputs 0 to 12, with the orifice's defaults.
@@ -169,7 +169,7 @@ constexpr auto venturi_outputs = outputs(
     u"throat itself).");
 // clang-format on
 
-// ---- Implementations ----
+// ---- Implementations ---------------------------------------------------------------------------------------------
 
 // Where the inputs behind the geometry stand. The nozzles have no configuration.
 enum class OrificeIn : std::size_t { config = 13, locations = 14, edition = 21, drain_hole, count };

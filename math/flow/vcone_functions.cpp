@@ -19,7 +19,7 @@ using differential_pressure::ThreePoints;
 using record::Input;
 using record::Output;
 
-// ---- Records ----
+// ---- Records -----------------------------------------------------------------------------------------------------
 
 // The units of one function.
 struct UnitSet {
@@ -111,7 +111,7 @@ constexpr std::u16string_view notes =
     u"below. Status 3: no convergence in 25 rounds.\n";
 // clang-format on
 
-// ---- Implementations ----
+// ---- Implementations ---------------------------------------------------------------------------------------------
 
 enum class In : std::size_t {
   config = static_cast<std::size_t>(device_call::In::after_geometry),

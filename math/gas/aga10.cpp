@@ -102,8 +102,7 @@ double perfect_gas_flow_factor(double k) noexcept {
 }
 
 // The throat of a critical nozzle: the state with the entropy of the stagnation state whose kinetic energy,
-// half the square of the speed of sound, makes up for its lower enthalpy. Newton's method in temperature and
-// density.
+// half the square of the speed of sound, makes up for its lower enthalpy. Newton's method in temperature and density.
 bool throat(const AGA8::Mixture& mixture, const AGA8::Composition& x, const MolarState& stagnation, double kappa,
             MolarState& found) noexcept {
   constexpr int max_steps = 60;

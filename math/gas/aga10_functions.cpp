@@ -116,8 +116,8 @@ constexpr auto requested = [] {
   return list;
 }();
 
-// What is done in either function up to the outputs. True when the values are there; else `result` is what
-// the implementation returns.
+// What is done in either function up to the outputs. True when the values are there;
+// else `result` is what the implementation returns.
 bool compute(Call& call, std::span<const Property> properties, AGA10::Properties& values, int& range,
              std::uint32_t& result) noexcept {
   const double p = call.number(In::pressure);

@@ -28,7 +28,7 @@
 namespace norvane::AGA8 {
 namespace {
 
-// ---- Powers of a temperature or an energy -------------------------------------------------------------------------
+// ---- Powers of a temperature or an energy ------------------------------------------------------------------------
 
 constexpr double exponents[] = {-13, -6, -1, -0.5, 0, 0.5, 1,   1.5, 2,  3,    3.5, 4,  4.5,
                                 5,   6,  7,  7.5,  8, 9,   9.5, 11,  12, 12.5, 21,  22, 23};
@@ -86,7 +86,7 @@ constexpr std::array<std::size_t, term_count> make_positions() {
 }
 constexpr auto position = make_positions();
 
-// ---- The 24 pairs (k, b) ------------------------------------------------------------------------------------------
+// ---- The 24 pairs (k, b) -----------------------------------------------------------------------------------------
 
 struct Exponents {
   int k, b;
@@ -116,7 +116,7 @@ inline void for_each_density_term(const Function& function, std::index_sequence<
    ...);
 }
 
-// ---- Pair coefficients, tabulated once ----------------------------------------------------------------------------
+// ---- Pair coefficients, tabulated once ---------------------------------------------------------------------------
 
 // Terms of B that all pairs have, and terms that only pairs of polar components or of hydrogen have.
 constexpr std::size_t common_terms[] = {1, 2, 3, 4, 5, 6, 14, 15, 17, 18};
@@ -286,8 +286,8 @@ void Isotherm::set(const Mixture& mixture, double temperature) noexcept {
 
 namespace {
 
-// Polynomials of the five groups of equal k in the reduced density, powers of r2 = r^2 kept apart so that the
-// two halves run side by side.
+// Polynomials of the five groups of equal k in the reduced density, powers of r2 = r^2 kept
+// apart so that the two halves run side by side.
 inline double group0(const double* c, double r, double r2) noexcept {  // b = 2..7
   return r2 * ((c[0] + r2 * (c[2] + r2 * c[4])) + r * (c[1] + r2 * (c[3] + r2 * c[5])));
 }
@@ -330,7 +330,7 @@ double Isotherm::pressure(double rho) const noexcept {
 
 namespace {
 
-// ---- Density from pressure: bracket, then Brent's method ----------------------------------------------------------
+// ---- Density from pressure: bracket, then Brent's method ---------------------------------------------------------
 
 constexpr int max_bracket_steps = 300;
 constexpr int max_brent_steps = 250;
@@ -510,7 +510,7 @@ Residual residual(const Mixture& mixture, double T, double rho) noexcept {
   return sum;
 }
 
-// ---- Composition and range rules ----------------------------------------------------------------------------------
+// ---- Composition and range rules ---------------------------------------------------------------------------------
 
 CompositionResult prepare(const CompositionInput& input, NeoPentaneMode mode, Composition& x) noexcept {
   std::copy_n(input.begin(), component_count, x.begin());
@@ -613,7 +613,7 @@ int range_2017(const Composition& x, double t, double p) noexcept {
   return within_region_a(x, t, p) || within_region_b(x, t, p) || within(region_c, x, t, p) ? 0 : 1;
 }
 
-// ---- The calculation with its memory ------------------------------------------------------------------------------
+// ---- The calculation with its memory -----------------------------------------------------------------------------
 
 namespace {
 

@@ -1,9 +1,7 @@
-// AGA Report No. 8, detail characterisation method: compressibility and density of natural gas from its
-// composition.
+// AGA Report No. 8, detail characterisation method: compressibility and density of natural gas from its composition.
 //
 // Source: AGA Report No. 8, 2nd edition, 2nd printing (1994), equations and tables; the equation is unchanged
-// in AGA Report No. 8 Part 1 (2017) and in ISO 12213-2. The range rules are those of the 1994 and the 2017
-// edition.
+// in AGA Report No. 8 Part 1 (2017) and in ISO 12213-2. The range rules are those of the 1994 and the 2017 edition.
 #pragma once
 
 #include <array>
@@ -119,9 +117,8 @@ struct State {
 
 enum Result : int { converged = 0, failed = -1, not_finite = -2, out_of_range = -3 };
 
-// The calculation with its memory of the last composition, temperature, pressure and answer. Comparisons are
-// exact, so that an answer from memory equals a fresh one bit for bit. Not for use by several threads at
-// once.
+// The calculation with its memory of the last composition, temperature, pressure and answer. Comparisons are exact,
+// so that an answer from memory equals a fresh one bit for bit. Not for use by several threads at once.
 class CDetail {
  public:
   // T [K], p [bar]. With `check`, out_of_range for a temperature outside -150..450 degC or a pressure outside

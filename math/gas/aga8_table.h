@@ -38,8 +38,8 @@ inline constexpr Component components[component_count] = {
     {"argon"           ,  39.948,   119.6299, 0.4216551,        0,        0, 0,      0, 0},
 };
 
-// Binary interaction parameters of energy E*, conformal energy U, size K and orientation G* that differ from 1; i and
-// j count the components from 0.
+// Binary interaction parameters of energy E*, conformal energy U, size K and orientation G* that
+// differ from 1; i and j count the components from 0.
 struct Pair { std::size_t i, j; double E, U, K, G; };
 inline constexpr Pair pairs[] = {
     {0,  1,  0.97164, 0.886106,  1.00363,        1},  // methane, nitrogen

@@ -124,8 +124,7 @@ Result calculate(std::span<const double, n_fractions> fractions, Units units, in
   for (double fraction : fractions) {
     if (fraction < 0.0) return end_with(Status::failed);
   }
-  // The dry gas is summed without the water, not by subtraction, so that a rounding residue is never taken
-  // for a gas.
+  // The dry gas is summed without the water, not by subtraction, so that a rounding residue is never taken for a gas.
   const Component& water = edition.components[i_water];
   double dry_amount = 0.0;
   Component sum{};

@@ -1,5 +1,4 @@
-// GPA2172_M, GPA2172_C, GPA2172_96_M, GPA2172_96_C: heating values, relative density and compressibility by
-// GPA 2172.
+// GPA2172_M, GPA2172_C, GPA2172_96_M, GPA2172_96_C: heating values, relative density and compressibility by GPA 2172.
 #include "math/gas/gpa2172.h"
 
 #include <array>

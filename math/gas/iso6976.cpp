@@ -86,8 +86,7 @@ double dot(std::span<const double, N> x, const std::array<double, N>& y) noexcep
 double wobbe_index(const Properties& gas) noexcept { return gas.superior_volume / std::sqrt(gas.relative_density); }
 
 // The definitive method: everything from the molar values. A mixture heavy enough for Z to reach 0 or less
-// has no gas density; the components' factors allow it in the 2016 edition only (n-tetradecane,
-// n-pentadecane).
+// has no gas density; the components' factors allow it in the 2016 edition only (n-tetradecane, n-pentadecane).
 Status definitive(const Sums& sums, const Metering& at, double molar_mass_of_air, Properties& gas) noexcept {
   const double Z = 1.0 - sums.s * sums.s;
   if (!(Z > 0.0) || !(sums.M > 0.0)) return Status::failed;
@@ -135,7 +134,7 @@ Range range_of(std::span<const double, N> x) noexcept {
   return {};
 }
 
-// ---- 1995 edition -------------------------------------------------------------------------------------------------
+// ---- 1995 edition ------------------------------------------------------------------------------------------------
 
 namespace year1995 {
 
@@ -226,7 +225,7 @@ Result calculate(std::span<const double, N> x, int option, MolarMassMethod mass,
 
 }  // namespace year1995
 
-// ---- 2016 edition -------------------------------------------------------------------------------------------------
+// ---- 2016 edition ------------------------------------------------------------------------------------------------
 
 namespace year2016 {
 

@@ -1,5 +1,5 @@
-// ISO 6976: calorific values, density, relative density and Wobbe index of a natural gas from its
-// composition; editions 1995 and 2016.
+// ISO 6976: calorific values, density, relative density and Wobbe index of a natural gas
+// from its composition; editions 1995 and 2016.
 //
 // Fractions stand in the standard's component order (n_components of the edition's tables) and sum to 1. The
 // gas of 22 components, common in flow computers, stands in the same order with the rare components left out.
@@ -46,9 +46,8 @@ struct Properties {
   double wobbe = 0.0;             // superior, MJ/m3
 };
 
-// Range of application: methane at least 0.5, ethane at most 0.15, nitrogen at most 0.3, carbon dioxide at
-// most 0.15, any other component at most 0.05; by the 2016 edition also Z above 0.9. Results outside are
-// still valid numbers.
+// Range of application: methane at least 0.5, ethane at most 0.15, nitrogen at most 0.3, carbon dioxide at most 0.15,
+// any other component at most 0.05; by the 2016 edition also Z above 0.9. Results outside are still valid numbers.
 struct Range {
   static constexpr int inside = -1;
   static constexpr int compressibility = -2;
@@ -71,13 +70,12 @@ Result edition_1995(std::span<const double, n_common> x, int reference, MolarMas
 Result edition_1995(std::span<const double, n_1995> x, int reference, MolarMassMethod mass,
                     CalorificMethod method) noexcept;
 
-// The same options and 7: 60 degF / 60 degF, tabulated at 15.55 degC. The edition has one calculation, the
-// definitive.
+// The same options and 7: 60 degF / 60 degF, tabulated at 15.55 degC.
+// The edition has one calculation, the definitive.
 Result edition_2016(std::span<const double, n_common> x, int reference, MolarMassMethod mass) noexcept;
 Result edition_2016(std::span<const double, n_2016> x, int reference, MolarMassMethod mass) noexcept;
 
-// Name of a component by its row in the standard's tables (the same in both editions); empty beyond the last
-// row.
+// Name of a component by its row in the standard's tables (the same in both editions); empty beyond the last row.
 std::string_view component_name(std::size_t row) noexcept;
 
 }  // namespace norvane::ISO6976

@@ -4,9 +4,9 @@
 // value. Calorific values run from 25 to 0 degC as in the standard, summation factors from 0 to 20 degC.
 // The square root of b of hydrogen is negative: hydrogen enters the sum with its sign.
 //
-// Tables 4 and 5 are table 3 divided by the molar mass from atoms and by the ideal molar volume, rounded half up to two
-// decimals (methane and, by volume, hydrogen: three). The print may differ by one unit in the last digit, which
-// concerns the alternative method only.
+// Tables 4 and 5 are table 3 divided by the molar mass from atoms and by the ideal molar volume,
+// rounded half up to two decimals (methane and, by volume, hydrogen: three). The print may differ by one unit
+// in the last digit, which concerns the alternative method only.
 #pragma once
 
 #include <cstddef>

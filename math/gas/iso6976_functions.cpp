@@ -1,5 +1,5 @@
-// ISO6976_1995_M, ISO6976_2016_M, ISO6976ex_1995_M, ISO6976ex_2016_M: calorific values, density, relative
-// density and Wobbe index by ISO 6976.
+// ISO6976_1995_M, ISO6976_2016_M, ISO6976ex_1995_M, ISO6976ex_2016_M: calorific values, density,
+// relative density and Wobbe index by ISO 6976.
 #include <array>
 #include <cstddef>
 #include <iterator>
@@ -19,7 +19,7 @@ namespace {
 
 using namespace ISO6976;  // the standard's algorithm, not to be confused with the records' names
 
-// ---- records ------------------------------------------------------------------------------------------------------
+// ---- Records -----------------------------------------------------------------------------------------------------
 
 constexpr record::StatusValue statuses[] = {
     {1.0, u"FIOOR", u"argument error"},
@@ -175,7 +175,7 @@ constexpr record::Input inputs_60[] = {
 static_assert(std::size(inputs_60) == static_cast<std::size_t>(In60::count));
 // clang-format on
 
-// ---- implementation -----------------------------------------------------------------------------------------------
+// ---- Implementation ----------------------------------------------------------------------------------------------
 
 struct Options {
   int reference;
@@ -191,8 +191,8 @@ Options read_options(Call& call) noexcept {
   return {call.option(Inputs::ref_temp), call.option(Inputs::molar_mass_method), call.option(Inputs::cv_method)};
 }
 
-// A method that is neither of the two ends the call; an unknown reference is the algorithm's to find. The
-// result is 0 when both methods are good.
+// A method that is neither of the two ends the call; an unknown reference is the algorithm's
+// to find. The result is 0 when both methods are good.
 template <class Inputs>
 std::uint32_t refuse_methods(Call& call, const Options& options) noexcept {
   const auto good = [](int method) { return method == 1 || method == 2; };
@@ -247,8 +247,7 @@ bool omitted(const FUNCTION_ARG* arg) noexcept {
          (arg->kind == ARG_ARRAY && arg->count() == 0);
 }
 
-// One of the further arrays into its rows; an omitted one counts as zeros. The rows' argument is noted for
-// messages.
+// One of the further arrays into its rows; an omitted one counts as zeros. The rows' argument is noted for messages.
 template <std::size_t Rows, class Inputs, std::size_t N>
 void place(Call& call, Inputs input, const std::array<std::size_t, Rows>& rows, std::array<double, N>& x) noexcept {
   if (omitted(call.argument(input))) return;
@@ -366,7 +365,7 @@ std::uint32_t run_2016_all(Function_CContext& context, FUNCTION_ARG* args, std::
   });
 }
 
-// ---- Notes --------------------------------------------------------------------------------------------------------
+// ---- Notes -------------------------------------------------------------------------------------------------------
 
 #define NV_NOTES_1995                                                                                        \
   u"ISO 6976:1995, Natural gas - Calculation of calorific values, density, relative density and Wobbe "      \

@@ -1,5 +1,5 @@
-// API MPMS Chapter 11.1:2004, procedures 11.1.6.1, 11.1.6.2, 11.1.7.1 and 11.1.7.2. Check values: the worked
-// examples printed with them.
+// API MPMS Chapter 11.1:2004, procedures 11.1.6.1, 11.1.6.2, 11.1.7.1 and 11.1.7.2. Check
+// values: the worked examples printed with them.
 //
 // rho60   density at 60 degF, ITS-90 basis [kg/m3]        rho_star  the same on the IPTS-68 basis [kg/m3]
 // t, t68  temperature, ITS-90 and IPTS-68 [degF]          p         gauge pressure, never negative [psi]
@@ -22,8 +22,7 @@ constexpr double delta60 = 0.01374979547;        // temperature shift of the cor
 constexpr double base_temperature = 60.0068749;  // the base temperature on the IPTS-68 scale [degF]
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-// Constants and limits by group, in the order of Group. The limits are those of the base and of the observed
-// density.
+// Constants and limits by group, in the order of Group. The limits are those of the base and of the observed density.
 struct Data {
   Constants k;
   double base_low, base_high;          // kg/m3
@@ -55,8 +54,7 @@ constexpr double pressure_low = 0.0, pressure_high = 1500.0;         // psi gaug
 constexpr double alpha60_above = 0.00023, alpha60_below = 0.00093;   // 1/degF
 constexpr double limit_tolerance = 1e-6;
 
-// 11.1.6.2: the iteration ends when the observed density is met within this [kg/m3], or fails after so many
-// steps.
+// 11.1.6.2: the iteration ends when the observed density is met within this [kg/m3], or fails after so many steps.
 constexpr double converged = 1e-6;
 constexpr int most_steps = 15;
 // The end of the standard's iteration may leave 2e-9 of a light product's density, more than a conversion
@@ -157,8 +155,8 @@ Outcome factors_at(const Liquid& liquid, double rho60, const Conditions& at, Fac
   return std::isfinite(out.observed) && out.observed != 0.0 ? Outcome::ok : Outcome::calculation_error;
 }
 
-// D_alpha of 11.1.6.2, which estimates how alpha60 follows the density. Refined products take it by density,
-// also when their group was named.
+// D_alpha of 11.1.6.2, which estimates how alpha60 follows the density. Refined products take
+// it by density, also when their group was named.
 double d_alpha(Group group, double rho60) {
   switch (group) {
     case Group::special: return 0.0;
@@ -174,8 +172,8 @@ double d_alpha(Group group, double rho60) {
   }
 }
 
-// One Newton step of 11.1.6.2. It reads the temperature as it was observed, without the shift to IPTS-68: so the
-// printed iterates come out.
+// One Newton step of 11.1.6.2. It reads the temperature as it was observed, without the shift
+// to IPTS-68: so the printed iterates come out.
 double next_density(double rho60, double observed, const Factors& now, const Conditions& at) {
   const double dt = at.t - 60.0;
   const double by_temperature = (1.0 + 1.6 * now.alpha60 * dt) * (d_alpha(now.group, rho60) * now.alpha60 * dt);

@@ -1,9 +1,9 @@
 // API MPMS Chapter 11.1:2004 (ASTM D1250-04, IP 200/04), temperature and pressure volume correction factors
 // for generalised crude oils, refined products and lubricating oils.
 //
-// 11.1.6.1 corrects a density at 60 degF to observed conditions, 11.1.6.2 an observed density to 60
-// degF, 11.1.7.1 and 11.1.7.2 do the same for the bases 15 degC and 20 degC. Worked examples are printed at
-// the end of each.
+// 11.1.6.1 corrects a density at 60 degF to observed conditions, 11.1.6.2 an observed
+// density to 60 degF, 11.1.7.1 and 11.1.7.2 do the same for the bases 15 degC and 20 degC.
+// Worked examples are printed at the end of each.
 //
 // Pure functions of numbers; nothing throws, nothing is kept between calls.
 #pragma once

@@ -1,5 +1,4 @@
-// API MPMS Chapter 11.1:2004: the records of Tables 5, 6, 23, 24, 53, 54, 59 and 60 and their
-// implementations.
+// API MPMS Chapter 11.1:2004: the records of Tables 5, 6, 23, 24, 53, 54, 59 and 60 and their implementations.
 #include <array>
 #include <iterator>
 
