@@ -18,8 +18,7 @@ class Core_CArena {
   Core_CArena(const Core_CArena&) = delete;
   Core_CArena& operator=(const Core_CArena&) = delete;
 
-  // Size is padded up to a multiple of 4; the address is a multiple of the alignment (a power of two up to
-  // 16).
+  // Size is padded up to a multiple of 4; the address is a multiple of the alignment (a power of two up to 16).
   void* Allocate(std::size_t size, std::size_t alignment = alignof(double)) noexcept {
     const std::size_t start = (used_ + alignment - 1) & ~(alignment - 1);
     const std::size_t padded = (size + 3) & ~std::size_t{3};
@@ -28,8 +27,7 @@ class Core_CArena {
     return current_->bytes + start;
   }
 
-  // Room for count objects of a trivial type, not initialised; null when the product does not fit or is
-  // refused.
+  // Room for count objects of a trivial type, not initialised; null when the product does not fit or is refused.
   template <class T>
   T* AllocateArray(std::size_t count) noexcept {
     static_assert(std::is_trivially_destructible_v<T> && alignof(T) <= 16);
@@ -43,8 +41,7 @@ class Core_CArena {
     used_ = 0;
   }
 
-  // At most this many blocks, and large allocations refused beyond as many blocks' worth of bytes; 0 for no
-  // limit.
+  // At most this many blocks, and large allocations refused beyond as many blocks' worth of bytes; 0 for no limit.
   void SetBlockLimit(std::size_t blocks) noexcept { block_limit_ = blocks; }
   std::size_t BlockCount() const noexcept { return block_count_; }
 

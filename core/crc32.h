@@ -1,5 +1,4 @@
-// CRC-32 of IEEE 802.3: polynomial 0xEDB88320 (reflected), by table: one byte a step, or one or two 64-bit
-// words.
+// CRC-32 of IEEE 802.3: polynomial 0xEDB88320 (reflected), by table: one byte a step, or one or two 64-bit words.
 #pragma once
 
 #include <array>

@@ -5,8 +5,8 @@
 //   log   x = 2^k z, r = z c - 1, |r| <= 1/128   log x = k ln2 - log c + log(1 + r)
 //   pow   e^(y log x), the logarithm and the product carried with about 68 bits
 //
-// Sums marked exact need no more than 53 bits: the constants' leading parts end at 2^-42 and the leading part
-// of r at 2^-33 for that purpose.
+// Sums marked exact need no more than 53 bits: the constants' leading parts end at 2^-42
+// and the leading part of r at 2^-33 for that purpose.
 
 #include "core/elementary.h"
 
@@ -66,8 +66,8 @@ inline double exp_plain(double x, double low) noexcept {
   return scaled + scaled * e.rest;
 }
 
-// The same for two numbers at a time, operation by operation, in the vector registers that every processor of the
-// platform has.
+// The same for two numbers at a time, operation by operation, in the vector
+// registers that every processor of the platform has.
 using Two = double __attribute__((vector_size(16)));
 using TwoBits = std::uint64_t __attribute__((vector_size(16)));
 

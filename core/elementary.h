@@ -4,9 +4,9 @@
 // rounded to nearest (contraction into fused operations is off in this project), so that a calculation
 // answers with the same digits whatever the compiler, the operating system or the processor.
 //
-// Error: below 0.52 ulp (exp), 0.51 ulp (log) and 0.53 ulp (pow) for normal results, below 1 ulp for denormal
-// ones. Special values are those of the C standard (Annex F); errno and the rounding mode are not touched,
-// exception flags are not promised.
+// Error: below 0.52 ulp (exp), 0.51 ulp (log) and 0.53 ulp (pow) for normal results, below 1 ulp for denormal ones.
+// Special values are those of the C standard (Annex F); errno and the rounding mode are
+// not touched, exception flags are not promised.
 #pragma once
 
 #include <array>

@@ -7,8 +7,7 @@
 namespace norvane {
 namespace {
 
-// Longest number text that is looked at; digits beyond it could not change a double that is not made to
-// tease.
+// Longest number text that is looked at; digits beyond it could not change a double that is not made to tease.
 constexpr std::size_t max_parsed = 4096;
 
 constexpr bool is_blank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
@@ -33,8 +32,7 @@ bool to_ascii(std::u16string_view text, char (&buffer)[max_parsed], std::size_t&
   return true;
 }
 
-// Overflow gives infinity and underflow zero, as strtod does; from_chars leaves the value alone in both
-// cases.
+// Overflow gives infinity and underflow zero, as strtod does; from_chars leaves the value alone in both cases.
 double out_of_range_value(const char* first, const char* last, bool hexadecimal) noexcept {
   long exponent = 0;
   long scale = 0;  // digits before the point, or minus the zeros after it

@@ -10,8 +10,8 @@
 //   call.set(Out::z, z);
 //   return call.done();
 //
-// Reading keeps on after a failure (values read then are 0) so that one test after the last read is enough;
-// the first failure is the one reported.
+// Reading keeps on after a failure (values read then are 0) so that one test after the last read
+// is enough; the first failure is the one reported.
 #pragma once
 
 #include <array>
@@ -59,8 +59,8 @@ class Call {
     const double value = number(index);
     return value > -2147483649.0 && value < 2147483648.0 ? static_cast<int>(value) : 0;
   }
-  // The first N cells of a range, row by row; fewer cells, or a cell that is no number, is a failure, reported
-  // under the argument's name.
+  // The first N cells of a range, row by row; fewer cells, or a cell that is no number,
+  // is a failure, reported under the argument's name.
   template <std::size_t N, class Index>
   std::array<double, N> numbers(Index index) noexcept {
     std::array<double, N> values{};
@@ -77,9 +77,8 @@ class Call {
     return code;
   }
 
-  // Outputs: one value, or a column of all outputs; what is not set stays ARG_EMPTY. A value that is not
-  // finite is not written: the call then answers ERROR_NUM, which the context replaces by the fallback
-  // outputs.
+  // Outputs: one value, or a column of all outputs; what is not set stays ARG_EMPTY. A value that is not finite
+  // is not written: the call then answers ERROR_NUM, which the context replaces by the fallback outputs.
   template <class Index>
   void set(Index index, double value) noexcept {
     if (!(value - value == 0.0)) {
@@ -100,8 +99,7 @@ class Call {
   void set_text(Index index, std::u16string_view value) noexcept {
     if (!context_.SetText(slot(static_cast<std::size_t>(index)), value)) error_ = ERROR_VALUE;
   }
-  // A calculation status found by the algorithm: a successful call of which only the status output is
-  // written.
+  // A calculation status found by the algorithm: a successful call of which only the status output is written.
   std::uint32_t status_only(int status) noexcept {
     output_written_ = false;
     set_integer(0, status);

@@ -1,9 +1,8 @@
 // Function_CContext: the object through which one call of a function runs.
 //
-// A host resets the context, converts its arguments into FUNCTION_ARG values of the context's arena and
-// executes a specification. The context checks the arguments against the input records, runs the
-// implementation and completes the output. One context serves one thread; nothing is locked and, once warm,
-// nothing is allocated on the heap.
+// A host resets the context, converts its arguments into FUNCTION_ARG values of the context's arena and executes
+// a specification. The context checks the arguments against the input records, runs the implementation and completes
+// the output. One context serves one thread; nothing is locked and, once warm, nothing is allocated on the heap.
 #pragma once
 
 #include <cstddef>
@@ -41,8 +40,7 @@ class Function_CContext {
   Function_CContext(const Function_CContext&) = delete;
   Function_CContext& operator=(const Function_CContext&) = delete;
 
-  // Slot 1. Converts to the kind (1 to 8) asked for. False on failure, with the error code in
-  // conversion_error().
+  // Slot 1. Converts to the kind (1 to 8) asked for. False on failure, with the error code in conversion_error().
   virtual bool ConvertArgument(FUNCTION_ARG& out, const FUNCTION_ARG& in, std::uint32_t kind) noexcept;
   // Slots 2 to 5: hooks of hosts, never called from the steps of a call. Slot 2: retentive data is about to be opened,
   // a host that finds its calling place only when it is wanted completes the caller's texts and the data slot now.
@@ -93,8 +91,8 @@ class Function_CContext {
   bool ReadText(const FUNCTION_ARG* arg, std::u16string_view& text, std::u16string_view fallback) noexcept;
   bool ReadArray(const FUNCTION_ARG* arg, FUNCTION_ARG::Array& array) noexcept;
   bool ReadError(const FUNCTION_ARG* arg, std::uint32_t& code) noexcept;
-  // A unit or enumeration code: a number is truncated, an integer taken as it is, a text looked up in the
-  // unit catalogue (an empty text gives 0).
+  // A unit or enumeration code: a number is truncated, an integer taken as it is, a text looked up
+  // in the unit catalogue (an empty text gives 0).
   bool ReadIdentifier(const FUNCTION_ARG* arg, std::uint32_t& code) noexcept;
 
   // A copy of the text in the arena; a null text makes the output ARG_MISSING. False when memory is refused.
@@ -110,8 +108,7 @@ class Function_CContext {
   // Call value to Core_CVariant; a text is borrowed and must not outlive the call.
   bool ToVariant(Core_CVariant& out, const FUNCTION_ARG& value) noexcept;
 
-  // Messages. With messages disabled nothing is formatted; the result is the same (ERROR_ERROR,
-  // ERROR_WARNING).
+  // Messages. With messages disabled nothing is formatted; the result is the same (ERROR_ERROR, ERROR_WARNING).
   std::uint32_t ReportError(std::size_t index, std::u16string_view message) noexcept;
   std::uint32_t ReportWarning(std::size_t index, std::u16string_view message) noexcept;
   std::uint32_t ReportError(std::u16string_view message) noexcept;

@@ -20,8 +20,7 @@ enum ARG_KIND : std::uint32_t {
 };
 
 // 24 bytes of payload and the kind. Owns nothing: texts and elements live in the arena of the call's context
-// and vanish when that is reset. Array elements stand row by row: (column, row) is number row * columns +
-// column.
+// and vanish when that is reset. Array elements stand row by row: (column, row) is number row * columns + column.
 struct FUNCTION_ARG {
   struct Text {
     const char16_t* data;  // NUL-terminated

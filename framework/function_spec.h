@@ -120,16 +120,14 @@ class Function_CFunctionSpec {
   std::u16string worksheet_name() const { return std::u16string(group->prefix).append(id); }
   std::span<const Function_CInput> input_records() const noexcept { return {inputs.get(), input_count}; }
   std::span<const Function_COutput> output_records() const noexcept { return {outputs.get(), output_count}; }
-  // Input record of argument i: with a variable number of inputs the last record repeats; else none beyond
-  // it.
+  // Input record of argument i: with a variable number of inputs the last record repeats; else none beyond it.
   const Function_CInput* input_of(std::size_t i) const noexcept {
     if (i < input_count) return &inputs[i];
     return has(FUNCTION_VARIABLE_INPUTS) && input_count > 0 ? &inputs[input_count - 1] : nullptr;
   }
 };
 
-// The catalogue, by full worksheet name (prefix + id) without regard to case. Does not own the
-// specifications.
+// The catalogue, by full worksheet name (prefix + id) without regard to case. Does not own the specifications.
 class Function_CLibrary {
  public:
   Function_CLibrary() = default;

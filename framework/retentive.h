@@ -101,8 +101,8 @@ class Function_CSynchronizedData : public Function_CData {
   // 0: the buffer that exists, whatever size was requested; 2: a new one, zero-filled; 4: none exists and the
   // requested size is 0 (also when memory is refused).
   virtual std::uint32_t GetBuffer(void*& bytes, std::size_t& size, std::size_t requested) noexcept;
-  // 1: bytes absent or size 0; 0: the payload is a copy of the bytes. The object's own buffer with a smaller
-  // size is kept and cut.
+  // 1: bytes absent or size 0; 0: the payload is a copy of the bytes. The object's
+  // own buffer with a smaller size is kept and cut.
   virtual std::uint32_t SetBuffer(const void* bytes, std::size_t size) noexcept;
   virtual std::uint32_t FreeBuffer() noexcept;
 
@@ -126,8 +126,8 @@ class Function_CDataManager {
   std::size_t Count() const noexcept { return map_.Count(); }
   std::size_t InUse() const noexcept;
 
-  // The object under the key, made when there is none; null when another type holds the key and may not be
-  // replaced, or when memory is refused.
+  // The object under the key, made when there is none; null when another type holds the key
+  // and may not be replaced, or when memory is refused.
   Function_CData* Open(const Function_CRegisteredType& type, std::u16string_view key, std::u16string_view name,
                        std::u16string_view caller) noexcept;
   // The living object of a handle, or null for a handle of the past.
@@ -159,9 +159,8 @@ class Function_CDataAccessor {
   Function_CDataAccessor(const Function_CDataAccessor&) = delete;
   Function_CDataAccessor& operator=(const Function_CDataAccessor&) = delete;
 
-  // The object in the caller's data slot when it is of this type; otherwise the one under the key of type,
-  // caller and name, made when there is none, its handle stored in the slot. An empty name stands for the
-  // calling place.
+  // The object in the caller's data slot when it is of this type; otherwise the one under the key of type, caller
+  // and name, made when there is none, its handle stored in the slot. An empty name stands for the calling place.
   bool Open(Function_CContext& context, const Function_CRegisteredType& type, std::u16string_view name,
             bool global = false) noexcept;
   void Close() noexcept { data_ = nullptr; }

@@ -119,8 +119,7 @@ constexpr RateRow rate_rows[] = {
     {unit::m3_s, unit::s, unit::m3},
 };
 
-// The metric system; the customary one swaps from and to. A type paired with itself keeps whatever unit it
-// has.
+// The metric system; the customary one swaps from and to. A type paired with itself keeps whatever unit it has.
 constexpr Unit_CTypeAndUnitContainer::Pair metric_pairs[] = {
     {unit::inH2O_60_degF, unit::mbar},
     {unit::psia, unit::bar_a},

@@ -68,8 +68,8 @@ class Unit_CTypeAndUnitContainer {
   std::uint32_t EnumerationValueDetails(std::uint32_t code, const Unit_CEntry*& entry) const noexcept;
   // First member of an enumeration type whose number equals value exactly.
   std::uint32_t EnumerationValueByNumber(std::uint32_t type, double value, std::uint32_t& code) const noexcept;
-  // Key (any case) of a unit or type, or data type name (exact case). False and code 0 when not found;
-  // an empty text gives code 0 and true.
+  // Key (any case) of a unit or type, or data type name (exact case). False and code 0 when
+  // not found; an empty text gives code 0 and true.
   bool CodeOfText(std::u16string_view text, std::uint32_t& code) const noexcept;
   // type 0: every entry of that kind in map order; otherwise the type's members of that kind in their order.
   std::uint32_t ListMembers(CodeKind kind, std::uint32_t type, std::vector<std::uint32_t>& codes) const;

@@ -4,8 +4,7 @@
 //   bits  8-23  type number (the quantity type of kinds 1 and 3, the enumeration type of kinds 2 and 4)
 //   bits  0-7   member number within the type, from 1; 0 in a type's own code
 //
-// The constants come from the same rows as the catalogue, so that a record cannot name a unit that is not
-// there.
+// The constants come from the same rows as the catalogue, so that a record cannot name a unit that is not there.
 #pragma once
 
 #include <cstdint>

@@ -36,8 +36,8 @@ std::shared_ptr<SymbolMap> build_symbols(const Unit_CTypeAndUnitContainer& units
   return map;
 }
 
-// The map of the process, as one context holds it: built by the first thread that needs it while the others
-// wait, and only read from then on.
+// The map of the process, as one context holds it: built by the first thread that needs it
+// while the others wait, and only read from then on.
 class CSymbols final : public Function_CData {
  public:
   // Null when memory is refused.
@@ -88,8 +88,8 @@ bool code_of_symbol(Function_CContext& context, std::u16string_view text, std::u
 enum class In { name, input_value, input_unit, output_unit, count };
 enum class Out { output_value, conversion_error, count };
 
-// A unit as code, key or symbol. A code is not checked here: a wrong one shows when it is used. Code 0 (an
-// empty text or cell) is a failure.
+// A unit as code, key or symbol. A code is not checked here: a wrong one shows when it
+// is used. Code 0 (an empty text or cell) is a failure.
 bool read_unit(Call& call, In index, std::uint32_t& code) noexcept {
   Function_CContext& context = call.context();
   const FUNCTION_ARG* arg = call.argument(index);

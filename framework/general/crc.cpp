@@ -72,8 +72,7 @@ const record::Function CRC16 = {
     .flags = FUNCTION_FALLBACK | FUNCTION_NO_RANGE_CHECK,
     .inputs = inputs,
     .outputs = outputs,
-    // CRC16 has always answered with the 32-bit checksum of CRC32, and stored checksums depend on it.
-    // Intended.
+    // CRC16 has always answered with the 32-bit checksum of CRC32, and stored checksums depend on it. Intended.
     .implementation = checksum,
     .notes = u"The same 32-bit checksum as CRC32, where the method is described.\n",
 };

@@ -18,8 +18,8 @@ struct Point {
   double x, y;
 };
 
-// Takes the points one by one and finds the value on the way. The first point whose input does not exceed the
-// one before it ends the table.
+// Takes the points one by one and finds the value on the way. The first point whose input
+// does not exceed the one before it ends the table.
 class CCurve {
  public:
   CCurve(double input, bool extrapolate, std::uint64_t points) : x_(input), extrapolate_(extrapolate), n_(points) {}
@@ -111,8 +111,8 @@ static_assert(sizeof(Stored) == 16);
 
 const Function_CTypeOf<Function_CSynchronizedData> stored_curve{u"InterpolationCurve"};
 
-// The process's clock of table changes. Nothing has ever set it: the change time of every table is the epoch,
-// 0, and sheets rely on it. Intended.
+// The process's clock of table changes. Nothing has ever set it: the change time of every table
+// is the epoch, 0, and sheets rely on it. Intended.
 constexpr double change_clock = 0.0;
 
 // Room for a table of this many numbers; one of another size than before starts anew.

@@ -1,5 +1,4 @@
-// The catalogue describes itself: FunctionList, FunctionProperty, FunctionInputProperty,
-// FunctionOutputProperty.
+// The catalogue describes itself: FunctionList, FunctionProperty, FunctionInputProperty, FunctionOutputProperty.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
