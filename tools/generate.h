@@ -18,8 +18,8 @@ using Writer = void (*)(std::ostream& out, Specs specs);
 void excel_wrappers(std::ostream& out, Specs specs);
 void excel_exports(std::ostream& out, Specs specs);
 
-// Direct exports: their source, the public header, the same for programs that read JSON, their names, and the
-// definition of an import library.
+// Direct exports: their source, the public header, the same for programs that read JSON, their
+// names, and the definition of an import library.
 void exports_source(std::ostream& out, Specs specs);
 void exports_header(std::ostream& out, Specs specs);
 void exports_json(std::ostream& out, Specs specs);

@@ -1,5 +1,4 @@
-// The automation interface: its IDL, the methods of the class that implements it, and the record of its
-// signatures.
+// The automation interface: its IDL, the methods of the class that implements it, and the record of its signatures.
 #include <algorithm>
 
 #include "hosts/com/identity.h"
@@ -56,8 +55,7 @@ std::string help(std::u16string_view text) {
   return quoted;
 }
 
-// A place in the interface whose function this build does not have: its slot is kept, so that no later method
-// moves.
+// A place in the interface whose function this build does not have: its slot is kept, so that no later method moves.
 std::string kept_name(std::size_t id) { return "Reserved" + std::to_string(id); }
 
 }  // namespace

@@ -220,8 +220,7 @@ class RowCalls {
   std::vector<std::string> cells_;
 };
 
-// Blocks of rows go round a ring: filled by the caller, answered by any worker, written by the caller in
-// their order.
+// Blocks of rows go round a ring: filled by the caller, answered by any worker, written by the caller in their order.
 class Pipeline {
  public:
   struct Block {

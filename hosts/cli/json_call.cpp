@@ -60,8 +60,7 @@ struct JsonCalls::Reader {
   std::string pool;
   std::string problem;
 
-  // What may come next. In `list` a row may come too; `error` to `error_end` is the way through
-  // {"error":"#N/A"}.
+  // What may come next. In `list` a row may come too; `error` to `error_end` is the way through {"error":"#N/A"}.
   enum class Place { start, call, function, inputs, value, list, row, error, error_text, error_end, skipped, end };
   Place place = Place::start;
   Place around_error = Place::value;

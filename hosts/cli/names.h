@@ -20,8 +20,7 @@ std::vector<std::string> nearest(std::string_view given, std::span<const std::st
 // "; did you mean a, b or c?", or nothing.
 std::string did_you_mean(std::string_view given, std::span<const std::string> known);
 
-// The text in quotation marks for a message: cut to a readable length, control characters and broken UTF-8
-// replaced.
+// The text in quotation marks for a message: cut to a readable length, control characters and broken UTF-8 replaced.
 std::string in_quotes(std::string_view text);
 // The same without quotation marks, cut to the length given.
 std::string printable(std::string_view text, std::size_t limit);

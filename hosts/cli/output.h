@@ -1,5 +1,4 @@
-// Standard output with a buffer: every failure to write is noticed and ends the program with its own exit
-// code.
+// Standard output with a buffer: every failure to write is noticed and ends the program with its own exit code.
 #pragma once
 
 #include <string>

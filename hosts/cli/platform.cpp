@@ -39,8 +39,8 @@ std::string system_text(int error) { return std::generic_category().message(erro
   throw InputOutputError(text);
 }
 
-// The one unfinished file of the process, for the interruption handler. The buffers are written before the
-// flag is set and left alone while it is.
+// The one unfinished file of the process, for the interruption handler. The buffers are written
+// before the flag is set and left alone while it is.
 std::atomic<bool> unfinished_exists{false};
 
 #ifdef _WIN32

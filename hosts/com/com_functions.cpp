@@ -23,8 +23,7 @@ BSTR to_bstr(std::u16string_view text) noexcept {
   return SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
 }
 
-// "[4] composition is not a list of numbers": arguments are numbered as everywhere, from 1 with the name
-// first.
+// "[4] composition is not a list of numbers": arguments are numbered as everywhere, from 1 with the name first.
 std::u16string refused(const Signature& signature, const Parameter& input) {
   const Function_CFunctionSpec& spec = *signature.spec;
   std::u16string text(spec.id);
@@ -167,8 +166,7 @@ class LateCall {
       }
       given_[place] = {&parameters_.rgvarg[i], i};
     }
-    // Left out on purpose (by name, or as a gap) an input takes its default; a call that stops short is a
-    // mistake.
+    // Left out on purpose (by name, or as a gap) an input takes its default; a call that stops short is a mistake.
     if (named == 0 && parameters_.cArgs < signature_.inputs.size()) {
       bad_argument = static_cast<UINT>(parameters_.cArgs);
       return DISP_E_PARAMNOTOPTIONAL;

@@ -25,9 +25,8 @@ class Registrar {
   // Replaces %NAME% in what stands behind it; the text is taken as it is, quotes and percent signs included.
   void Replace(std::wstring name, std::wstring value) { replacements_[std::move(name)] = std::move(value); }
 
-  // Install: creates the keys and values of the script. Otherwise removes every key without NoRemove, with
-  // all that is below it. What is not there need not be removed. Nothing is done for a script with a mistake
-  // in it.
+  // Install: creates the keys and values of the script. Otherwise removes every key without NoRemove, with all
+  // that is below it. What is not there need not be removed. Nothing is done for a script with a mistake in it.
   HRESULT Run(std::wstring_view script, bool install) const noexcept;
 
  private:

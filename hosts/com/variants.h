@@ -40,8 +40,7 @@ inline HRESULT change_type(VARIANT* to, const VARIANT& from, VARTYPE type) noexc
 const VARIANT* referred(const VARIANT& value) noexcept;
 
 // An object stands for its value: the elements of a script's array, or the default property of anything else.
-// This runs the object's code, which may call this library, so it must come before the call's own memory is
-// in use.
+// This runs the object's code, which may call this library, so it must come before the call's own memory is in use.
 HRESULT value_of_object(IDispatch* object, VARIANT& value) noexcept;
 
 // A call value in the context's memory. Arrays of any element type, base and rank give their elements row by

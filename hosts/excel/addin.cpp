@@ -99,8 +99,7 @@ NORVANE_EXPORT int xlAutoOpen() noexcept {
   return 1;
 }
 
-// Nothing is kept for the host but the binding, which stays; every record of the host has been given back by
-// now.
+// Nothing is kept for the host but the binding, which stays; every record of the host has been given back by now.
 NORVANE_EXPORT int xlAutoClose() noexcept { return 1; }
 
 NORVANE_EXPORT int xlAutoAdd() noexcept { return 1; }

@@ -71,8 +71,7 @@ struct Dialect4 {
     return false;
   }
 
-  // The older dialect's cells are cut to 254 characters, one less than their count could say: worksheets rely
-  // on it.
+  // The older dialect's cells are cut to 254 characters, one less than their count could say: worksheets rely on it.
   static bool WriteText(Function_CContext& context, std::u16string_view text, Record& record) noexcept {
     constexpr std::size_t longest = 254;
     constexpr std::size_t whole_buffer = 255;

@@ -8,8 +8,7 @@
 
 namespace norvane::excel {
 
-// Kinds of call values that only the contexts of spreadsheets know: references of cells. The payload is the
-// host's.
+// Kinds of call values that only the contexts of spreadsheets know: references of cells. The payload is the host's.
 enum REFERENCE_KIND : std::uint32_t {
   ARG_MULTI_REFERENCE4 = 9,
   ARG_REFERENCE4 = 10,
@@ -22,8 +21,8 @@ constexpr bool is_reference(std::uint32_t kind) { return kind >= ARG_MULTI_REFER
 std::uint32_t code_of_error(std::int32_t error) noexcept;
 std::int32_t error_of_code(std::uint32_t code) noexcept;
 
-// Host record to call value. False for an unknown type, a null pointer where one is needed, counts that no
-// sheet has, or when memory is refused.
+// Host record to call value. False for an unknown type, a null pointer where one is needed,
+// counts that no sheet has, or when memory is refused.
 bool ToArg(Function_CContext& context, const XlRecord12* record, FUNCTION_ARG& arg) noexcept;
 bool ToArg(Function_CContext& context, const XlRecord4* record, FUNCTION_ARG& arg) noexcept;
 

@@ -63,8 +63,7 @@ bool Excel_CFunctionContext::NoteAnswer(int answer) noexcept {
   return answer == XL_RETURN_SUCCESS;
 }
 
-// Asks the host for what the cells hold; without a place for the value it only checks that they hold
-// something.
+// Asks the host for what the cells hold; without a place for the value it only checks that they hold something.
 template <class Record>
 bool Excel_CFunctionContext::Coerce(const FUNCTION_ARG& reference, FUNCTION_ARG* value) noexcept {
   Record record{};

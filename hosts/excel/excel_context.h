@@ -30,8 +30,7 @@ class Excel_CFunctionContext : public Function_CContext {
   void HostNotify1() noexcept override;
   void ReportMessage(std::uint32_t level, std::u16string_view text) noexcept override;
   const Function_CCallerInfo* FetchCallerInfo() noexcept override;
-  // Slot 12. Runs a function for a cell. ERROR_NA when a referenced cell is not calculated yet: the host
-  // calls again.
+  // Slot 12. Runs a function for a cell. ERROR_NA when a referenced cell is not calculated yet: the host calls again.
   virtual std::uint32_t Run(DIALECT dialect, const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
                             std::size_t count, FUNCTION_ARG& output, std::uint64_t* data_slot) noexcept;
 

@@ -17,8 +17,8 @@ int BindHost() noexcept;
 // Whether the host offers the newer dialect.
 bool HostSpeaks12() noexcept;
 
-// A call of the host; a bit mask of XlReturn. The result pointer may be null. Without the entry point the
-// answer is XL_RETURN_FAILED.
+// A call of the host; a bit mask of XlReturn. The result pointer may be null. Without
+// the entry point the answer is XL_RETURN_FAILED.
 int CallHost(int function, XlRecord12* result, int count, XlRecord12** args) noexcept;
 int CallHost(int function, XlRecord4* result, int count, XlRecord4** args) noexcept;
 

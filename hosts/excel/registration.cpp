@@ -240,8 +240,7 @@ Registration DescribeFunction(const Function_CFunctionSpec& spec, const Unit_CTy
   texts.function.append(spec.id);
   texts.macro_type.assign(1, prefix.empty() || spec.has(FUNCTION_HIDDEN) ? u'0' : u'1');
 
-  // References are asked for as they are ("U", "R"): the context reads their cells when a function wants
-  // them.
+  // References are asked for as they are ("U", "R"): the context reads their cells when a function wants them.
   texts.type.assign(count + 1, limits.excel12 ? u'U' : u'R');
   if (limits.excel12) texts.type += u'$';
   if (spec.has(FUNCTION_VOLATILE)) texts.type += u'!';

@@ -1,5 +1,4 @@
-// What a worksheet function is registered with: names, type letters and help texts, made from its
-// specification.
+// What a worksheet function is registered with: names, type letters and help texts, made from its specification.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,4 @@
-// Where the add-in's own messages go. A test puts in its own, so that it sees them and no box waits for a
-// user.
+// Where the add-in's own messages go. A test puts in its own, so that it sees them and no box waits for a user.
 #pragma once
 
 #include <string_view>

@@ -1,5 +1,4 @@
-// The records a spreadsheet host and an add-in exchange, in both dialects of its C interface (64-bit
-// processes).
+// The records a spreadsheet host and an add-in exchange, in both dialects of its C interface (64-bit processes).
 //
 // "4" is the older dialect: 8-bit strings in the code page of the host, 16-bit counts. "12" is the newer one:
 // UTF-16 strings, 32-bit counts. Strings are counted, not terminated: their first unit is the length. Rows

@@ -1,6 +1,5 @@
-// Typed signatures: how the inputs and outputs of a function cross a boundary that knows types (direct
-// exports, automation methods). One classification, used by whatever is generated from the catalogue and by
-// what runs it.
+// Typed signatures: how the inputs and outputs of a function cross a boundary that knows types (direct exports,
+// automation methods). One classification, used by whatever is generated from the catalogue and by what runs it.
 #pragma once
 
 #include <cstdint>

@@ -20,8 +20,8 @@ class MessageContext final : public Module_CFunctionContext {
   std::u16string messages;
 };
 
-// A failed call of a function with fallback outputs reports success, but such a caller has a result of its
-// own to say that nothing was calculated.
+// A failed call of a function with fallback outputs reports success, but such a caller has a result
+// of its own to say that nothing was calculated.
 constexpr bool replaced_by_fallback(std::uint32_t flags) {
   return (flags & FLAG_OUTPUT_FALLBACK) == FLAG_OUTPUT_FALLBACK;
 }
