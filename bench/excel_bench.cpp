@@ -1,5 +1,5 @@
-// What a worksheet call costs beside the call of the context alone (ExecuteBitTest). A program of its own: its threads
-// have the spreadsheet's contexts.
+// What a worksheet call costs beside the call of the context alone (ExecuteBitTest). A program
+// of its own: its threads have the spreadsheet's contexts.
 #include "hosts/excel/wrappers.h"
 
 #include "bench/bench_call.h"

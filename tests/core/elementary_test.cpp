@@ -59,8 +59,7 @@ TEST(Elementary, LogarithmIsWithinAnUlpEverywhere) {
 TEST(Elementary, PowerIsWithinAnUlpEverywhere) {
   Numbers numbers;
   double worst = 0.0;
-  // The extended-precision power itself loses digits where the exponent of the result is large, hence the
-  // margin.
+  // The extended-precision power itself loses digits where the exponent of the result is large, hence the margin.
   for (int i = 0; i < 100000; ++i) {
     const double any = std::exp(numbers.between(-700.0, 700.0));
     const double close = numbers.near_one();
@@ -118,8 +117,7 @@ TEST(Elementary, BoundariesOfLogarithm) {
   EXPECT_LT(ulps(elementary::log(1e-310), std::log(static_cast<long double>(1e-310))), 0.6);
 }
 
-// Zeros, infinities, negative bases with whole, odd and broken exponents: exactly what the C standard
-// prescribes.
+// Zeros, infinities, negative bases with whole, odd and broken exponents: exactly what the C standard prescribes.
 TEST(Elementary, SpecialValuesOfPower) {
   const double values[] = {0.0,      -0.0, 1.0,   -1.0,   0.5,   -0.5,     2.0,       -2.0,      3.0,
                            -3.0,     2.5,  1e300, 1e-300, -1e16, infinity, -infinity, nan_value, 9007199254740991.0,

@@ -14,7 +14,7 @@ using test::text;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-// ---- Conversions --------------------------------------------------------------------------------------------------
+// ---- Conversions -------------------------------------------------------------------------------------------------
 
 TEST(Conversion, Numbers) {
   TestContext context;
@@ -127,7 +127,7 @@ TEST(Conversion, VariantsBothWays) {
   EXPECT_FALSE(context.ToVariant(variant, none));
 }
 
-// ---- Calls --------------------------------------------------------------------------------------------------------
+// ---- Calls -------------------------------------------------------------------------------------------------------
 
 std::uint32_t sum_of_two(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   Call call(context, args, count, output);

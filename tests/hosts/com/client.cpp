@@ -1,5 +1,4 @@
-// An automation client: through the vtable, late bound with what scripts send, on several threads and
-// apartments.
+// An automation client: through the vtable, late bound with what scripts send, on several threads and apartments.
 //
 //   com_client MODULE         loads the module by its path, without any registration
 //   com_client --registered   creates the object by its ProgID
@@ -32,8 +31,8 @@ int failures = 0;
     }                                                                     \
   } while (0)
 
-// ISO 6976 mixture of eight components; its superior calorific value by the 1995 edition at 15 / 15 / 15 degC
-// with tabulated molar masses.
+// ISO 6976 mixture of eight components; its superior calorific value by the 1995 edition
+// at 15 / 15 / 15 degC with tabulated molar masses.
 const double gas[22] = {0.9247, 0.0175, 0.0068, 0.035, 0.0098, 0, 0, 0, 0, 0, 0.0034, 0.0022, 0, 0.0006};
 constexpr double published = 38.95947337829;
 bool is_published(double value) { return std::fabs(value - published) < 1e-9 * published; }
@@ -96,7 +95,7 @@ void check_vtable(IFunctions* functions) {
   SafeArrayDestroy(list);
 }
 
-// ---- Late binding
+// ---- Late binding ------------------------------------------------------------------------------------------------
 
 VARIANT variant(double value) {
   VARIANT v;
@@ -173,8 +172,7 @@ VARIANT of_array(SAFEARRAY* array, VARTYPE type) {
   return v;
 }
 
-// Calls with this composition and one output into a script's variable; true when the published value comes
-// back.
+// Calls with this composition and one output into a script's variable; true when the published value comes back.
 bool accepts(IDispatch* object, VARIANT composition) {
   VARIANT value;
   VariantInit(&value);
@@ -200,8 +198,7 @@ void check_lists(IDispatch* object) {
       }
     }
   }
-  // Whole numbers and texts: 1000 parts of methane are a composition in another scale, refused as one, but
-  // read.
+  // Whole numbers and texts: 1000 parts of methane are a composition in another scale, refused as one, but read.
   SAFEARRAY* whole = SafeArrayCreateVector(VT_I4, 0, 22);
   static_cast<LONG*>(whole->pvData)[0] = 1;
   VARIANT value;
@@ -370,7 +367,7 @@ void check_type_information(IDispatch* object) {
   info->Release();
 }
 
-// ---- Threads and apartments
+// ---- Threads and apartments --------------------------------------------------------------------------------------
 
 struct Task {
   IFunctions* functions;
@@ -487,7 +484,7 @@ void check_registered() {
   if (library != nullptr) library->Release();
 }
 
-// ---- Registry
+// ---- Registry ----------------------------------------------------------------------------------------------------
 
 void print_keys(HKEY parent, const std::wstring& name) {
   HKEY key = nullptr;

@@ -1,5 +1,5 @@
-// What the add-in's answers are compared with: the same catalogue, linked into the test, called through a
-// context without any host.
+// What the add-in's answers are compared with: the same catalogue, linked into
+// the test, called through a context without any host.
 #pragma once
 
 #include <memory>

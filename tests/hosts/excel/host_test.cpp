@@ -39,7 +39,7 @@ class ExcelHost : public testing::Test {
   }
 };
 
-// ---- Opening ----
+// ---- Opening -----------------------------------------------------------------------------------------------------
 
 TEST_F(ExcelHost, RegistersEveryFunctionWithTextsTheHostTakes) {
   EXPECT_EQ(book().refused_registrations(), 0);
@@ -105,7 +105,7 @@ TEST_F(ExcelHost, OpensAgainAfterClosingAndSurvivesARefusal) {
   EXPECT_EQ(book().Call(u"nvBitTest", {Number(5), Number(2)}), Integer(1));
 }
 
-// ---- What is shown ----
+// ---- What is shown -----------------------------------------------------------------------------------------------
 
 #if defined(_WIN32)
 // Without a display a box returns at once and nobody sees it: the module's own entries for them are replaced.
@@ -177,7 +177,7 @@ TEST_F(ExcelHost, ShowsTheAboutTextWhenTheHostAsks) {
 }
 #endif
 
-// ---- One call ----
+// ---- One call ----------------------------------------------------------------------------------------------------
 
 TEST_F(ExcelHost, CalculatesFromValuesAndFromReferences) {
   const Place five = Place::Cell(0, 0, 0);
@@ -252,7 +252,7 @@ TEST_F(ExcelHost, WorksWithAHostThatOnlyRegisters) {
   book().SetMinimal(false);
 }
 
-// ---- What no well-behaved host sends ----
+// ---- What no well-behaved host sends -----------------------------------------------------------------------------
 
 TEST_F(ExcelHost, RefusesArgumentsThatAreNone) {
   Record bit{};
@@ -364,8 +364,7 @@ TEST_F(ExcelHost, TakesTextsOfAnyLengthAndContent) {
 }
 
 TEST_F(ExcelHost, ErrorsOfCellsAreErrorsOfTheCall) {
-  // BitTest answers a failed call with its fallback; CRC32 of an error cell as well. None of them crashes or
-  // hangs.
+  // BitTest answers a failed call with its fallback; CRC32 of an error cell as well. None of them crashes or hangs.
   for (const int code : {0, 7, 15, 23, 29, 36, 42, 43, 1000}) {
     book().Set(Place::Cell(0, 70, 0), Error(code));
     EXPECT_EQ(book().Call(u"nvBitTest", {Error(code), Number(0)}), Number(0)) << code;
@@ -378,7 +377,7 @@ TEST_F(ExcelHost, ErrorsOfCellsAreErrorsOfTheCall) {
   EXPECT_EQ(tested.elements[0], Boolean(true));
 }
 
-// ---- The whole catalogue ----
+// ---- The whole catalogue -----------------------------------------------------------------------------------------
 
 TEST_F(ExcelHost, EveryFunctionAnswersItsDefaultsAsTheContextDoes) {
   Direct direct;
@@ -426,7 +425,7 @@ TEST_F(ExcelHost, EveryCheckValueComesThroughTheWrappersBitForBit) {
   EXPECT_GT(compared, 100u);
 }
 
-// ---- Recalculation and threads ----
+// ---- Recalculation and threads -----------------------------------------------------------------------------------
 
 TEST_F(ExcelHost, RecalculatesDependentCellsOnSeveralThreads) {
   // Column A: pressures; B to G: AGA8_M of them, an array formula; H: a checksum of B to G. The checksums
@@ -537,7 +536,7 @@ TEST_F(ExcelHost, ContextsEndWithTheirThreads) {
   EXPECT_LT(memory_in_use() - before, threads * 32768L / 4);
 }
 
-// ---- Figures: excel_host_test MODULE DATA_FOLDER --figures ----
+// ---- Figures: excel_host_test MODULE DATA_FOLDER --figures -------------------------------------------------------
 
 template <class Function>
 double nanoseconds(int count, Function&& function) {

@@ -474,7 +474,7 @@ void Spreadsheet::Note(std::string violation) {
   if (violations_.size() < 50) violations_.push_back(std::move(violation));
 }
 
-// ---- What the add-in may call -------------------------------------------------------------------------------------
+// ---- What the add-in may call ------------------------------------------------------------------------------------
 
 int Spreadsheet::Callback(int function, int count, Record** args, Record* result) {
   {

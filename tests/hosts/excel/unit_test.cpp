@@ -42,7 +42,7 @@ namespace {
 using namespace norvane;
 using namespace norvane::excel;
 
-// ---- The host ----
+// ---- The host ----------------------------------------------------------------------------------------------------
 
 struct FakeHost {
   XlArea12 caller{4, 4, 2, 2};
@@ -134,7 +134,7 @@ Function_CFunctionSpec make_spec(std::vector<std::u16string_view> keys, std::uin
   return spec;
 }
 
-// ---- Registration ----
+// ---- Registration ------------------------------------------------------------------------------------------------
 
 TEST_F(ExcelUnit, DescribesArguments) {
   Function_CFunctionSpec plain = make_spec({u"a", u"b", u"c"}, FUNCTION_VOLATILE);
@@ -222,7 +222,7 @@ TEST_F(ExcelUnit, BindsOnce) {
   EXPECT_TRUE(HostSpeaks12());
 }
 
-// ---- Conversions ----
+// ---- Conversions -------------------------------------------------------------------------------------------------
 
 class ExcelConversion : public ExcelUnit {
  protected:
@@ -352,7 +352,7 @@ TEST_F(ExcelConversion, KeepsArraysAndReferences) {
   EXPECT_EQ(Out<XlRecord12>(arg).reference.area.last_column, 4);
 }
 
-// ---- The calling place ----
+// ---- The calling place -------------------------------------------------------------------------------------------
 
 class Counter final : public Function_CData {
  public:
@@ -479,7 +479,7 @@ TEST_F(ExcelPlace, EndsBeforeTheFunctionWhenMessagesAreOnAndACellIsNotCalculated
   }
 }
 
-// ---- Memory ----
+// ---- Memory ------------------------------------------------------------------------------------------------------
 
 TEST_F(ExcelUnit, AWarmCallAllocatesNothing) {
   host::set_context_factory(MakeContext);

@@ -1,5 +1,4 @@
-// Densitometers: divisors, limits, switches and defaults; the equations themselves are held by the published
-// cases.
+// Densitometers: divisors, limits, switches and defaults; the equations themselves are held by the published cases.
 #include <gtest/gtest.h>
 
 #include <cmath>

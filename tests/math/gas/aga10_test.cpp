@@ -80,8 +80,8 @@ double along(const AGA8::Mixture& mixture, const AGA8::Composition& x, double T,
 
 double pressure(const MolarState& s) { return s.rho * R * s.T * s.z; }  // [kPa]
 
-// Maxwell's relations and the definitions of the heat capacities and the speed of sound, by differences of the
-// properties themselves.
+// Maxwell's relations and the definitions of the heat capacities and the speed
+// of sound, by differences of the properties themselves.
 TEST(AGA10, PropertiesBelongTogether) {
   constexpr double tolerance = 1e-6;
   for (const AGA8::Composition* x : gases) {
@@ -118,8 +118,8 @@ TEST(AGA10, PropertiesBelongTogether) {
   }
 }
 
-// Enthalpies of the elements and of water at 25 degC above 0 K, and absolute entropies, as the thermodynamic tables
-// print them [J/mol, J/(mol K)].
+// Enthalpies of the elements and of water at 25 degC above 0 K, and absolute entropies,
+// as the thermodynamic tables print them [J/mol, J/(mol K)].
 TEST(AGA10, IdealGasesHaveTheirTabulatedEnthalpyAndEntropy) {
   const struct {
     AGA8::ComponentIndex component;
@@ -141,8 +141,8 @@ double property(const AGA8::Composition& x, double p, double T, Property which) 
   return values[static_cast<std::size_t>(which)];
 }
 
-// The critical flow factor is the greatest mass flux along the isentrope: found here by walking down the isentrope,
-// without any speed of sound.
+// The critical flow factor is the greatest mass flux along the isentrope: found here by walking
+// down the isentrope, without any speed of sound.
 TEST(AGA10, CriticalFlowFactorIsTheGreatestFlux) {
   for (const AGA8::Composition* x : gases) {
     // The last two are dense: a perfect gas with their isentropic exponent is no guide to the throat.
@@ -180,7 +180,7 @@ TEST(AGA10, CriticalFlowFactorIsTheGreatestFlux) {
     EXPECT_NEAR(property(argon_gas, 1.0, 300.0, factor), perfect, 2e-6);
 }
 
-// ---- The functions ------------------------------------------------------------------------------------------------
+// ---- The functions -----------------------------------------------------------------------------------------------
 
 enum Outputs : std::size_t {
   base_molar = 2,

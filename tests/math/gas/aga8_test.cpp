@@ -120,7 +120,7 @@ TEST(AGA8Detail, HostileNumbersEndAsAResult) {
   }
 }
 
-// ---- Composition --------------------------------------------------------------------------------------------------
+// ---- Composition -------------------------------------------------------------------------------------------------
 
 CompositionInput input_of(const Composition& x, double neo_pentane = 0.0) {
   CompositionInput input{};
@@ -168,7 +168,7 @@ TEST(AGA8Composition, SumsAndAmountsAreChecked) {
   }
 }
 
-// ---- Range rules --------------------------------------------------------------------------------------------------
+// ---- Range rules -------------------------------------------------------------------------------------------------
 
 // Methane makes up the rest.
 Composition with(ComponentIndex component, double fraction) {
@@ -264,7 +264,7 @@ TEST(AGA8Range, CarbonDioxideLadderOf2017) {
   }
 }
 
-// ---- The functions ------------------------------------------------------------------------------------------------
+// ---- The functions -----------------------------------------------------------------------------------------------
 
 enum Outputs : std::size_t { status, z, mass_density, molar_density, molar_mass_output, oor };
 
@@ -282,8 +282,8 @@ TEST(AGA8Functions, PercentNamesAndRepetitionDoNotChangeTheAnswer) {
   EXPECT_EQ(call.value(oor), 1);
 }
 
-// A temperature beyond the equation is an argument error in the metric function only; pressure 0 is inside every
-// range and has no density.
+// A temperature beyond the equation is an argument error in the metric function only;
+// pressure 0 is inside every range and has no density.
 TEST(AGA8Functions, StatusTellsWhatFailed) {
   const struct {
     double p, t;

@@ -32,8 +32,7 @@ TEST(Gpa2145Table, ColumnsAgree) {
       EXPECT_NEAR(c.ideal_relative_density, c.molar_mass / 28.9625, 1.0e-4);
       EXPECT_NEAR(c.gross_volume, c.gross_mass * c.molar_mass / molar_volume, rounding * c.gross_volume);
       EXPECT_LE(c.net_volume, c.gross_volume);
-      // The difference is the heat of condensation of the water formed: 50.31 Btu/ft3, 1.879 MJ/m3 a mole of
-      // water.
+      // The difference is the heat of condensation of the water formed: 50.31 Btu/ft3, 1.879 MJ/m3 a mole of water.
       const double waters = (c.gross_volume - c.net_volume) / table[5].gross_volume;
       EXPECT_NEAR(waters, std::round(waters), 0.02);
     }
@@ -104,8 +103,7 @@ TEST(Gpa2172, BasesAreTiedToEachOther) {
   EXPECT_NE(rd(Units::customary, 1), rd(Units::customary, 2));
 }
 
-// By mass the heating value is the plain fraction-weighted sum; ideal sums and the summation factor are
-// linear too.
+// By mass the heating value is the plain fraction-weighted sum; ideal sums and the summation factor are linear too.
 TEST(Gpa2172, SumsAreLinearInTheComposition) {
   Fractions methane{}, ethane{}, half{};
   methane[0] = ethane[3] = 1.0;

@@ -190,8 +190,7 @@ TEST(Iso6976, AllComponentsAgreeWithTheCommonOnes) {
 }
 
 TEST(Iso6976, RangeOfApplication) {
-  // {component in the order of 22, its limit}: at the limit inside, above it outside; methane the other way
-  // round.
+  // {component in the order of 22, its limit}: at the limit inside, above it outside; methane the other way round.
   const auto gas = [](std::size_t i, double fraction) {
     Gas22 x{};
     x[0] = 1.0 - fraction;
@@ -227,7 +226,7 @@ TEST(Iso6976, NoCompressibilityFails) {
   EXPECT_EQ(run1995(Gas22{}, 1).status, Status::failed) << "no gas at all";
 }
 
-// ---- Through the call path ----------------------------------------------------------------------------------------
+// ---- Through the call path ---------------------------------------------------------------------------------------
 
 // In the order of AGA-8 with neo-pentane behind.
 constexpr std::array<double, 22> eight = {0.9247, 0.0175, 0.0068, 0.035, 0.0098, 0, 0, 0, 0, 0, 0.0034,

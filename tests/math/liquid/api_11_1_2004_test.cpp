@@ -1,5 +1,4 @@
-// API MPMS 11.1:2004 where the published cases do not look: whole ranges, group boundaries, limits, hostile
-// numbers.
+// API MPMS 11.1:2004 where the published cases do not look: whole ranges, group boundaries, limits, hostile numbers.
 #include "math/liquid/api_11_1_2004.h"
 
 #include <gtest/gtest.h>
