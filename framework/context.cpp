@@ -94,7 +94,7 @@ Function_CContext::~Function_CContext() {
   }
 }
 
-// ---- The call -----------------------------------------------------------------------------------------------------
+// ---- The call ----------------------------------------------------------------------------------------------------
 
 std::uint32_t Function_CContext::Execute(const Function_CFunctionSpec& spec, FUNCTION_ARG* args, std::size_t count,
                                          FUNCTION_ARG& output, std::uint32_t& flags,
@@ -319,7 +319,7 @@ bool Function_CContext::WriteFallbackOutputs(const Function_CFunctionSpec& spec,
   return true;
 }
 
-// ---- Messages and hooks -------------------------------------------------------------------------------------------
+// ---- Messages and hooks ------------------------------------------------------------------------------------------
 
 void Function_CContext::ReportMessage(std::uint32_t, std::u16string_view) noexcept {}
 

@@ -28,7 +28,7 @@ bool is_absent(const FUNCTION_ARG* arg) noexcept {
 
 }  // namespace
 
-// ---- Conversions --------------------------------------------------------------------------------------------------
+// ---- Conversions -------------------------------------------------------------------------------------------------
 
 bool Function_CContext::ConvertArgument(FUNCTION_ARG& out, const FUNCTION_ARG& in, std::uint32_t kind) noexcept {
   if (&out == &in) {
@@ -203,7 +203,7 @@ bool Function_CContext::ToVariant(Core_CVariant& out, const FUNCTION_ARG& value)
   }
 }
 
-// ---- Readers and writers ------------------------------------------------------------------------------------------
+// ---- Readers and writers -----------------------------------------------------------------------------------------
 
 bool Function_CContext::GetString(const FUNCTION_ARG& in, std::u16string_view& text) noexcept {
   if (in.kind == ARG_STRING) {
