@@ -103,12 +103,10 @@ const record::Function Sarasota_M = {
     .outputs = outputs,
     .implementation = run,
     .notes =
-        u"Density from the period and the constants D0, T0 and K, with T0 corrected for temperature and "
-        u"pressure "
+        u"Density from the period and the constants D0, T0 and K, with T0 corrected for temperature and pressure "
         u"(equations as in the public calculation help of Kelton, C135).\n"
-        u"Status 2 for a corrected T0 of 0 and for a density outside 0 to 3000 kg/m3; a period equal to T0 "
-        u"is a "
-        u"density of 0.\n"
+        u"Status 2 for a corrected T0 of 0 and for a density outside 0 to 3000 kg/m3; "
+        u"a period equal to T0 is a density of 0.\n"
         u"Defaults: illustrative, from no certificate. Give the constants of your own certificate.\n"};
 
 }  // namespace norvane::functions

@@ -1,8 +1,8 @@
 // Solartron densitometers. Check values: calibration point and velocity-of-sound factors of the gas meter's
 // manuals (GDM 2016, 7812 2012); calibration of the 3098 with two gases.
 //
-// tau  period [us]           dt, dp  temperature and pressure less their reference [degC, bar]
-// rho  density [kg/m3]       G       relative density / (cp/cv) [-]
+//   tau  period [us]           dt, dp  temperature and pressure less their reference [degC, bar]
+//   rho  density [kg/m3]       G       relative density / (cp/cv) [-]
 #include "math/densitometer/solartron.h"
 
 #include <cmath>
@@ -19,9 +19,9 @@ double from_period(double k0, double k1, double k2, double tau) { return k0 + k1
 
 double for_temperature(double rho, double k18, double k19, double dt) { return rho * (1.0 + k18 * dt) + k19 * dt; }
 
-// Velocity-of-sound correction of the liquid meters (manual of the 7835, 7845, 7846, 7847, 6.24):
-// to the sound velocity that the calibration liquids had at this density. Nothing
-// is known outside these limits, and nothing corrected.
+// Velocity-of-sound correction of the liquid meters (manual of the 7835, 7845, 7846, 7847, 6.24), to the
+// sound velocity that the calibration liquids had at this density. Nothing is known outside these limits,
+// and nothing corrected.
 constexpr double sound_from = 300.0, sound_to = 1400.0;  // kg/m3
 constexpr double branches_meet = 1100.0;                 // kg/m3
 

@@ -264,30 +264,26 @@ std::uint32_t run(Function_CContext& context, FUNCTION_ARG* args, std::size_t co
 
 }  // namespace
 
-const record::Function Solartron_Gas_M = {.id = u"Solartron_Gas_M",
-                                          .display = u"Solartron Gas",
-                                          .description = u"Solartron Gas Densitometer.",
-                                          .subcategory = u"Solartron",
-                                          .keywords = u"metric,densitometer",
-                                          .name_input = 0,
-                                          .inputs = gas::inputs,
-                                          .outputs = gas::outputs,
-                                          .implementation = gas::run,
-                                          .notes =
-                                              u"Gas density meters GDM and 7812: manuals of April 2016 (GDM) "
-                                              u"and 2012 (7812). The absolute temperature of "
-                                              u"the velocity-of-sound correction is temperature + 273.\n"
-                                              u"Status 2 for a zero divisor or an uncorrected, temperature "
-                                              u"corrected or corrected density outside 0 to "
-                                              u"3000 kg/m3; a ratio of specific heats of 0 is one with G "
-                                              u"value method 2, also without the correction.\n"
-                                              u"Defaults: periodic time, K0, K1, K2, K18 and K19 are a "
-                                              u"published calibration point of the gas density "
-                                              u"meter (public repository equinor/pvtlib); the calibration "
-                                              u"gas constant is that of nitrogen. K3 and K4 are "
-                                              u"no certificate's: they are derived from the sensor constant "
-                                              u"2.1e4 of the 7812 manual. Give the constants "
-                                              u"of your own certificate.\n"};
+const record::Function Solartron_Gas_M = {
+    .id = u"Solartron_Gas_M",
+    .display = u"Solartron Gas",
+    .description = u"Solartron Gas Densitometer.",
+    .subcategory = u"Solartron",
+    .keywords = u"metric,densitometer",
+    .name_input = 0,
+    .inputs = gas::inputs,
+    .outputs = gas::outputs,
+    .implementation = gas::run,
+    .notes =
+        u"Gas density meters GDM and 7812: manuals of April 2016 (GDM) and 2012 (7812). "
+        u"The absolute temperature of the velocity-of-sound correction is temperature + 273.\n"
+        u"Status 2 for a zero divisor or an uncorrected, temperature corrected or corrected density outside "
+        u"0 to 3000 kg/m3; a ratio of specific heats of 0 is one with G value method 2, "
+        u"also without the correction.\n"
+        u"Defaults: periodic time, K0, K1, K2, K18 and K19 are a published calibration point of the gas density "
+        u"meter (public repository equinor/pvtlib); the calibration gas constant is that of nitrogen. "
+        u"K3 and K4 are no certificate's: they are derived from the sensor constant 2.1e4 of the 7812 manual. "
+        u"Give the constants of your own certificate.\n"};
 
 const record::Function Solartron_Liquid_M = {
     .id = u"Solartron_Liquid_M",
@@ -301,15 +297,11 @@ const record::Function Solartron_Liquid_M = {
     .implementation = liquid::run,
     .notes =
         u"Liquid density meters 7835, 7845, 7846 and 7847: their manual, velocity of sound in section 6.24. "
-        u"The "
-        u"correction by a given velocity of sound is made from 300 to 1400 kg/m3, outside these the density "
-        u"stays "
-        u"as it is and the velocity is not read.\n"
+        u"The correction by a given velocity of sound is made from 300 to 1400 kg/m3, outside these "
+        u"the density stays as it is and the velocity is not read.\n"
         u"Status 2 for a zero divisor or an uncorrected, temperature corrected or corrected density outside "
-        u"0 to "
-        u"3000 kg/m3; the density after the pressure correction is not tested.\n"
-        u"Defaults: example constants, not those of an instrument. Give the constants of your own "
-        u"certificate.\n"};
+        u"0 to 3000 kg/m3; the density after the pressure correction is not tested.\n"
+        u"Defaults: example constants, not those of an instrument. Give the constants of your own certificate.\n"};
 
 const record::Function Solartron_SG = {
     .id = u"Solartron_SG",
@@ -322,11 +314,9 @@ const record::Function Solartron_SG = {
     .outputs = gravity::outputs,
     .implementation = gravity::run,
     .notes =
-        u"Relative density transducers 3096 and 3098, calibrated with two gases: manuals of the 3096 and "
-        u"3098. Any "
-        u"finite result is answered.\n"
-        u"Defaults: illustrative, from no certificate: the two-gas formula with methane and nitrogen over "
-        u"air and "
-        u"assumed periods of 535 and 575 \u00B5s. Give the constants of your own certificate.\n"};
+        u"Relative density transducers 3096 and 3098, calibrated with two gases: manuals of the 3096 and 3098. "
+        u"Any finite result is answered.\n"
+        u"Defaults: illustrative, from no certificate: the two-gas formula with methane and nitrogen over air "
+        u"and assumed periods of 535 and 575 \u00B5s. Give the constants of your own certificate.\n"};
 
 }  // namespace norvane::functions

@@ -118,11 +118,9 @@ const record::Function UGC_M = {
     .outputs = outputs,
     .implementation = run,
     .notes =
-        u"A parabola of the period, corrected for temperature and pressure by parabolas of the uncorrected "
-        u"density. "
+        u"A parabola of the period, corrected for temperature and pressure by parabolas of the uncorrected density. "
         u"The result is not held within limits: any finite number is answered, also a negative one.\n"
-        u"Defaults: illustrative, from no certificate; no public source of the maker's was found. Give the "
-        u"constants "
-        u"of your own certificate.\n"};
+        u"Defaults: illustrative, from no certificate; no public source of the maker's was found. "
+        u"Give the constants of your own certificate.\n"};
 
 }  // namespace norvane::functions

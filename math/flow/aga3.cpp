@@ -1,9 +1,9 @@
 // AGA Report No. 3: see aga3.h. Symbols of Part 4, section 4.3.2.
 //
-//   X      4000/Re_D                 FI   iteration flow factor, X = FI/Cd
-//   L1, L2 tapping distances / D     M2   2 L2/(1 - beta)
-//   Tu, Td upstream and downstream tap terms, Ts small-pipe term
-//   x1     dP/(N3 P1)
+//   X       4000/Re_D                             FI   iteration flow factor, X = FI/Cd
+//   L1, L2  tapping distances / D                 M2   2 L2/(1 - beta)
+//   Tu, Td  upstream and downstream tap terms     Ts   small-pipe term
+//   x1      dP/(N3 P1)
 #include "math/flow/aga3.h"
 
 #include <numbers>

@@ -3,8 +3,8 @@
 //   Part 1 (1990/1992, 2012)   equations, uncertainty, limits of use
 //   Part 4 (1992)              procedure: the discharge coefficient by Newton's method in X = 4000/Re_D
 //
-//   q_m = N Ev Cd Y d^2 sqrt(2 rho1 dP)        Ev = 1/sqrt(1 - beta^4), Y expansion factor at the upstream
-//   tapping
+//   q_m = N Ev Cd Y d^2 sqrt(2 rho1 dP)
+//   Ev  = 1/sqrt(1 - beta^4)               Y  expansion factor at the upstream tapping
 //
 // Customary units throughout: inches, psia, inches of water at 60 degF, degF, lbm/ft3, cP, lbm/h.
 #pragma once

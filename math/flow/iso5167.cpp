@@ -1,10 +1,13 @@
 // ISO 5167: see iso5167.h for the parts and editions.
 //
-//   mu      dynamic viscosity [Pa s]          tau = p2/p1, x = dp/p1 = 1 - tau
-//   L1      distance of the upstream tapping from the plate / D
-//   L2'     distance of the downstream tapping from the plate's downstream face / D,  M2' = 2 L2'/(1 - beta)
-//   A       (19000 beta/Re_D)^0.8             E = 1/sqrt(1 - beta^4)
-//   Lengths in the coefficient equations are in mm, as the standard has them.
+//   mu   dynamic viscosity [Pa s]
+//   tau  p2/p1                                x    dp/p1 = 1 - tau
+//   A    (19000 beta/Re_D)^0.8                E    1/sqrt(1 - beta^4)
+//   L1   distance of the upstream tapping from the plate / D
+//   L2'  distance of the downstream tapping from the plate's downstream face / D
+//   M2'  2 L2'/(1 - beta)
+//
+// Lengths in the coefficient equations are in mm, as the standard has them.
 #include "math/flow/iso5167.h"
 
 #include <numbers>

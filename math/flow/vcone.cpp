@@ -1,8 +1,10 @@
 // Cone meter: see vcone.h.
 //
-//   x   = dp/(kappa p1), dp and p1 in one unit
-//   The bulletin computes with the reference diameters and an area factor F_a = flowing over reference area
-//   term; the reference terms cancel, so the area term of the flowing diameters stands in for the product.
+//   x    dp/(kappa p1), dp and p1 in one unit
+//   F_a  area factor: the area term of the flowing diameters over that of the reference diameters
+//
+// The bulletin multiplies the area term of the reference diameters by F_a; the reference terms cancel, so the
+// area term of the flowing diameters stands in for the product.
 #include "math/flow/vcone.h"
 
 #include <numbers>

@@ -1,6 +1,8 @@
 // Cone meter with a calibrated discharge coefficient, after the maker's flow calculation bulletin 24509-54.
 //
-//   beta = sqrt(1 - d_c^2/D^2)     d_c  cone diameter, D  pipe diameter, both at the upstream temperature
+//   d_c  cone diameter             D  pipe diameter, both at the upstream temperature
+//
+//   beta = sqrt(1 - d_c^2/D^2)
 //   q_m  = C_f eps (pi/4) D^2 beta^2/sqrt(1 - beta^4) sqrt(2 dp rho1)
 #pragma once
 

@@ -103,8 +103,8 @@ constexpr auto customary_outputs = outputs(customary);
 constexpr std::u16string_view notes =
     u"Flow calculation bulletin 24509-54 of the maker: a cone in the pipe with a calibrated discharge coefficient.\n"
     u"The expansion factor is 1 - (0.649 + 0.696 beta^4) x for the standard cone and 1 - (0.755 + 6.787 beta^8) x for the "
-    u"wafer cone with x = dp/(kappa p1); below 0.84 it is out of range. The permanent pressure loss is the fraction 1.3 - "
-    u"1.25 beta of the differential pressure. The Reynolds number does not enter the mass rate.\n"
+    u"wafer cone with x = dp/(kappa p1); below 0.84 it is out of range. The permanent pressure loss is the fraction "
+    u"1.3 - 1.25 beta of the differential pressure. The Reynolds number does not enter the mass rate.\n"
     u"A liquid's temperature and density are delivered at the points where they are given and are 0 elsewhere. A "
     u"differential pressure of 0 is no error: the state given is delivered for all points.\n"
     u"Status 1: an argument is not positive or not finite. Status 2: a cone not smaller than the pipe, a pressure of zero or "

@@ -1,6 +1,6 @@
 // AGA Report No. 10 (2003).
 //
-//   ar   residual Helmholtz energy over R T; its reduced derivatives are those of AGA8::Residual
+//   ar      residual Helmholtz energy over R T; its reduced derivatives are those of AGA8::Residual
 //   Z       = 1 + d                                    dp/drho = R T (1 + 2 d + dd)
 //   dp/dT   = rho R (1 + d + dt)                       h       = h0 + R T (d - t)
 //   s       = s0 - R sum x ln x - R ln(rho R T/p_ref) - R (ar + t)

@@ -1,6 +1,8 @@
 // AGA Report No. 5, Natural gas energy measurement: heating value from specific gravity and diluents.
 //
-// G  specific gravity [-]    y_j  mole fraction of a diluent [-]    a_j, k_j  its terms by mass and by volume
+//   G         specific gravity [-]
+//   y_j       mole fraction of a diluent [-]
+//   a_j, k_j  its terms by mass and by volume
 #include "math/gas/aga5.h"
 
 #include <cmath>

@@ -71,15 +71,12 @@ const record::Function AGA5_C = {
     .outputs = outputs,
     .implementation = run,
     .notes =
-        u"AGA Report No. 5, Natural gas energy measurement: heating value from the specific gravity and the "
-        u"fractions of nitrogen, carbon dioxide, oxygen, helium, carbon monoxide, hydrogen sulfide, water "
-        u"and "
-        u"hydrogen.\n"
-        u"The composition is taken as fractions and is not normalised: status 1 when these eight exceed 1 in "
-        u"sum, "
-        u"as percent does, or when one of them is negative; status 2 for a specific gravity below 1e-6. For "
-        u"pure "
-        u"methane the correlation lies 0.2 to 0.4 % above the tabulated value by volume.",
+        u"AGA Report No. 5, Natural gas energy measurement: heating value from the specific gravity and "
+        u"the fractions of nitrogen, carbon dioxide, oxygen, helium, carbon monoxide, hydrogen sulfide, "
+        u"water and hydrogen.\n"
+        u"The composition is taken as fractions and is not normalised: status 1 when these eight exceed 1 in sum, "
+        u"as percent does, or when one of them is negative; status 2 for a specific gravity below 1e-6. "
+        u"For pure methane the correlation lies 0.2 to 0.4 % above the tabulated value by volume.",
 };
 
 }  // namespace norvane::functions

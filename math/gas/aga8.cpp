@@ -1,9 +1,11 @@
 // AGA Report No. 8, detail characterisation method.
 //
-//   x_i  mole fraction            T  temperature [K]         p  pressure [MPa]     rho  molar density
-//   [kmol/m3] B    second virial coefficient [m3/kmol]                 K  mixture size parameter
-//   [(m3/kmol)^(1/3)] r    reduced density K^3 rho                             U  mixture energy parameter
-//   [K] E_ij = E*_ij sqrt(E_i E_j)    G_ij = G*_ij (G_i + G_j)/2
+//   x_i  mole fraction [-]                       T    temperature [K]
+//   p    pressure [MPa]                          rho  molar density [kmol/m3]
+//   B    second virial coefficient [m3/kmol]     K    mixture size parameter [(m3/kmol)^(1/3)]
+//   r    reduced density, K^3 rho [-]            U    mixture energy parameter [K]
+//
+//   E_ij = E*_ij sqrt(E_i E_j)                   G_ij = G*_ij (G_i + G_j)/2
 //
 //   Z = 1 + rho B - r sum(13..18) C*_n + sum(13..58) C*_n (b_n - k_n r^k_n) r^b_n exp(-r^k_n)
 //   p = rho R T Z

@@ -77,8 +77,8 @@ struct Mixture {
   void set(const Composition& x) noexcept;
 };
 
-// What depends on composition and temperature. The terms 13..58 have only 24 different pairs of exponents (k,
-// b) of the density, so that at one temperature they are 24 coefficients.
+// What depends on composition and temperature. The terms 13..58 have only 24 different pairs of
+// exponents (k, b) of the density, so that at one temperature they are 24 coefficients.
 struct Isotherm {
   double T = 0.0;               // [K]
   double RT = 0.0;              // [MPa m3/kmol]

@@ -153,17 +153,13 @@ std::uint32_t run_customary(Function_CContext& context, FUNCTION_ARG* args, std:
 }
 
 constexpr std::u16string_view notes =
-    u"Standard: AGA Report No. 8, Compressibility Factors of Natural Gas and Other Related Hydrocarbon "
-    u"Gases, 2nd "
-    u"edition, 2nd printing (1994), detail characterisation method; the equation is the same in AGA Report "
-    u"No. 8 "
-    u"Part 1 (2017) and ISO 12213-2. Gas constant 8.31451 J/(mol K).\n"
-    u"The density is searched from the ideal gas upwards and refined by Brent's method to 1e-11. Status 2 is "
-    u"answered where the pressure falls with density before it reaches the given one, as inside the "
-    u"two-phase region, "
-    u"and at pressure 0. Code 3 is never answered.\n"
-    u"An unchanged composition, temperature and pressure of the same name or calling place answers from "
-    u"memory.\n";
+    u"Standard: AGA Report No. 8, Compressibility Factors of Natural Gas and Other Related Hydrocarbon Gases, "
+    u"2nd edition, 2nd printing (1994), detail characterisation method; the equation is the same in AGA Report "
+    u"No. 8 Part 1 (2017) and ISO 12213-2. Gas constant 8.31451 J/(mol K).\n"
+    u"The density is searched from the ideal gas upwards and refined by Brent's method to 1e-11. "
+    u"Status 2 is answered where the pressure falls with density before it reaches the given one, "
+    u"as inside the two-phase region, and at pressure 0. Code 3 is never answered.\n"
+    u"An unchanged composition, temperature and pressure of the same name or calling place answers from memory.\n";
 
 }  // namespace
 

@@ -11,8 +11,8 @@ namespace norvane::AGA8 {
 inline constexpr std::size_t component_count = 21;
 
 // Component characterisation parameters.
-//   M  molar mass [kg/kmol]      E  energy [K]       K  size [(m3/kmol)^(1/3)]   G  orientation [-]
-//   Q  quadrupole [-]            F  high temperature [-]   S  dipole [-]         W  association [-]
+//   M  molar mass [kg/kmol]   E  energy [K]             K  size [(m3/kmol)^(1/3)]   G  orientation [-]
+//   Q  quadrupole [-]         F  high temperature [-]   S  dipole [-]               W  association [-]
 struct Component { const char* name; double M, E, K, G, Q, F, S, W; };
 inline constexpr Component components[component_count] = {
     {"methane"         ,  16.043,   151.3183, 0.4619255,        0,        0, 0,      0, 0},

@@ -6,6 +6,7 @@
 //
 // GPA 2145-16 is tabulated as printed; its argon row, absent from the print, is 39.948 kg/kmol with the relative
 // density M/28.9625 and the summation factor of ISO 6976. The 2009 edition carries the same figures.
+//
 // Of the 2003 edition the molar masses of methane to n-hexane, nitrogen and carbon dioxide (and, metric,
 // their values by mass) differ in the last digit; the customary table of 2000 is the older family, its values
 // by mass follow from those by volume with 379.4826 ft3/lbmol, and its summation factor of n-decane is unconfirmed.

@@ -1,9 +1,9 @@
 // GPA Standard 2172, Calculation of gross heating value, relative density, compressibility and theoretical
 // hydrocarbon liquid content for natural gas mixtures; component properties of GPA 2145.
 //
-// x_i  mole fraction [-]    b_i  summation factor [psia^-1/2, kPa^-1/2]    P  base pressure [psia, kPa]
-// G    relative density [-]    Z  compressibility factor [-]    x_s  mole fraction of water in saturated gas
-// [-]
+//   x_i  mole fraction [-]                            x_s  mole fraction of water in saturated gas [-]
+//   b_i  summation factor [psia^-1/2, kPa^-1/2]       P    base pressure [psia, kPa]
+//   G    relative density [-]                         Z    compressibility factor [-]
 #include "math/gas/gpa2172.h"
 
 #include <array>

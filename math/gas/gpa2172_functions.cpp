@@ -120,36 +120,24 @@ std::uint32_t run(Function_CContext& context, FUNCTION_ARG* args, std::size_t co
 }
 
 constexpr std::u16string_view notes =
-    u"GPA Standard 2172, Calculation of gross heating value, relative density, compressibility and "
-    u"theoretical "
-    u"hydrocarbon liquid content for natural gas mixtures, with the component properties of GPA Standard "
-    u"2145. The "
-    u"edition selects the component table and the summation factor of air; the metric tables of 2000 and "
-    u"2003 are one, "
-    u"and the tables of 2009 are those of 2016.\n"
-    u"Wet is the gas as analysed, dry the gas without its water, saturated the dry gas saturated with water "
-    u"at base "
-    u"conditions. Water enters with its own row: a net value of 0, a gross value of its heat of "
-    u"condensation.\n"
+    u"GPA Standard 2172, Calculation of gross heating value, relative density, compressibility "
+    u"and theoretical hydrocarbon liquid content for natural gas mixtures, with the component properties "
+    u"of GPA Standard 2145. The edition selects the component table and the summation factor of air; "
+    u"the metric tables of 2000 and 2003 are one, and the tables of 2009 are those of 2016.\n"
+    u"Wet is the gas as analysed, dry the gas without its water, saturated the dry gas saturated with water at base "
+    u"conditions. Water enters with its own row: a net value of 0, a gross value of its heat of condensation.\n"
     u"The gross heating value by mass is the mole fraction-weighted sum of the components' values by mass, "
-    u"not the "
-    u"mass-weighted mean: it is exact for a pure gas and differs by 2 to 4 % for ordinary mixtures. Divide "
-    u"the ideal "
-    u"gross value by volume by the ideal gas density where the physical value is wanted.\n"
-    u"The 22 fractions must sum to 1 within 0.0001 (status 3 otherwise, also for percent); an edition or a "
-    u"neo-pentane "
-    u"mode outside its list is status 1, a negative fraction or a gas of nothing but water status 2. Edition "
-    u"2 and "
-    u"neo-pentane mode 2 are the defaults.";
+    u"not the mass-weighted mean: it is exact for a pure gas and differs by 2 to 4 % for ordinary mixtures. "
+    u"Divide the ideal gross value by volume by the ideal gas density where the physical value is wanted.\n"
+    u"The 22 fractions must sum to 1 within 0.0001 (status 3 otherwise, also for percent); "
+    u"an edition or a neo-pentane mode outside its list is status 1, a negative fraction or a gas of nothing "
+    u"but water status 2. Edition 2 and neo-pentane mode 2 are the defaults.";
 
 constexpr std::u16string_view notes_1996 =
-    u"GPA Standard 2172-96, Calculation of gross heating value, relative density and compressibility factor "
-    u"for "
-    u"natural gas mixtures from compositional analysis: the same calculation and tables as GPA2172_M and "
-    u"GPA2172_C.\n"
+    u"GPA Standard 2172-96, Calculation of gross heating value, relative density and compressibility factor for "
+    u"natural gas mixtures from compositional analysis: the same calculation and tables as GPA2172_M and GPA2172_C.\n"
     u"The gross heating value by mass is the mole fraction-weighted sum of the components' values by mass, "
-    u"not the "
-    u"mass-weighted mean.";
+    u"not the mass-weighted mean.";
 
 }  // namespace
 

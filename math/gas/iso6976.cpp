@@ -1,11 +1,12 @@
 // ISO 6976:1995 and ISO 6976:2016, Natural gas - Calculation of calorific values, density, relative density
 // and Wobbe index from composition. Check values: 2016 edition, annex D.
 //
-// x_i  mole fraction [-]                        M_i, M  molar mass, of the mixture [kg/kmol]
-// s_i  summation factor, sqrt(b_i) in 1995 [-]   Z       compression factor of the mixture [-]
-// t1   combustion temperature [degC]            t2      metering temperature [degC]
-// H    calorific value; molar [kJ/mol = MJ/kmol], mass [MJ/kg], volume [MJ/m3]; superior = gross, inferior =
-// net d    relative density of the real gas [-]     rho     density of the real gas [kg/m3]
+//   x_i  mole fraction [-]                             M_i, M  molar mass, of the mixture [kg/kmol]
+//   s_i  summation factor, sqrt(b_i) in 1995 [-]       Z       compression factor of the mixture [-]
+//   t1   combustion temperature [degC]                 t2      metering temperature [degC]
+//   d    relative density of the real gas [-]          rho     density of the real gas [kg/m3]
+//   H    calorific value: molar [kJ/mol = MJ/kmol], mass [MJ/kg], volume [MJ/m3];
+//        superior = gross, inferior = net
 #include "math/gas/iso6976.h"
 
 #include <cmath>

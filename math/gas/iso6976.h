@@ -63,8 +63,8 @@ struct Result {
   Range range{};
 };
 
-// Reference option, temperatures of combustion / metering in degC: 1: 15/15, 2: 0/0, 3: 15/0, 4: 25/0, 5:
-// 20/20, 6: 25/20. Any other option is an unknown reference.
+// Reference option, temperatures of combustion / metering in degC: 1: 15/15, 2: 0/0, 3: 15/0, 4: 25/0,
+// 5: 20/20, 6: 25/20. Any other option is an unknown reference.
 Result edition_1995(std::span<const double, n_common> x, int reference, MolarMassMethod mass,
                     CalorificMethod method) noexcept;
 Result edition_1995(std::span<const double, n_1995> x, int reference, MolarMassMethod mass,

@@ -367,34 +367,28 @@ std::uint32_t run_2016_all(Function_CContext& context, FUNCTION_ARG* args, std::
 
 // ---- Notes -------------------------------------------------------------------------------------------------------
 
-#define NV_NOTES_1995                                                                                        \
-  u"ISO 6976:1995, Natural gas - Calculation of calorific values, density, relative density and Wobbe "      \
-  u"index from "                                                                                             \
-  u"composition; tables 1 to 5. R = 8.31451 J/(mol K), 101.325 kPa, dry air 28.9626 kg/kmol.\n"              \
-  u"The definitive method divides molar values by the molar mass and the molar volume of the real gas; the " \
-  u"alternative method sums the standard's rounded values by mass and by volume. The last digit of those "   \
-  u"rounded "                                                                                                \
-  u"values was derived from the molar ones.\n"
+#define NV_NOTES_1995                                                                                         \
+  u"ISO 6976:1995, Natural gas - Calculation of calorific values, density, relative density and Wobbe index " \
+  u"from composition; tables 1 to 5. R = 8.31451 J/(mol K), 101.325 kPa, dry air 28.9626 kg/kmol.\n"          \
+  u"The definitive method divides molar values by the molar mass and the molar volume of the real gas; "      \
+  u"the alternative method sums the standard's rounded values by mass and by volume. "                        \
+  u"The last digit of those rounded values was derived from the molar ones.\n"
 
-#define NV_NOTES_2016                                                                                   \
-  u"ISO 6976:2016, Natural gas - Calculation of calorific values, density, relative density and Wobbe " \
-  u"indices from "                                                                                      \
-  u"composition; tables 1 to 3. R = 8.3144621 J/(mol K), 101.325 kPa, dry air 28.96546 kg/kmol.\n"      \
-  u"The edition has one calculation method: both values of the method input give the same numbers. "    \
-  u"Superior and "                                                                                      \
-  u"inferior are its gross and net. Reference 7 is tabulated at 15.55 \u00B0C.\n"
+#define NV_NOTES_2016                                                                                           \
+  u"ISO 6976:2016, Natural gas - Calculation of calorific values, density, relative density and Wobbe indices " \
+  u"from composition; tables 1 to 3. R = 8.3144621 J/(mol K), 101.325 kPa, dry air 28.96546 kg/kmol.\n"         \
+  u"The edition has one calculation method: both values of the method input give the same numbers. "            \
+  u"Superior and inferior are its gross and net. Reference 7 is tabulated at 15.55 \u00B0C.\n"
 
-#define NV_NOTES_COMPOSITION                                                                                 \
-  u"The composition may be given in fractions or in percent and is normalised; a sum outside 0.9999 to "     \
-  u"1.0001 and "                                                                                             \
-  u"99.99 to 100.01 is a composition error, a negative amount a calculation error.\n"                        \
-  u"Range status 1, with a warning and valid results: methane below 0.5, ethane above 0.15, nitrogen above " \
-  u"0.3, "                                                                                                   \
+#define NV_NOTES_COMPOSITION                                                                                      \
+  u"The composition may be given in fractions or in percent and is normalised; "                                  \
+  u"a sum outside 0.9999 to 1.0001 and 99.99 to 100.01 is a composition error, "                                  \
+  u"a negative amount a calculation error.\n"                                                                     \
+  u"Range status 1, with a warning and valid results: methane below 0.5, ethane above 0.15, nitrogen above 0.3, " \
   u"carbon dioxide above 0.15, or any other component above 0.05"
 
-#define NV_NOTES_ARRAYS                                                                                 \
-  u"The 22 common components stand in the composition (AGA-8 order plus neo-pentane), the rest of the " \
-  u"standard's "                                                                                        \
+#define NV_NOTES_ARRAYS                                                                                            \
+  u"The 22 common components stand in the composition (AGA-8 order plus neo-pentane), the rest of the standard's " \
   u"components in arrays of their own; an omitted array counts as zeros. All are normalised together.\n"
 
 }  // namespace
@@ -436,8 +430,8 @@ const record::Function ISO6976ex_1995_M = {
     .id = u"ISO6976ex_1995_M",
     .display = u"ISO-6976 (1995) all 55 components",
     .description =
-        u"Gas Calorific Value, Density, Relative Density and Wobbe Index according to ISO-6976 (1995), for "
-        u"all 55 components.",
+        u"Gas Calorific Value, Density, Relative Density and Wobbe Index according to ISO-6976 (1995), "
+        u"for all 55 components.",
     .category = u"Math",
     .subcategory = u"Math",
     .keywords = u"",
@@ -454,8 +448,8 @@ const record::Function ISO6976ex_2016_M = {
     .id = u"ISO6976ex_2016_M",
     .display = u"ISO-6976 (2016) all 60 components",
     .description =
-        u"Gas Calorific Value, Density, Relative Density and Wobbe Index according to ISO-6976 (2016), for "
-        u"all 60 components.",
+        u"Gas Calorific Value, Density, Relative Density and Wobbe Index according to ISO-6976 (2016), "
+        u"for all 60 components.",
     .category = u"Math",
     .subcategory = u"Math",
     .keywords = u"",

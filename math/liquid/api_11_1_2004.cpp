@@ -1,10 +1,10 @@
-// API MPMS Chapter 11.1:2004, procedures 11.1.6.1, 11.1.6.2, 11.1.7.1 and 11.1.7.2. Check
-// values: the worked examples printed with them.
+// API MPMS Chapter 11.1:2004, procedures 11.1.6.1, 11.1.6.2, 11.1.7.1 and 11.1.7.2.
+// Check values: the worked examples printed with them.
 //
-// rho60   density at 60 degF, ITS-90 basis [kg/m3]        rho_star  the same on the IPTS-68 basis [kg/m3]
-// t, t68  temperature, ITS-90 and IPTS-68 [degF]          p         gauge pressure, never negative [psi]
-// alpha60 thermal expansion at 60 degF [1/degF]           f         compressibility [1/psi]
-// ctl, cpl, ctpl  volume correction factors to 60 degF and equilibrium pressure [-]
+//   rho60    density at 60 degF, ITS-90 basis [kg/m3]     rho_star  the same on the IPTS-68 basis [kg/m3]
+//   t, t68   temperature, ITS-90 and IPTS-68 [degF]       p         gauge pressure, never negative [psi]
+//   alpha60  thermal expansion at 60 degF [1/degF]        f         compressibility [1/psi]
+//   ctl, cpl, ctpl  volume correction factors to 60 degF and equilibrium pressure [-]
 #include "math/liquid/api_11_1_2004.h"
 
 #include <algorithm>
