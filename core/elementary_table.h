@@ -140,8 +140,8 @@ inline constexpr PowerOfTwo powers_of_two[128] = {
 
 // Interval i = 0 ... 127 of the reduced argument z: below 1 [m/256, (m+1)/256) with m = 181 + i,
 // from 1 on [1 + j/128, 1 + (j+1)/128) with j = i - 75. `inverse` is a multiple of 1/512 close to 1/z,
-// -log(inverse) = log_high + log_low, log_high a multiple of 2^-42. Both intervals that meet at 1 have inverse
-// 1 and logarithm 0, so that nothing cancels there.
+// -log(inverse) = log_high + log_low, log_high a multiple of 2^-42. Both intervals that meet at 1
+// have inverse 1 and logarithm 0, so that nothing cancels there.
 struct LogInterval { double inverse, log_high, log_low; };
 inline constexpr LogInterval log_intervals[128] = {
     {0x1.6900000000000p+0, -0x1.5ff3070a79000p-2, -0x1.e9e439f105039p-45},

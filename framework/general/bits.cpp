@@ -153,9 +153,8 @@ const record::Function BitTest = {
     .outputs = bit_test_outputs,
     .implementation = bit_test,
     .notes =
-        u"A negative number is taken as a signed 32-bit integer (two's complement), any other by its low 32 "
-        u"bits; "
-        u"a fraction is cut off.\n",
+        u"A negative number is taken as a signed 32-bit integer (two's complement), any other by its low "
+        u"32 bits; a fraction is cut off.\n",
 };
 
 extern const record::Function Bits2Num;
@@ -170,8 +169,7 @@ const record::Function Bits2Num = {
     .outputs = bits_outputs,
     .implementation = bits_to_number,
     .notes =
-        u"Adds the place values 1, 2, 4, ... of the cells of the first row, at most 64. The cells must be "
-        u"readable "
+        u"Adds the place values 1, 2, 4, ... of the cells of the first row, at most 64. The cells must be readable "
         u"as whole numbers but their values are not used: n cells give 2^n - 1.\n"
         u"Only base 10 (the default) is accepted.\n",
 };
@@ -187,9 +185,8 @@ const record::Function Num2Num = {
     .outputs = number_outputs,
     .implementation = number_to_number,
     .notes =
-        u"The value is written without blanks or a sign and is at most 100000000000000000 (1e17); digits "
-        u"above 9 "
-        u"are A to F in either case, and upper case in the result.\n",
+        u"The value is written without blanks or a sign and is at most 100000000000000000 (1e17); "
+        u"digits above 9 are A to F in either case, and upper case in the result.\n",
 };
 
 }  // namespace norvane::functions

@@ -170,8 +170,7 @@ const record::Function ConvertUnit = {
     .group = GroupId::Extended,
     .id = u"ConvertUnit",
     .description =
-        u"Converts a value expressed in a particular unit into the corresponding value expressed in a "
-        u"another unit",
+        u"Converts a value expressed in a particular unit into the corresponding value expressed in a another unit",
     .category = u"General",
     .subcategory = u"Extended",
     .flags = FUNCTION_FALLBACK | FUNCTION_NO_RANGE_CHECK,
@@ -181,13 +180,10 @@ const record::Function ConvertUnit = {
     .implementation = convert_unit,
     .notes =
         u"A unit is given by its key (\"bar_a\", in any case), by its symbol (\"bar(a)\") or by its number. "
-        u"Symbols that "
-        u"several units bear are refused: a key is always one unit.\n"
+        u"Symbols that several units bear are refused: a key is always one unit.\n"
         u"Absolute, gauge and differential pressures are quantities of their own and are not converted into "
-        u"each "
-        u"other, nor volumes into standard volumes.\n"
-        u"value in the output unit = (value * factor + offset - output offset) / output factor, by way of "
-        u"the base "
+        u"each other, nor volumes into standard volumes.\n"
+        u"value in the output unit = (value * factor + offset - output offset) / output factor, by way of the base "
         u"unit, with the factors of the unit tables.\n",
 };
 

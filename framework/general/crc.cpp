@@ -53,11 +53,9 @@ constexpr record::Output outputs[] = {
 };
 
 constexpr std::u16string_view notes =
-    u"The reflected CRC-32 (polynomial EDB88320 hexadecimal) with start value 0 and without a final "
-    u"inversion, over the "
-    u"cells row by row: a number, or a text that reads as a number, as the 8 bytes of its IEEE 754 double, "
-    u"lowest byte "
-    u"first; an empty cell as the number 0; any other text as its UTF-16 characters, low byte first.\n"
+    u"The reflected CRC-32 (polynomial EDB88320 hexadecimal) with start value 0 and without a final inversion, "
+    u"over the cells row by row: a number, or a text that reads as a number, as the 8 bytes of its IEEE 754 double, "
+    u"lowest byte first; an empty cell as the number 0; any other text as its UTF-16 characters, low byte first.\n"
     u"A cell that holds an error ends the calculation with that error.\n";
 
 }  // namespace

@@ -120,12 +120,10 @@ const record::Function FunctionTest = {
     .implementation = function_test,
     .notes =
         u"The first value answers for all items, the others for one item each.\n"
-        u"Without precisions an item passes when value and reference are equal: numbers (booleans among "
-        u"them) "
+        u"Without precisions an item passes when value and reference are equal: numbers (booleans among them) "
         u"compare by value, texts exactly, and a number and a text are never equal.\n"
         u"With precisions all three must be numbers, and an item passes when |value - reference| / |value| "
-        u"is "
-        u"below the precision. A value of 0, and a precision of exactly 1, ask for the very same number.\n"
+        u"is below the precision. A value of 0, and a precision of exactly 1, ask for the very same number.\n"
         u"A reference of #N/A leaves its item out. The ranges are one row or one column of the same size.\n",
 };
 

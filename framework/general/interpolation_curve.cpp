@@ -228,13 +228,11 @@ const record::Function InterpolationCurve = {
     .outputs = outputs,
     .implementation = interpolate,
     .notes =
-        u"The table is two columns (input, output), two rows, or one column or row of alternating inputs and "
-        u"outputs. "
-        u"The inputs increase; the first that does not ends the table. A table of one point gives 0.\n"
+        u"The table is two columns (input, output), two rows, or one column or row of alternating inputs "
+        u"and outputs. The inputs increase; the first that does not ends the table. A table of one point gives 0.\n"
         u"Outside the table the first or last segment is continued, or its end value kept when extrapolation "
-        u"is not "
-        u"allowed. An input equal to the first reference input is reported as out of range, one equal to the "
-        u"last is not.\n"
+        u"is not allowed. An input equal to the first reference input is reported as out of range, "
+        u"one equal to the last is not.\n"
         u"The date and time are always 0.\n",
 };
 

@@ -213,8 +213,8 @@ constexpr record::Input function_input =
 constexpr record::Input property_inputs[] = {
     function_input,
     record::input(u"property", u"Property",
-                  u"Property of the function; 1: Category; 2: Sub-category; 3: Description; 4: Prefix; 5: "
-                  u"Volatile-state; 6: Retentive-state; 7: Input-count; 8: Output-count; 9: Name-input",
+                  u"Property of the function; 1: Category; 2: Sub-category; 3: Description; 4: Prefix; "
+                  u"5: Volatile-state; 6: Retentive-state; 7: Input-count; 8: Output-count; 9: Name-input",
                   data_type::integer)
         .required()
         .within(1, 9),
@@ -225,8 +225,8 @@ constexpr record::Input input_property_inputs[] = {
         .required()
         .at_least(0),
     record::input(u"property", u"Property",
-                  u"Property of the input; 1: Name; 2: Description; 3: Type; 4: Class; 5: Optional; 6: Default; 7: "
-                  u"Minimum; 8: Maximum; 9: Array; 10: Scalar",
+                  u"Property of the input; 1: Name; 2: Description; 3: Type; 4: Class; 5: Optional; 6: Default; "
+                  u"7: Minimum; 8: Maximum; 9: Array; 10: Scalar",
                   data_type::integer)
         .required()
         .within(1, 10),
@@ -286,9 +286,8 @@ const record::Function FunctionInputProperty = {
     .outputs = property_outputs,
     .implementation = input_property,
     .notes =
-        u"The class tells what the type is: 0 a plain data type, 1 a unit, 4 an enumeration. A bound that "
-        u"the "
-        u"input does not have is empty. \"Scalar\" is FALSE for every input.\n",
+        u"The class tells what the type is: 0 a plain data type, 1 a unit, 4 an enumeration. "
+        u"A bound that the input does not have is empty. \"Scalar\" is FALSE for every input.\n",
 };
 
 extern const record::Function FunctionOutputProperty;
@@ -302,9 +301,9 @@ const record::Function FunctionOutputProperty = {
     .outputs = property_outputs,
     .implementation = output_property,
     .notes =
-        u"The class tells what the type is: 0 a plain data type, 1 a unit, 4 an enumeration. The fallback is "
-        u"written to the output when a call fails; an empty one stands for 0. \"Scalar\" is FALSE for every "
-        u"output.\n",
+        u"The class tells what the type is: 0 a plain data type, 1 a unit, 4 an enumeration. "
+        u"The fallback is written to the output when a call fails; an empty one stands for 0. "
+        u"\"Scalar\" is FALSE for every output.\n",
 };
 
 }  // namespace norvane::functions
