@@ -98,9 +98,7 @@ std::string values_table(const Function_CFunctionSpec& spec) {
 std::string behaviour(const Function_CFunctionSpec& spec) {
   std::string out;
   if (spec.has(FUNCTION_FALLBACK))
-    out +=
-        "- A call whose arguments cannot be used answers with the values of the column \"When the call "
-        "fails\".\n";
+    out += "- A call whose arguments cannot be used answers with the values of the column \"When the call fails\".\n";
   if (spec.has(FUNCTION_NO_RANGE_CHECK)) out += "- Ranges are not checked before the calculation.\n";
   if (spec.has(FUNCTION_VOLATILE)) out += "- Recalculated at every recalculation of a sheet.\n";
   if (spec.has(FUNCTION_RETENTIVE)) out += "- Keeps data between calls under its `Name`, which must be given.\n";

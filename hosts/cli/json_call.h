@@ -3,11 +3,10 @@
 //   {"function":"AGA8_M","inputs":{"pressure":60,"composition":[0.965,0.003,...]}}
 //   {"function":"AGA8_M","status":0,"flags":0,"outputs":{"status":0,"z":0.84053,...},"messages":[]}
 //
-// In the inputs a flat list is one column and a list of lists is rows; true, false and texts stand for
-// themselves,
-// {"error":"#N/A"} is an error value and null a blank cell. A key left out is an omitted argument. Members
-// that a file of check values has beside these ("outputs", tolerances, "source") are skipped, so that such a
-// file can be answered as it is.
+// In the inputs a flat list is one column and a list of lists is rows; true, false and texts stand for themselves,
+// {"error":"#N/A"} is an error value and null a blank cell. A key left out is an omitted argument. Members that a
+// file of check values has beside these ("outputs", tolerances, "source") are skipped, so that such a file can be
+// answered as it is.
 #pragma once
 
 #include <cstdint>

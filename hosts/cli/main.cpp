@@ -58,8 +58,8 @@ ExitCode run(std::vector<std::string> given, Output& out) {
 
   CallOptions call_options;
   sub = add("call", "Call one function",
-            "Keys are the function's, in any case; blanks may be written as _ or -. A number may carry a unit, "
-            "which\n"
+            "Keys are the function's, in any case; blanks may be written as _ or -. "
+            "A number may carry a unit, which\n"
             "is converted into the input's. A range is a list or the cells of a CSV file (@- is standard input).\n"
             "Example: norvane call AGA8_M pressure=870psia temperature=\"68 degF\" composition=@gas.csv",
             call_options, call);
@@ -69,12 +69,12 @@ ExitCode run(std::vector<std::string> given, Output& out) {
 
   bool no_options = false;
   add("eval", "Answer calls as JSON Lines, from standard input to standard output",
-      "A line is {\"function\":ID,\"inputs\":{key:value,...}}; its answer is that of call --json. A flat "
-      "list is one\n"
-      "column, a list of lists is rows, {\"error\":\"#N/A\"} an error value, null a blank cell, a key left "
-      "out an\n"
-      "omitted argument. A line that cannot be read is answered by {\"error\":\"...\"}. Members of a file of "
-      "check\n"
+      "A line is {\"function\":ID,\"inputs\":{key:value,...}}; its answer is that of call --json. "
+      "A flat list is one\n"
+      "column, a list of lists is rows, {\"error\":\"#N/A\"} an error value, null a blank cell, "
+      "a key left out an\n"
+      "omitted argument. A line that cannot be read is answered by {\"error\":\"...\"}. "
+      "Members of a file of check\n"
       "values (outputs, rtol, atol, rtols, atols, source) are skipped.",
       no_options, [](bool, Output& output) { return eval(output); });
 
@@ -82,7 +82,7 @@ ExitCode run(std::vector<std::string> given, Output& out) {
   sub = add("convert", "Convert a value from one unit to another", "Example: norvane convert 100 degC degF",
             convert_options, convert);
   sub->add_option("value", convert_options.value, "Number")->required();
-  sub->add_option("from", convert_options.from, "Unit by key or symbol, for example degC or °C")->required();
+  sub->add_option("from", convert_options.from, "Unit by key or symbol, for example degC or \u00B0C")->required();
   sub->add_option("to", convert_options.to, "Unit of the same quantity")->required();
   sub->add_flag("--json", convert_options.json, "{\"value\":number,\"unit\":key}");
 
@@ -95,8 +95,8 @@ ExitCode run(std::vector<std::string> given, Output& out) {
   sub = add("batch", "Call one function for every row of a CSV file",
             "The header names the inputs: a key, \"key [unit]\", \"composition[0]\" for a cell of a range, "
             "or the name\n"
-            "of a component of the gas (methane, n-butane, CO2, ...). The answer repeats the inputs and adds "
-            "outputs\n"
+            "of a component of the gas (methane, n-butane, CO2, ...). "
+            "The answer repeats the inputs and adds outputs\n"
             "and messages. Failed rows are summed up on standard error.\n"
             "Example: norvane batch AGA8_M composition=@gas.csv --in states.csv --out answers.csv",
             batch_options, batch);

@@ -99,8 +99,8 @@ std::u16string TypedCall::failure() const {
   std::uint32_t flags = 0;
   context.Execute(spec, arguments_, spec.input_count, output, flags);
   return text += context.messages.empty() ? std::u16string(
-                                                u"an argument could not be used (a list that is too "
-                                                u"short, or a value that is no number)")
+                                                u"an argument could not be used (a list that is too short, "
+                                                u"or a value that is no number)")
                                           : context.messages;
 }
 

@@ -42,8 +42,8 @@ class TypedCall {
   // False when an argument failed its checks or could not be read: no output is there then.
   bool run() noexcept;
 
-  // Outputs of a call that ran; one that was not written reads as 0 or the empty
-  // text. A text lives until the thread's next call.
+  // Outputs of a call that ran; one that was not written reads as 0 or the empty text.
+  // A text lives until the thread's next call.
   bool fetch(std::size_t output, double& value) noexcept;
   bool fetch(std::size_t output, std::uint32_t& value) noexcept;
   bool fetch(std::size_t output, std::u16string_view& text) noexcept;
