@@ -4,13 +4,13 @@
 
 namespace norvane {
 
-void Call::read_numbers(std::size_t index, std::span<double> values) noexcept {
+bool Call::numbers(std::size_t index, std::span<double> values) noexcept {
   FUNCTION_ARG::Array array{};
   const bool readable = note(context_.ReadArray(argument(index), array));
   if (!readable || std::uint64_t{array.columns} * array.rows < values.size()) {
     if (!failed()) error_ = ERROR_VALUE;
     report_numbers(index, values.size(), 0);
-    return;
+    return false;
   }
   const FUNCTION_ARG* element = array.elements;
   for (double& value : values) {
@@ -18,10 +18,11 @@ void Call::read_numbers(std::size_t index, std::span<double> values) noexcept {
       value = element->number;
     } else if (!note(context_.ReadNumber(element, value))) {
       report_numbers(index, values.size(), static_cast<std::size_t>(element - array.elements) + 1);
-      return;
+      return false;
     }
     ++element;
   }
+  return true;
 }
 
 // "needs an array of 22 numbers", or, when it is one cell (from 1) that is no number, "has no number in cell 3".

@@ -64,9 +64,10 @@ class Call {
   template <std::size_t N, class Index>
   std::array<double, N> numbers(Index index) noexcept {
     std::array<double, N> values{};
-    read_numbers(static_cast<std::size_t>(index), values);
+    numbers(static_cast<std::size_t>(index), values);
     return values;
   }
+  bool numbers(std::size_t index, std::span<double> values) noexcept;
 
   bool failed() const noexcept { return error_ != ERROR_OK; }
   // Status to return after a failed read.
@@ -120,7 +121,6 @@ class Call {
     if (!good && !failed()) error_ = context_.conversion_error() != 0 ? context_.conversion_error() : ERROR_VALUE;
     return good;
   }
-  void read_numbers(std::size_t index, std::span<double> values) noexcept;
   void report_numbers(std::size_t index, std::size_t needed, std::size_t cell) noexcept;
   FUNCTION_ARG& slot(std::size_t index) noexcept {
     if (!output_written_) begin_outputs();

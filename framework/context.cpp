@@ -6,6 +6,7 @@
 #include <new>
 
 #include "core/text.h"
+#include "core/text_buffer.h"
 
 namespace norvane {
 namespace {
@@ -13,30 +14,7 @@ namespace {
 constexpr std::size_t message_size = 512;
 constexpr std::size_t longest_value_shown = 200;
 
-// Message text in a fixed buffer; what does not fit is cut.
-class MessageText {
- public:
-  MessageText& operator<<(std::u16string_view text) noexcept {
-    const std::size_t room = message_size - 1 - length_;
-    const std::size_t n = text.size() < room ? text.size() : room;
-    if (n != 0) std::memcpy(buffer_ + length_, text.data(), n * sizeof(char16_t));
-    length_ += n;
-    return *this;
-  }
-  MessageText& operator<<(double value) noexcept {
-    char16_t digits[max_number_text + 1];
-    return *this << std::u16string_view{digits, format_number(value, digits)};
-  }
-  MessageText& operator<<(std::size_t value) noexcept {
-    char16_t digits[max_number_text + 1];
-    return *this << std::u16string_view{digits, format_integer(static_cast<std::int32_t>(value), digits)};
-  }
-  std::u16string_view view() const noexcept { return {buffer_, length_}; }
-
- private:
-  char16_t buffer_[message_size];
-  std::size_t length_ = 0;
-};
+using MessageText = TextBuffer<message_size - 1>;
 
 bool is_absent(const FUNCTION_ARG& arg) noexcept { return arg.kind == ARG_MISSING || arg.kind == ARG_EMPTY; }
 
@@ -150,10 +128,7 @@ void Function_CContext::ValidateArguments(std::uint32_t& status, const Function_
   if (spec.has(FUNCTION_NO_RANGE_CHECK)) return;
   for (std::size_t i = 0; i < n; ++i) {
     const Function_CInput* input = spec.input_of(i);
-    if (input == nullptr) continue;
-    if ((input->flags & (INPUT_HAS_MINIMUM | INPUT_HAS_MAXIMUM)) != 0 ||
-        kind_of_code(input->type) == CodeKind::enumeration)
-      CheckRange(i, *input, args[i], status, flags);
+    if (input != nullptr && input->checked) CheckRange(i, *input, args[i], status, flags);
   }
 }
 
@@ -165,6 +140,8 @@ void Function_CContext::SubstituteDefaults(const Function_CFunctionSpec& spec, F
     if (input == nullptr) continue;
     if (!input->optional()) {
       if (messages_enabled_) ReportError(i, u"is not optional");
+    } else if (input->ready_default.kind != ARG_MISSING) {
+      args[i] = input->ready_default;
     } else if (!input->default_value.empty()) {
       FromVariant(args[i], input->default_value);
     }
@@ -244,14 +221,19 @@ void Function_CContext::CheckRange(std::size_t index, const Function_CInput& inp
     flags |= FLAG_INPUT_INVALID;
   };
   double value = 0.0;
-  if (!ReadNumber(&arg, value)) {
+  if (arg.kind == ARG_NUMBER) {
+    value = arg.number;
+  } else if (!ReadNumber(&arg, value)) {
     fail();
     ReportError(index, u"is not a valid number");
     return;
   }
-  if (kind_of_code(input.type) == CodeKind::enumeration) {
+  if (input.enumerated) {
     std::uint32_t member = 0;
-    if (units_->EnumerationValueByNumber(input.type, value, member) != UNIT_OK) {
+    const bool known = input.members_known ? value >= 0.0 && value < 64.0 && value == std::trunc(value) &&
+                                                 (input.members >> static_cast<unsigned>(value) & 1) != 0
+                                           : units_->EnumerationValueByNumber(input.type, value, member) == UNIT_OK;
+    if (!known) {
       fail();
       if (messages_enabled_) {
         std::u16string_view name;

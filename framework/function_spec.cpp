@@ -1,7 +1,12 @@
 #include "framework/function_spec.h"
 
+#include <cmath>
 #include <iterator>
+#include <stdexcept>
+#include <string>
 
+#include "core/text.h"
+#include "framework/binding.h"
 #include "framework/context.h"
 
 namespace norvane {
@@ -51,7 +56,74 @@ Core_CVariant to_variant(const record::Value& value) {
   return out;
 }
 
+// Retentive data of a bound calculation, one type a function.
+class BoundType final : public Function_CRegisteredType {
+ public:
+  BoundType(std::u16string_view name, const record::Binding& binding)
+      : Function_CRegisteredType(name, false), binding_(binding) {}
+  std::unique_ptr<Function_CData> Create() const noexcept override { return binding_.remember(); }
+
+ private:
+  const record::Binding& binding_;
+};
+
+Function_CPlace place_of(const record::Field& field, const record::Binding* binding,
+                         const record::Binding::Structure record::Binding::*which) {
+  if (field.kind == record::Field::Kind::none) return {};
+  const record::Binding::Structure* structure = binding != nullptr ? &(binding->*which) : nullptr;
+  if (structure == nullptr || structure->identity != field.owner)
+    throw std::logic_error("a line names a member of another structure than its calculation's");
+  // Only addresses are taken, nothing is written through them.
+  void* const whole = const_cast<void*>(structure->prototype);
+  const void* const member = field.inner(field.outer != nullptr ? field.outer(whole) : whole);
+  const auto offset = static_cast<const char*>(member) - static_cast<const char*>(whole);
+  return {field.kind, field.count, static_cast<std::uint32_t>(offset), field.conversion};
+}
+
+// The numbers of an enumeration's members as bits; false when one of them is no whole number from 0 to 63.
+bool member_bits(std::uint32_t type, std::uint64_t& bits) {
+  const Unit_CTypeAndUnitContainer& units = Unit_CTypeAndUnitContainer::Instance();
+  std::vector<std::uint32_t> codes;
+  if (units.ListMembers(CodeKind::enumeration_value, type, codes) != UNIT_OK || codes.empty()) return false;
+  bits = 0;
+  for (std::uint32_t code : codes) {
+    const Unit_CEntry* entry = nullptr;
+    if (units.EnumerationValueDetails(code, entry) != UNIT_OK) return false;
+    if (!(entry->factor >= 0.0 && entry->factor <= 63.0) || entry->factor != std::trunc(entry->factor)) return false;
+    bits |= std::uint64_t{1} << static_cast<unsigned>(entry->factor);
+  }
+  return true;
+}
+
+void make_ready(Function_CInput& input) {
+  input.enumerated = kind_of_code(input.type) == CodeKind::enumeration;
+  input.checked = input.enumerated || input.has_minimum() || input.has_maximum();
+  if (input.enumerated) input.members_known = member_bits(input.type, input.members);
+  switch (input.default_value.tag()) {
+    case Core_CVariant::DOUBLE: {
+      double number = 0.0;
+      if (input.default_value.ToDouble(number) == CORE_RESULT_OK) input.ready_default = FUNCTION_ARG::Number(number);
+      break;
+    }
+    case Core_CVariant::BOOL: input.ready_default = FUNCTION_ARG::Boolean(input.default_value.AsBool()); break;
+    default: break;
+  }
+}
+
 }  // namespace
+
+Function_CFunctionSpec::~Function_CFunctionSpec() = default;
+
+// Option codes stand behind the text, each after a semicolon and a blank.
+std::u16string_view Function_CFunctionSpec::with_options(std::u16string_view description_,
+                                                         std::span<const record::Option> choices) {
+  if (choices.empty()) return description_;
+  auto text = std::make_unique<std::u16string>(description_);
+  for (const record::Option& choice : choices)
+    text->append(u"; ").append(to_utf16(std::to_string(choice.number))).append(u": ").append(choice.label);
+  texts_.push_back(std::move(text));
+  return *texts_.back();
+}
 
 const Function_CGroup& Function_CGroup::Of(GroupId id) noexcept {
   switch (id) {
@@ -83,25 +155,34 @@ Function_CFunctionSpec::Function_CFunctionSpec(const Function_CGroup& group_, Fu
       outputs(std::make_unique<Function_COutput[]>(output_count_)) {}
 
 Function_CFunctionSpec::Function_CFunctionSpec(const record::Function& record)
-    : Function_CFunctionSpec(Function_CGroup::Of(record.group), record.implementation, record.id, record.display,
-                             record.description, record.category, record.flags, record.inputs.size(),
+    : Function_CFunctionSpec(Function_CGroup::Of(record.group),
+                             record.implementation != nullptr ? record.implementation : &run_bound, record.id,
+                             record.display, record.description, record.category, record.flags, record.inputs.size(),
                              record.outputs.size()) {
   subcategory = record.subcategory;
   keywords = record.keywords;
   name_input = record.name_input;
   notes = record.notes;
+  binding = record.binding;
+  if (binding != nullptr && binding->remember != nullptr) memory_type = std::make_unique<BoundType>(id, *binding);
   for (std::size_t i = 0; i < input_count; ++i) {
     const record::Input& from = record.inputs[i];
     Function_CInput& to = inputs[i];
     to.role = from.role;
     to.key = from.key;
     to.display_name = from.display;
-    to.description = from.description;
+    to.description = with_options(from.description, from.choices);
     to.default_value = to_variant(from.default_value);
     to.type = from.type;
     to.minimum = from.minimum;
     to.maximum = from.maximum;
     to.flags = from.flags;
+    to.choices = from.choices;
+    to.misfit = from.misfit;
+    to.composition = from.composition;
+    to.may_be_left_out = from.may_be_left_out;
+    to.place = place_of(from.field, binding, &record::Binding::arguments);
+    make_ready(to);
   }
   for (std::size_t i = 0; i < output_count; ++i) {
     const record::Output& from = record.outputs[i];
@@ -109,7 +190,10 @@ Function_CFunctionSpec::Function_CFunctionSpec(const record::Function& record)
     to.role = from.role;
     to.key = from.key;
     to.display_name = from.display;
-    to.description = from.description;
+    to.description = with_options(from.description, from.choices);
+    to.choices = from.choices;
+    to.with_any_status = from.with_any_status;
+    to.place = place_of(from.field, binding, &record::Binding::results);
     to.fallback = to_variant(from.fallback);
     to.type = from.type;
     to.unit_input = from.unit_input;

@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/string_map.h"
 #include "core/variant.h"
@@ -17,6 +18,7 @@
 
 namespace norvane {
 
+class Function_CRegisteredType;
 class Unit_CTypeAndUnitContainer;
 
 struct Function_CKeyword {
@@ -37,6 +39,14 @@ struct Function_CGroup {
   static const Function_CGroup& Of(GroupId id) noexcept;
 };
 
+// Where a line's member stands in the structure of its calculation.
+struct Function_CPlace {
+  record::Field::Kind kind = record::Field::Kind::none;
+  std::uint16_t count = 0;  // of a list
+  std::uint32_t offset = 0;
+  const record::Conversion* conversion = nullptr;
+};
+
 struct Function_CInput {
   std::uint32_t role = 0;  // 1 for the `Name` input
   std::u16string_view key;
@@ -47,11 +57,25 @@ struct Function_CInput {
   double minimum = 0.0;  // valid with INPUT_HAS_MINIMUM
   double maximum = 0.0;  // valid with INPUT_HAS_MAXIMUM
   std::uint32_t flags = 0;
+  // The numbers it can be, where the record lists them.
+  std::span<const record::Option> choices;
+  record::Misfit misfit = record::Misfit::argument_error;
+  bool composition = false;  // the 22 amounts of a gas
+  bool may_be_left_out = false;
+  Function_CPlace place;
+  // What is checked before a call, made ready: whether there is anything to check, the numbers (0 to 63) of the
+  // enumeration's members as bits, and the default as a value.
+  bool checked = false;
+  bool enumerated = false;
+  bool members_known = false;
+  std::uint64_t members = 0;
+  FUNCTION_ARG ready_default = FUNCTION_ARG::Missing();
 
   bool optional() const noexcept { return (flags & INPUT_OPTIONAL) != 0; }
   bool has_minimum() const noexcept { return (flags & INPUT_HAS_MINIMUM) != 0; }
   bool has_maximum() const noexcept { return (flags & INPUT_HAS_MAXIMUM) != 0; }
   bool is_array() const noexcept { return (flags & INPUT_ARRAY) != 0; }
+  bool has_list() const noexcept { return has_minimum() && has_maximum(); }
 };
 
 struct Function_CStatusValue {
@@ -73,6 +97,9 @@ struct Function_COutput {
   std::u16string_view tag_text;
   std::size_t status_value_count = 0;
   std::unique_ptr<Function_CStatusValue[]> status_values;
+  std::span<const record::Option> choices;
+  bool with_any_status = false;
+  Function_CPlace place;
 
   std::span<const Function_CStatusValue> values() const noexcept { return {status_values.get(), status_value_count}; }
 };
@@ -90,6 +117,7 @@ class Function_CFunctionSpec {
                          std::u16string_view category, std::uint32_t flags, std::size_t input_count,
                          std::size_t output_count);
   explicit Function_CFunctionSpec(const record::Function& record);
+  ~Function_CFunctionSpec();
 
   // Allocates the status-value records of one output in their initial state.
   Function_CStatusValue* AllocateStatusValues(std::size_t output, std::size_t count);
@@ -114,6 +142,10 @@ class Function_CFunctionSpec {
   // Place in the catalogue's order, the number of the function's data slot in callers without cells.
   std::size_t position = 0;
   std::u16string_view notes;
+  // The calculation behind the implementation, and the type of what it keeps between calls; null for a function whose
+  // implementation is written by hand.
+  const record::Binding* binding = nullptr;
+  std::unique_ptr<const Function_CRegisteredType> memory_type;
 
   bool has(FUNCTION_FLAGS flag) const noexcept { return (flags & flag) != 0; }
   bool visible() const noexcept { return !has(FUNCTION_HIDDEN) && enabled_state == 1; }
@@ -125,6 +157,11 @@ class Function_CFunctionSpec {
     if (i < input_count) return &inputs[i];
     return has(FUNCTION_VARIABLE_INPUTS) && input_count > 0 ? &inputs[input_count - 1] : nullptr;
   }
+
+ private:
+  std::u16string_view with_options(std::u16string_view description, std::span<const record::Option> choices);
+
+  std::vector<std::unique_ptr<const std::u16string>> texts_;  // descriptions with their options
 };
 
 // The catalogue, by full worksheet name (prefix + id) without regard to case. Does not own the specifications.

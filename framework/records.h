@@ -1,27 +1,33 @@
 // Records are data: how a function is described in the source of its standard.
 //
-// A record is a constexpr aggregate and reads like the table in a manual, one line an input or output:
+// A record is a constexpr aggregate and reads like the table in a manual, one line an input or output. A line of a
+// calculation names the member that it fills or delivers (framework/binding.h):
 //
+//   constexpr record::Option editions[] = {{1, u"1994"}, {2, u"2017"}};
 //   constexpr record::Input inputs[] = {
 //       record::name_input(),
-//       record::input(u"pressure", u"Pressure", u"Absolute pressure.", unit::bar_a).otherwise(1.01325),
-//       record::input(u"edition", u"Edition", u"Year of edition.; 1: 1994; 2: 2017", data_type::integer)
-//           .within(1, 2).otherwise(1),
+//       in<&Gas::pressure>(input(u"pressure", u"Pressure", u"Absolute pressure.", unit::bar_a).otherwise(1.01325)),
+//       in<&Gas::edition>(input(u"edition", u"Edition", u"Year of edition.", data_type::integer)
+//                             .options(editions).otherwise(1)),
 //   };
 //
 // The run-time specification (framework/function_spec.h) is built from it once, when the catalogue is built.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 
+#include "core/outcome.h"
 #include "framework/function_arg.h"
 #include "units/unit_codes.h"
 
 namespace norvane {
 
 class Function_CContext;
+class Function_CData;
 
 // An implementation reads its arguments and writes its output through the context; it returns a worksheet
 // error code, 0 for success, and never throws.
@@ -59,6 +65,60 @@ struct Value {
   std::u16string_view text{};
 };
 
+// One of the numbers an input or output can be, and what it stands for. The description lists them behind its text:
+// "Year of edition." becomes "Year of edition.; 1: 1994; 2: 2017".
+struct Option {
+  int number = 0;
+  std::u16string_view label{};
+};
+
+// What becomes of a number that is none of an input's options.
+enum class Misfit : std::uint8_t {
+  argument_error,  // status 1
+  refuse,          // the call fails
+  pass             // the calculation judges
+};
+
+// A record's unit into the calculation's, and back.
+struct Conversion {
+  double (*to)(double) noexcept;
+  double (*from)(double) noexcept;
+};
+
+// A member of an argument or result structure.
+struct Field {
+  enum class Kind : std::uint8_t {
+    none,
+    number,  // double
+    whole,   // int, or an enumeration of that size
+    truth,   // bool
+    numbers  // array of `count` doubles
+  };
+  using Step = void* (*)(void*);
+
+  Kind kind = Kind::none;
+  std::uint16_t count = 0;
+  Step outer = nullptr;         // to the structure that `inner` starts from; null when that is the whole one
+  Step inner = nullptr;         // to the member
+  const void* owner = nullptr;  // identity of the whole structure
+  const Conversion* conversion = nullptr;
+};
+
+// A calculation as the records see it: two structures and what happens between them.
+struct Binding {
+  struct Structure {
+    std::size_t size = 0;
+    const void* prototype = nullptr;  // what no line fills keeps the values of this one
+    const void* identity = nullptr;
+  };
+  Structure arguments{};
+  Structure results{};
+  Outcome (*calculate)(const void* arguments, void* results, void* memory) noexcept = nullptr;
+  // What is kept from one call of the same name or calling place to the next; null for a calculation without memory.
+  std::unique_ptr<Function_CData> (*remember)() noexcept = nullptr;
+  void* (*memory_of)(Function_CData& data) noexcept = nullptr;
+};
+
 struct Input {
   std::u16string_view key{};
   std::u16string_view display{};
@@ -69,6 +129,11 @@ struct Input {
   double maximum = 0.0;
   std::uint32_t flags = INPUT_OPTIONAL;
   std::uint32_t role = 0;
+  std::span<const Option> choices{};
+  Misfit misfit = Misfit::argument_error;
+  bool composition = false;      // the 22 amounts of a gas, in the order of math/common/components.h
+  bool may_be_left_out = false;  // a list that counts as zeros when it is not given
+  Field field{};
 
   // Default when the argument is omitted.
   constexpr Input otherwise(double value) const {
@@ -103,6 +168,33 @@ struct Input {
   }
   // Inclusive bounds, checked by the context before the implementation runs.
   constexpr Input within(double low, double high) const { return at_least(low).at_most(high); }
+  // A number of this list. Its first and last number are the bounds.
+  constexpr Input options(std::span<const Option> list) const {
+    Input copy = within(list.front().number, list.back().number);
+    copy.choices = list;
+    return copy;
+  }
+  constexpr Input unless(Misfit policy) const {
+    Input copy = *this;
+    copy.misfit = policy;
+    return copy;
+  }
+  constexpr Input left_out_as_zeros() const {
+    Input copy = *this;
+    copy.may_be_left_out = true;
+    return copy;
+  }
+  // The number goes through this conversion into its member.
+  constexpr Input through(const Conversion& conversion) const {
+    Input copy = *this;
+    copy.field.conversion = &conversion;
+    return copy;
+  }
+  constexpr Input keyed(std::u16string_view name) const {
+    Input copy = *this;
+    copy.key = name;
+    return copy;
+  }
   // Takes a range of cells.
   constexpr Input range() const {
     Input copy = *this;
@@ -144,6 +236,9 @@ struct Output {
   std::int32_t unit_input = -1;  // input whose value names this output's unit
   std::uint32_t role = 0;        // 1 for the status output
   std::span<const StatusValue> values{};
+  std::span<const Option> choices{};
+  bool with_any_status = false;  // delivered also when the status is not 0
+  Field field{};
 
   // Value written when the call fails; without it the number 0.
   constexpr Output failing(double value) const {
@@ -154,6 +249,22 @@ struct Output {
   constexpr Output failing_integer(int value) const {
     Output copy = *this;
     copy.fallback = {Value::Kind::integer, static_cast<double>(value), {}};
+    return copy;
+  }
+  constexpr Output options(std::span<const Option> list) const {
+    Output copy = *this;
+    copy.choices = list;
+    return copy;
+  }
+  constexpr Output always() const {
+    Output copy = *this;
+    copy.with_any_status = true;
+    return copy;
+  }
+  // The member goes back through this conversion into the output's unit.
+  constexpr Output through(const Conversion& conversion) const {
+    Output copy = *this;
+    copy.field.conversion = &conversion;
     return copy;
   }
   constexpr Output meaning(std::span<const StatusValue> list) const {
@@ -180,7 +291,8 @@ struct Function {
   std::int32_t name_input = -1;
   std::span<const Input> inputs{};
   std::span<const Output> outputs{};
-  Function_Implementation implementation = nullptr;
+  Function_Implementation implementation = nullptr;  // null: the binding's
+  const Binding* binding = nullptr;
   // Standard, edition and clauses, limits and remarks for the reference documentation; not part of the record
   // that hosts see. Paragraphs end with a line feed.
   std::u16string_view notes{};
@@ -206,11 +318,13 @@ constexpr Input name_input() {
   return name;
 }
 
-inline constexpr StatusValue usual_status_values[] = {
+inline constexpr StatusValue status_values[] = {
     {1.0, u"FIOOR", u"argument error"},
     {2.0, u"CALCERR", u"calculation error"},
     {3.0, u"NOCONV", u"no convergency"},
+    {4.0, u"COMPERR", u"composition error"},
 };
+inline constexpr std::span<const StatusValue> usual_status_values{status_values, 3};
 
 // The status output, output 0 of every calculation function of the "Math" group.
 constexpr Output status_output(std::span<const StatusValue> values = usual_status_values) {

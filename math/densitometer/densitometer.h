@@ -1,13 +1,15 @@
 // What the densitometer calculations share.
 #pragma once
 
-#include <cstdint>
+#include "core/outcome.h"
 
 namespace norvane::densitometer {
 
-enum class Outcome : std::uint8_t { ok = 0, argument_error = 1, calculation_error = 2 };
-
 // A density that a meter can mean [kg/m3], both bounds inside. False for a NaN.
 constexpr bool plausible(double density) { return density >= 0.0 && density <= 3000.0; }
+
+constexpr Outcome no_density(const char* which, double density) {
+  return failure(calculation_error, u"the $ is % kg/m3, which is not within 0 to 3000", density).naming(which);
+}
 
 }  // namespace norvane::densitometer

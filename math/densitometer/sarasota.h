@@ -6,8 +6,6 @@
 
 namespace norvane::Sarasota {
 
-using densitometer::Outcome;
-
 struct Meter {
   double period;           // us
   double temperature;      // degC
@@ -23,7 +21,11 @@ struct Meter {
   double pressure_coefficient;     // us/bar
 };
 
-// Density in kg/m3. calculation_error: a corrected period constant of zero, or a density outside 0 to 3000 kg/m3.
-Outcome density(const Meter& meter, double& rho) noexcept;
+struct Density {
+  double density;  // kg/m3
+};
+
+// calculation_error: a corrected period constant of zero, or a density outside 0 to 3000 kg/m3.
+Outcome density(const Meter& meter, Density& result) noexcept;
 
 }  // namespace norvane::Sarasota

@@ -32,15 +32,21 @@ double for_velocity(double rho, double velocity) {
   return rho * (1.0 + 1.4e6 / (rho + 1400.0) * (1.0 / (calibration * calibration) - 1.0 / (velocity * velocity)));
 }
 
+Outcome judged(double uncorrected, double temperature_corrected, double corrected) noexcept {
+  using densitometer::no_density;
+  if (!plausible(uncorrected)) return no_density("uncorrected density", uncorrected);
+  if (!plausible(temperature_corrected)) return no_density("temperature corrected density", temperature_corrected);
+  if (!plausible(corrected)) return no_density("corrected density", corrected);
+  return {};
+}
+
 }  // namespace
 
 Outcome gas_density(const GasMeter& m, GasDensity& density) noexcept {
   double g = m.gas_value;
   if (m.method == GasValue::from_relative_density) {
-    if (m.specific_heat_ratio == 0.0) return Outcome::calculation_error;
+    if (m.specific_heat_ratio == 0.0) return blame(m.specific_heat_ratio, calculation_error, u"must not be 0");
     g = m.relative_density / m.specific_heat_ratio;
-  } else if (m.method != GasValue::given) {
-    return Outcome::argument_error;
   }
 
   density.uncorrected = from_period(m.k0, m.k1, m.k2, m.period);
@@ -53,12 +59,12 @@ Outcome gas_density(const GasMeter& m, GasDensity& density) noexcept {
   if (m.sound_correction) {
     const double divisor = density.temperature_corrected + m.k4;
     const double absolute = m.temperature + kelvin;
-    if (divisor == 0.0 || absolute == 0.0) return Outcome::calculation_error;
+    if (divisor == 0.0)
+      return blame(m.k4, calculation_error, u"and the temperature corrected density are 0 together");
+    if (absolute == 0.0) return blame(m.temperature, calculation_error, u"must be above %", -kelvin);
     density.corrected = density.temperature_corrected * (1.0 + m.k3 / divisor * (m.calibration_gas - g / absolute));
   }
-  const bool good =
-      plausible(density.uncorrected) && plausible(density.temperature_corrected) && plausible(density.corrected);
-  return good ? Outcome::ok : Outcome::calculation_error;
+  return judged(density.uncorrected, density.temperature_corrected, density.corrected);
 }
 
 Outcome liquid_density(const LiquidMeter& m, LiquidDensity& density) noexcept {
@@ -86,19 +92,17 @@ Outcome liquid_density(const LiquidMeter& m, LiquidDensity& density) noexcept {
     }
     case SoundCorrection::velocity:
       if (!(rho >= sound_from && rho <= sound_to)) break;
-      if (m.velocity_of_sound == 0.0) return Outcome::calculation_error;
+      if (m.velocity_of_sound == 0.0) return blame(m.velocity_of_sound, calculation_error, u"must not be 0");
       density.corrected = for_velocity(rho, m.velocity_of_sound);
       break;
-    default: return Outcome::argument_error;
   }
-  const bool good =
-      plausible(density.uncorrected) && plausible(density.temperature_corrected) && plausible(density.corrected);
-  return good ? Outcome::ok : Outcome::calculation_error;
+  return judged(density.uncorrected, density.temperature_corrected, density.corrected);
 }
 
-Outcome specific_gravity(double period, double k0, double k2, double& sg) noexcept {
-  sg = from_period(k0, 0.0, k2, period);
-  return std::isfinite(sg) ? Outcome::ok : Outcome::calculation_error;
+Outcome specific_gravity(const GravityMeter& m, Gravity& gravity) noexcept {
+  gravity.sg = from_period(m.k0, 0.0, m.k2, m.period);
+  if (!std::isfinite(gravity.sg)) return failure(calculation_error, u"the relative density is no finite number");
+  return {};
 }
 
 }  // namespace norvane::Solartron

@@ -7,8 +7,6 @@
 
 namespace norvane::Solartron {
 
-using densitometer::Outcome;
-
 // Where the gas meter's velocity-of-sound correction takes the gas value G = relative density / (cp/cv) from.
 enum class GasValue : int { given = 1, from_relative_density = 2 };
 
@@ -18,11 +16,11 @@ struct GasMeter {
   double ref_temperature;  // degC
   bool temperature_correction;
   bool sound_correction;
-  double k0, k1, k2;           // kg/m3, kg/(m3 us), kg/(m3 us2)
-  double k18, k19;             // 1/degC, kg/(m3 degC)
-  double k3, k4;               // K kg/m3 (per unit of G), kg/m3
-  double calibration_gas;      // G/T of the calibration gas [1/K]
-  GasValue method;             // argument_error when it is neither
+  double k0, k1, k2;       // kg/m3, kg/(m3 us), kg/(m3 us2)
+  double k18, k19;         // 1/degC, kg/(m3 degC)
+  double k3, k4;           // K kg/m3 (per unit of G), kg/m3
+  double calibration_gas;  // G/T of the calibration gas [1/K]
+  GasValue method;
   double gas_value;            // G
   double relative_density;     // to air
   double specific_heat_ratio;  // cp/cv
@@ -47,14 +45,14 @@ struct LiquidMeter {
   double ref_pressure;     // bar gauge
   bool temperature_correction;
   bool pressure_correction;
-  SoundCorrection sound_correction;  // argument_error when outside the list
-  double k0, k1, k2;                 // kg/m3, kg/(m3 us), kg/(m3 us2)
-  double k18, k19;                   // 1/degC, kg/(m3 degC)
-  double k20a, k20b;                 // 1/bar, 1/bar2
-  double k21a, k21b;                 // kg/(m3 bar), kg/(m3 bar2)
-  double kr;                         // m6/kg2
-  double kj;                         // kg/m3
-  double velocity_of_sound;          // of the liquid [m/s]
+  SoundCorrection sound_correction;
+  double k0, k1, k2;         // kg/m3, kg/(m3 us), kg/(m3 us2)
+  double k18, k19;           // 1/degC, kg/(m3 degC)
+  double k20a, k20b;         // 1/bar, 1/bar2
+  double k21a, k21b;         // kg/(m3 bar), kg/(m3 bar2)
+  double kr;                 // m6/kg2
+  double kj;                 // kg/m3
+  double velocity_of_sound;  // of the liquid [m/s]
 };
 
 struct LiquidDensity {  // kg/m3
@@ -68,8 +66,17 @@ struct LiquidDensity {  // kg/m3
 // corrected or final density outside 0 to 3000 kg/m3.
 Outcome liquid_density(const LiquidMeter& meter, LiquidDensity& density) noexcept;
 
-// SG = K0 + K2 tau^2 of the relative density transducers; period in us.
+struct GravityMeter {
+  double period;  // us
+  double k0, k2;  // -, 1/us2
+};
+
+struct Gravity {
+  double sg;  // relative density
+};
+
+// SG = K0 + K2 tau^2 of the relative density transducers.
 // calculation_error only for a result that is no finite number.
-Outcome specific_gravity(double period, double k0, double k2, double& sg) noexcept;
+Outcome specific_gravity(const GravityMeter& meter, Gravity& gravity) noexcept;
 
 }  // namespace norvane::Solartron

@@ -15,8 +15,9 @@ Outcome density(const Meter& m, Density& density) noexcept {
     correction += parabola(m.kp0, m.kp1, m.kp2, rho) * (m.pressure - m.ref_pressure);
   }
   density = {rho, rho + correction};
-  return std::isfinite(density.uncorrected) && std::isfinite(density.corrected) ? Outcome::ok
-                                                                                : Outcome::calculation_error;
+  if (!std::isfinite(density.uncorrected) || !std::isfinite(density.corrected))
+    return failure(calculation_error, u"the density is no finite number");
+  return {};
 }
 
 }  // namespace norvane::UGC

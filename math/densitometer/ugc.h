@@ -2,11 +2,9 @@
 // that are parabolas of the density. The constants come from the calibration certificate of the single instrument.
 #pragma once
 
-#include "math/densitometer/densitometer.h"
+#include "core/outcome.h"
 
 namespace norvane::UGC {
-
-using densitometer::Outcome;
 
 struct Meter {
   double period;           // us

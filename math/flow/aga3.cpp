@@ -32,8 +32,8 @@ constexpr double N5 = 459.67;              // degF to degR
 constexpr double NIc_4000 = 2.494328;      // 4000 NIc with NIc = 6.23582e-4 [in cP h/lbm]
 constexpr double N_mass = 253.9025184025;  // Nc pi/4 with the standard's 323.279 and 3.14159
 constexpr double N_estimate = 215.4432;    // 0.6 N_mass sqrt(2): the flow of Cd = 0.6 and Ev = Y = 1
-constexpr double cP_per_lbm_ft_s = 1488.16394356955;
-constexpr double seconds_per_hour = 3600.0;
+// Re_D = 48 q_m/(3600 pi mu D) with mu in lbm/(ft s), of which one is 1488.16 cP.
+constexpr double N_Re = 48.0 * 1488.16394356955 / (3600.0 * std::numbers::pi);
 
 // The correlation's two forms meet at Xc, where X^0.35 = A - B/X.
 constexpr double Xc = 1.142139337256165;
@@ -192,7 +192,7 @@ class Calculation {
 
     result_.discharge_coefficient = Cd;
     result_.mass_rate = Cd * rate_of_Cd_one;
-    result_.reynolds = 48.0 * result_.mass_rate / (seconds_per_hour * std::numbers::pi * (mu / cP_per_lbm_ft_s) * D);
+    result_.reynolds = N_Re * result_.mass_rate / (mu * D);
     result_.raw_mass_rate = result_.mass_rate;
     return code;
   }
@@ -258,6 +258,57 @@ Code orifice(const Measurement& measured, const Geometry& geometry, Edition edit
   if (code != Code::ok && code != Code::no_convergence) return code;
   result.mass_rate *= gravity_correction;
   return all_finite(result) ? code : Code::math;
+}
+
+// ---- The orifice as it is given ----------------------------------------------------------------------------------
+
+namespace {
+
+Outcome outcome_of(Code code, const Device& device) noexcept {
+  const Measurement& m = device.measured;
+  switch (code) {
+    case Code::ok: return {};
+    case Code::diameter:
+      return blame(device.geometry.device_diameter, calculation_error,
+                   u"must be greater than 0 and less than the pipe diameter, %", device.geometry.pipe_diameter);
+    case Code::density: return blame(m.density, argument_error, u"must be greater than %", 0.0);
+    case Code::pressure: return blame(m.pressure, argument_error, u"must be greater than %", 0.0);
+    case Code::pressure_location: return blame(m.pressure_location, argument_error, u"must be 1 or 2");
+    case Code::differential_pressure: return blame(m.dp, argument_error, u"must not be below %", 0.0);
+    case Code::isentropic_exponent: return blame(m.kappa, argument_error, u"must be greater than %", 0.0);
+    case Code::downstream_pressure: return blame(m.dp, calculation_error, u"leaves no downstream pressure");
+    case Code::negative_flow: return failure(calculation_error, u"the expansion factor is below 0");
+    case Code::no_convergence:
+      return failure(no_convergence, u"the discharge coefficient does not settle within % steps", max_steps)
+          .but_delivered();
+    default: return failure(calculation_error, u"an argument or result is no finite number");
+  }
+}
+
+// What is refused before the calculation. A comparison with a NaN counts as violated.
+Outcome misfit(const Arguments& given) noexcept {
+  const Geometry& g = given.device.geometry;
+  const double D = g.pipe_diameter, d = g.device_diameter;
+  if (!(D > 0.0)) return blame(g.pipe_diameter, argument_error, u"must be greater than %", 0.0);
+  if (!(d <= D)) return blame(g.device_diameter, argument_error, u"is larger than the pipe diameter, %", D);
+  if (!(given.drain_hole <= (D - d) / 2.0))
+    return blame(given.drain_hole, argument_error, u"does not fit between the bore and the pipe, which leave %",
+                 (D - d) / 2.0);
+  return {};
+}
+
+}  // namespace
+
+Outcome orifice_flow(const Arguments& given, Result& result) noexcept {
+  const Outcome fit = misfit(given);
+  if (!fit.good()) {
+    result.code = Code::diameter;
+    return fit;
+  }
+  const Code code = orifice(given.device.measured, given.device.geometry, given.edition, given.drain_hole,
+                            given.gravity_correction, result);
+  result.code = code;
+  return outcome_of(code, given.device);
 }
 
 }  // namespace norvane::AGA3

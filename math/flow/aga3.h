@@ -9,10 +9,12 @@
 // Customary units throughout: inches, psia, inches of water at 60 degF, degF, lbm/ft3, cP, lbm/h.
 #pragma once
 
+#include "core/outcome.h"
 #include "math/flow/differential_pressure.h"
 
 namespace norvane::AGA3 {
 
+using differential_pressure::Device;
 using differential_pressure::Geometry;     // in, 1/degF, degF
 using differential_pressure::Measurement;  // inH2O at 60 degF, psia, degF, lbm/ft3, cP
 using differential_pressure::ThreePoints;
@@ -36,6 +38,7 @@ enum class Code : int {
 };
 
 struct Result {
+  Code code = Code::ok;
   double mass_rate = 0.0;               // q_m with the gravity correction [lbm/h]
   double beta = 0.0;                    // d/D at the upstream temperature [-]
   double orifice_diameter = 0.0;        // d at the upstream temperature [in]
@@ -58,5 +61,16 @@ struct Result {
 // gravity_correction: F_pwl, local gravity correction for deadweight calibrators [-]. drain_hole [in], 0 for none.
 Code orifice(const Measurement& measured, const Geometry& geometry, Edition edition, double drain_hole,
              double gravity_correction, Result& result) noexcept;
+
+struct Arguments {
+  Device device;
+  double drain_hole;          // diameter [in], 0 for none
+  double gravity_correction;  // F_pwl [-]
+  Edition edition;
+};
+
+// Statuses: argument_error and calculation_error, by code, with the code alone; no_convergence with the result that has not
+// converged.
+Outcome orifice_flow(const Arguments& given, Result& result) noexcept;
 
 }  // namespace norvane::AGA3

@@ -72,6 +72,12 @@ constexpr double drain_hole_factor(double drain_hole, double bore) noexcept {
   return 1.0 + 0.55 * ratio * ratio;
 }
 
+// A device in its pipe with what is measured on it.
+struct Device {
+  Measurement measured;
+  Geometry geometry;
+};
+
 struct ThreePoints {
   double upstream = 0.0;
   double downstream = 0.0;

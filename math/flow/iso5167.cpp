@@ -601,4 +601,70 @@ Code venturi(const Measurement& measured, const Geometry& geometry, VenturiType 
   return calculate(measured, geometry, Venturi{type, loss, custom_coefficient}, result);
 }
 
+// ---- The elements as they are given ------------------------------------------------------------------------------
+
+namespace {
+
+Outcome outcome_of(Code code, const Device& device) noexcept {
+  const Measurement& m = device.measured;
+  switch (code) {
+    case Code::viscosity: return blame(m.viscosity, argument_error, u"must be greater than %", 0.0);
+    case Code::density: return blame(m.density, argument_error, u"must be greater than %", 0.0);
+    case Code::pressure: return blame(m.pressure, argument_error, u"must be greater than %", 0.0);
+    case Code::differential_pressure: return blame(m.dp, argument_error, u"must not be below %", 0.0);
+    case Code::isentropic_exponent: return blame(m.kappa, argument_error, u"must be greater than %", 1.0);
+    case Code::argument: return failure(argument_error, u"an argument is not a finite number");
+    case Code::no_convergence:
+      return failure(no_convergence, u"the mass rate does not settle within % rounds",
+                     differential_pressure::max_rounds);
+    case Code::division_by_zero:
+      return failure(calculation_error,
+                     u"a diameter, pressure or coefficient is zero or below, or the device is as wide as the pipe");
+    default: return {};  // a good result, some limit of use exceeded
+  }
+}
+
+template <class Given, class Flow>
+Outcome flow_of(const Given& given, Flow flow) noexcept {
+  const Geometry& g = given.device.geometry;
+  if (g.device_diameter > g.pipe_diameter)
+    return blame(g.device_diameter, refused, u"is larger than the pipe diameter, %", g.pipe_diameter);
+  return outcome_of(flow(given.device.measured, g), given.device);
+}
+
+}  // namespace
+
+Outcome orifice_flow(const OrificeArguments& given, Result& result) noexcept {
+  Code code = Code::ok;
+  const Outcome outcome = flow_of(given, [&](const Measurement& measured, const Geometry& geometry) {
+    code = orifice(measured, geometry, given.tappings, given.edition, given.drain_hole, result);
+    return code;
+  });
+  return code == Code::configuration ? blame(given.tappings, argument_error, u"asks for edition %", 3) : outcome;
+}
+
+Outcome isa1932_nozzle_flow(const NozzleArguments& given, Result& result) noexcept {
+  return flow_of(given, [&](const Measurement& measured, const Geometry& geometry) {
+    return isa1932_nozzle(measured, geometry, given.edition, result);
+  });
+}
+
+Outcome long_radius_nozzle_flow(const NozzleArguments& given, Result& result) noexcept {
+  return flow_of(given, [&](const Measurement& measured, const Geometry& geometry) {
+    return long_radius_nozzle(measured, geometry, given.edition, result);
+  });
+}
+
+Outcome venturi_nozzle_flow(const VenturiNozzleArguments& given, Result& result) noexcept {
+  return flow_of(given, [&](const Measurement& measured, const Geometry& geometry) {
+    return venturi_nozzle(measured, geometry, given.loss, result);
+  });
+}
+
+Outcome venturi_flow(const VenturiArguments& given, Result& result) noexcept {
+  return flow_of(given, [&](const Measurement& measured, const Geometry& geometry) {
+    return venturi(measured, geometry, given.type, given.loss, given.custom_coefficient, result);
+  });
+}
+
 }  // namespace norvane::ISO5167

@@ -12,16 +12,18 @@
 // come in as enumerations; numbers may be anything.
 #pragma once
 
+#include "core/outcome.h"
 #include "math/flow/differential_pressure.h"
 
 namespace norvane::ISO5167 {
 
+using differential_pressure::Device;
 using differential_pressure::Geometry;     // diameters in mm, 1/degC, degC
 using differential_pressure::Measurement;  // mbar, bar, degC, kg/m3, Pa s
 using differential_pressure::ThreePoints;
 
-enum class Edition : int { y1991 = 0, y1998 = 1, y2003 = 2 };
-enum class Tappings : int { corner = 0, d_and_half_d = 1, flange = 2, quarter_circle = 3, conical_entrance = 4 };
+enum class Edition : int { y1991 = 1, y1998 = 2, y2003 = 3 };
+enum class Tappings : int { corner = 1, d_and_half_d = 2, flange = 3, quarter_circle = 4, conical_entrance = 5 };
 enum class VenturiType : int { as_cast = 1, rough_welded = 2, machined = 3, custom = 4 };
 
 // The permanent pressure loss of a Venturi is not computed but given.
@@ -91,5 +93,36 @@ Code venturi_nozzle(const Measurement& measured, const Geometry& geometry, const
 // ISO 5167-4:2003: classical Venturi tube. custom_coefficient [-] is C of VenturiType::custom.
 Code venturi(const Measurement& measured, const Geometry& geometry, VenturiType type, const PressureLoss& loss,
              double custom_coefficient, Result& result) noexcept;
+
+// ---- The elements as they are given ------------------------------------------------------------------------------
+
+struct OrificeArguments {
+  Device device;
+  Tappings tappings;
+  Edition edition;
+  double drain_hole;  // diameter [mm], 0 for none
+};
+struct NozzleArguments {
+  Device device;
+  Edition edition;
+};
+struct VenturiNozzleArguments {
+  Device device;
+  PressureLoss loss;
+};
+struct VenturiArguments {
+  Device device;
+  VenturiType type;
+  PressureLoss loss;
+  double custom_coefficient;  // [-], of VenturiType::custom
+};
+
+// Statuses: argument_error for an argument outside what has a meaning, calculation_error for a diameter or pressure that
+// comes out zero or below, no_convergence. A device wider than its pipe is refused.
+Outcome orifice_flow(const OrificeArguments& given, Result& result) noexcept;
+Outcome isa1932_nozzle_flow(const NozzleArguments& given, Result& result) noexcept;
+Outcome long_radius_nozzle_flow(const NozzleArguments& given, Result& result) noexcept;
+Outcome venturi_nozzle_flow(const VenturiNozzleArguments& given, Result& result) noexcept;
+Outcome venturi_flow(const VenturiArguments& given, Result& result) noexcept;
 
 }  // namespace norvane::ISO5167

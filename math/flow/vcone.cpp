@@ -161,4 +161,23 @@ Code cone(const Measurement& measured, const Geometry& geometry, Type type, doub
   return code == Code::ok ? Calculation(measured, geometry, type, result).run() : code;
 }
 
+Outcome outcome_of(Code code, const Arguments& given) noexcept {
+  const Measurement& m = given.device.measured;
+  switch (code) {
+    case Code::ok: return {};
+    case Code::viscosity: return blame(m.viscosity, argument_error, u"must be greater than %", 0.0);
+    case Code::density: return blame(m.density, argument_error, u"must be greater than %", 0.0);
+    case Code::pressure: return blame(m.pressure, argument_error, u"must be greater than %", 0.0);
+    case Code::differential_pressure: return blame(m.dp, argument_error, u"must not be below %", 0.0);
+    case Code::isentropic_exponent: return blame(m.kappa, argument_error, u"must be greater than %", 0.0);
+    case Code::argument: return failure(argument_error, u"an argument is not a finite number");
+    case Code::no_convergence:
+      return failure(no_convergence, u"the mass rate does not settle within % rounds",
+                     differential_pressure::max_rounds);
+    case Code::division_by_zero: break;
+  }
+  return failure(calculation_error,
+                 u"a diameter, pressure or factor is zero or below, or the cone is not smaller than the pipe");
+}
+
 }  // namespace norvane::VCone

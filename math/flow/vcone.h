@@ -6,10 +6,12 @@
 //   q_m  = C_f eps (pi/4) D^2 beta^2/sqrt(1 - beta^4) sqrt(2 dp rho1)
 #pragma once
 
+#include "core/outcome.h"
 #include "math/flow/differential_pressure.h"
 
 namespace norvane::VCone {
 
+using differential_pressure::Device;
 using differential_pressure::Geometry;     // device: the cone; mm, 1/degC, degC
 using differential_pressure::Measurement;  // mbar, bar, degC, kg/m3; here the viscosity is in mPa s
 using differential_pressure::ThreePoints;
@@ -47,5 +49,14 @@ struct Result {
 // Without a differential pressure the result is the state measured, with no flow.
 Code cone(const Measurement& measured, const Geometry& geometry, Type type, double discharge_coefficient,
           Result& result) noexcept;
+
+struct Arguments {
+  Device device;
+  Type type;
+  double discharge_coefficient;  // [-]
+};
+
+// What a code means for the arguments that were given.
+Outcome outcome_of(Code code, const Arguments& given) noexcept;
 
 }  // namespace norvane::VCone

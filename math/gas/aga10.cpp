@@ -11,6 +11,7 @@
 
 #include "math/gas/aga10.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/elementary.h"
@@ -179,9 +180,8 @@ struct BaseOrFlow {
 bool density(const AGA8::Mixture& mixture, const Conditions& at, BaseOrFlow& result) noexcept {
   AGA8::Isotherm isotherm;
   isotherm.set(mixture, at.T);
-  const double p = at.p * 1e-6;
-  if (!isotherm.density(p, result.rho)) return false;
-  result.z = p / (result.rho * isotherm.RT);
+  if (!isotherm.density(at.p, result.rho)) return false;
+  result.z = at.p / (result.rho * isotherm.RT);
   return std::isfinite(result.z) && std::isfinite(result.rho);
 }
 
@@ -210,10 +210,10 @@ Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Co
     MolarState at_throat;
     if (!throat(mixture, x, s, kappa, at_throat)) return throat_not_found;
     // rho w sqrt(R_s T0) / p0, with M under the roots of w and R_s cancelling that of the mass density
-    critical_flow = at_throat.rho * std::sqrt(at_throat.M_w2 * R * s.T) / (flowing.p * 1e-3);
+    critical_flow = at_throat.rho * std::sqrt(at_throat.M_w2 * R * s.T) / (flowing.p * 1e3);
   }
 
-  const double air_z = 1.0 + air_virial(base_state.T) * base_state.p * 1e-6 / (AGA8::R * base_state.T);
+  const double air_z = 1.0 + air_virial(base_state.T) * base_state.p / (AGA8::R * base_state.T);
   for (Property property : requested) {
     double& value = values[static_cast<std::size_t>(property)];
     switch (property) {
@@ -249,6 +249,57 @@ Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Co
     if (!std::isfinite(value)) return unstable;
   }
   return success;
+}
+
+// ---- A gas as it is given ----------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr std::size_t property_count = static_cast<std::size_t>(Property::count);
+
+constexpr bool of_critical_flow(Property property) {
+  return property == Property::critical_flow_factor || property == Property::ideal_gas_flow_factor ||
+         property == Property::isentropic_flow_factor;
+}
+
+// All properties, with or without the critical flow factors.
+template <bool critical_flow>
+constexpr auto requested = [] {
+  std::array<Property, property_count - (critical_flow ? 0 : 3)> list{};
+  std::size_t n = 0;
+  for (std::size_t i = 0; i < property_count; ++i) {
+    const auto property = static_cast<Property>(i);
+    if (critical_flow || !of_critical_flow(property)) list[n++] = property;
+  }
+  return list;
+}();
+
+Outcome answer_of(const Gas& gas, std::span<const Property> properties, Answer& answer) noexcept {
+  AGA8::Composition x;
+  const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, AGA8::composition_error, x);
+  if (!prepared.good()) return prepared;
+  answer.range = std::max(AGA8::composition_range_1994(x), AGA8::state_limits_1994(gas.temperature, gas.pressure));
+  switch (calculate(x, {gas.pressure, gas.temperature + 273.15}, base_conditions, properties, answer.values)) {
+    case success: return {};
+    case flowing_density_failed:
+      return blame(gas.pressure, no_convergence, u"has no gas density at this temperature");
+    case base_density_failed: return failure(no_convergence, u"there is no gas density at base conditions");
+    case throat_not_found: return failure(calculation_error, u"no nozzle throat is found for this state");
+    default:
+      return failure(calculation_error,
+                     u"the state has no speed of sound: it is unstable, as inside the two-phase region");
+  }
+}
+
+}  // namespace
+
+Outcome speed_of_sound(const Gas& gas, Answer& answer) noexcept {
+  constexpr Property wanted[] = {Property::speed_of_sound};
+  return answer_of(gas, wanted, answer);
+}
+
+Outcome all_properties(const Gas& gas, Answer& answer) noexcept {
+  return gas.critical_flow == 2 ? answer_of(gas, requested<true>, answer) : answer_of(gas, requested<false>, answer);
 }
 
 }  // namespace norvane::AGA10

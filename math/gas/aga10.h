@@ -45,10 +45,10 @@ enum class Property : std::size_t {
 using Properties = std::array<double, static_cast<std::size_t>(Property::count)>;
 
 struct Conditions {
-  double p;  // [Pa]
+  double p;  // [MPa]
   double T;  // [K]
 };
-inline constexpr Conditions base_conditions{101325.0, 273.15};
+inline constexpr Conditions base_conditions{0.101325, 273.15};
 
 enum Result : int {
   success = 0,
@@ -85,5 +85,26 @@ struct MolarState {
 };
 MolarState state(const AGA8::Mixture& mixture, const AGA8::Composition& x, double T, double rho,
                  Entropy entropy) noexcept;
+
+// ---- A gas as it is given ----------------------------------------------------------------------------------------
+
+struct Gas {
+  AGA8::CompositionInput composition;  // fractions
+  AGA8::NeoPentaneMode neo_pentane;
+  double pressure;     // absolute [MPa]
+  double temperature;  // [degC]
+  int critical_flow;   // 1: without the three critical flow factors, which are then 0; 2: with them
+};
+
+struct Answer {
+  Properties values{};
+  int range = 0;  // status: 0 normal, 1 extended, 2 out of range
+};
+
+// Statuses: no_convergence without a density, calculation_error for a composition that is none, for a state without speed of
+// sound and for a nozzle without throat, AGA8::composition_error for a sum that is not 1. The call is refused when an
+// amount lies outside 0 to 1.
+Outcome speed_of_sound(const Gas& gas, Answer& answer) noexcept;
+Outcome all_properties(const Gas& gas, Answer& answer) noexcept;
 
 }  // namespace norvane::AGA10

@@ -30,20 +30,24 @@ constexpr double minimum_specific_gravity = 1e-6;  // the mass-based value divid
 
 }  // namespace
 
-Result calculate(std::span<const double, n_fractions> fractions, double specific_gravity) noexcept {
+Outcome calculate(const Gas& gas, Result& result) noexcept {
   double sum = 0.0, absolute_sum = 0.0, sum_a = 0.0, sum_k = 0.0;
   for (const Diluent& diluent : diluents) {
-    const double y = fractions[diluent.place];
+    const double y = gas.fractions[diluent.place];
     sum += y;
     absolute_sum += std::fabs(y);
     sum_a += diluent.a * y;
     sum_k += diluent.k * y;
   }
   // Written so that a NaN is refused too.
-  if (!(sum <= 1.0) || !(absolute_sum - sum <= negative_tolerance)) return {Status::bad_composition};
-  const double G = specific_gravity;
-  if (!(G >= minimum_specific_gravity)) return {Status::failed};
-  return {Status::ok, (0.00197 / G + 0.02035 - 100.0 * sum_a / G) * 1e6, 1571.5 * G + 144.0 - 100.0 * sum_k};
+  if (!(sum <= 1.0)) return blame(gas.fractions, argument_error, u"holds % of diluents, more than %", sum, 1.0);
+  if (!(absolute_sum - sum <= negative_tolerance))
+    return blame(gas.fractions, argument_error, u"holds a negative amount of a diluent");
+  const double G = gas.specific_gravity;
+  if (!(G >= minimum_specific_gravity))
+    return blame(gas.specific_gravity, calculation_error, u"must be at least %", minimum_specific_gravity);
+  result = {(0.00197 / G + 0.02035 - 100.0 * sum_a / G) * 1e6, 1571.5 * G + 144.0 - 100.0 * sum_k};
+  return {};
 }
 
 }  // namespace norvane::AGA5

@@ -1,10 +1,6 @@
 // AGA5_C: heating value from specific gravity and diluents by AGA-5.
-#include <array>
-#include <cstddef>
-#include <iterator>
-
-#include "framework/call.h"
-#include "framework/records.h"
+#include "framework/binding.h"
+#include "math/common/gas_records.h"
 #include "math/gas/aga5.h"
 
 namespace norvane::functions {
@@ -13,63 +9,36 @@ extern const record::Function AGA5_C;
 
 namespace {
 
-constexpr record::StatusValue statuses[] = {
-    {1.0, u"FIOOR", u"argument error"},
-    {2.0, u"CALCERR", u"calculation error"},
-};
-
-enum class In : std::size_t { Name, composition, specific_gravity, count };
-enum class Out : std::size_t { status, mass_based, volume_based, count };
+using record::input;
+using record::output;
 
 // clang-format off
 constexpr record::Input inputs[] = {
     record::name_input(),
-    record::input(u"composition", u"Composition",
-                  u"Gas composition (array of 22 numbers; sum of all numbers must be 1).", data_type::num).range(),
-    record::input(u"specific gravity", u"Specific Gravity",
-                  u"Molar Mass Ratio, i.e. ratio of the molar mass of the gas and of the molar mass of air (specified in "
-                  u"AGA-5 as 28.9644 kg/kmol (lbm/lbmol)).", data_type::num).within(0, 1).otherwise(0.7),
+    in<&AGA5::Gas::fractions>(record::composition_input()),
+    in<&AGA5::Gas::specific_gravity>(input(u"specific gravity", u"Specific Gravity",
+        u"Molar Mass Ratio, i.e. ratio of the molar mass of the gas and of the molar mass of air (specified in "
+        u"AGA-5 as 28.9644 kg/kmol (lbm/lbmol)).", data_type::num).within(0, 1).otherwise(0.7)),
 };
-static_assert(std::size(inputs) == static_cast<std::size_t>(In::count));
-
 constexpr record::Output outputs[] = {
-    record::status_output(statuses),
-    record::output(u"cal. value mass", u"Calorific Value", u"Mass based calorific value.", unit::Btu_lbm, u"CV_MASS"),
-    record::output(u"cal. value volume", u"Calorific Value", u"Volume based calorific value.", unit::Btu_scf,
-                   u"CV_VOL"),
+    record::status_output(record::statuses_without_convergence),
+    out<&AGA5::Result::mass_based>(output(u"cal. value mass", u"Calorific Value", u"Mass based calorific value.", unit::Btu_lbm, u"CV_MASS")),
+    out<&AGA5::Result::volume_based>(output(u"cal. value volume", u"Calorific Value", u"Volume based calorific value.", unit::Btu_scf, u"CV_VOL")),
 };
-static_assert(std::size(outputs) == static_cast<std::size_t>(Out::count));
 // clang-format on
-
-std::uint32_t run(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
-  Call call(context, args, count, output);
-  const std::array<double, AGA5::n_fractions> fractions = call.numbers<AGA5::n_fractions>(In::composition);
-  const double specific_gravity = call.number(In::specific_gravity);
-  if (call.failed()) return call.error();
-
-  const AGA5::Result result = AGA5::calculate(fractions, specific_gravity);
-  if (result.status != AGA5::Status::ok) return call.status_only(static_cast<int>(result.status));
-  call.set_integer(Out::status, 0);
-  call.set(Out::mass_based, result.mass_based);
-  call.set(Out::volume_based, result.volume_based);
-  return call.done();
-}
 
 }  // namespace
 
 const record::Function AGA5_C = {
-    .group = GroupId::Math,
     .id = u"AGA5_C",
     .display = u"AGA-5",
     .description = u"Calorific Value according to AGA-5.",
-    .category = u"Math",
     .subcategory = u"AGA",
     .keywords = u"customary,gas,aga",
-    .flags = FUNCTION_FALLBACK,
     .name_input = 0,
     .inputs = inputs,
     .outputs = outputs,
-    .implementation = run,
+    .binding = &bound<AGA5::calculate>,
     .notes =
         u"AGA Report No. 5, Natural gas energy measurement: heating value from the specific gravity and "
         u"the fractions of nitrogen, carbon dioxide, oxygen, helium, carbon monoxide, hydrogen sulfide, "

@@ -25,7 +25,6 @@
 #include <utility>
 
 #include "core/elementary.h"
-#include "math/common/composition.h"
 
 namespace norvane::AGA8 {
 namespace {
@@ -514,23 +513,6 @@ Residual residual(const Mixture& mixture, double T, double rho) noexcept {
 
 // ---- Composition and range rules ---------------------------------------------------------------------------------
 
-CompositionResult prepare(const CompositionInput& input, NeoPentaneMode mode, Composition& x) noexcept {
-  std::copy_n(input.begin(), component_count, x.begin());
-  const double neo_pentane = input.back();
-  if (mode == neglect) {
-    double sum = 0.0;
-    for (double amount : input) sum += amount;
-    if (!(sum >= 0.9999 && sum <= 1.0001)) return composition_sum_off;
-  } else {
-    x[mode == add_to_i_pentane ? i_pentane : n_pentane] += neo_pentane;
-  }
-  switch (composition::normalise(x)) {
-    case composition::ok: return composition_good;
-    case composition::sum_off: return mode == neglect ? composition_good : composition_sum_off;
-    default: return composition_unusable;
-  }
-}
-
 int composition_range_1994(const Composition& x) noexcept {
   const double butanes = x[i_butane] + x[n_butane];
   const double pentanes = x[i_pentane] + x[n_pentane];
@@ -550,12 +532,12 @@ int composition_range_1994(const Composition& x) noexcept {
 }
 
 int state_limits_1994(double t, double p) noexcept {
-  return t >= -129.0 && t <= 204.0 && p >= 0.0 && p <= 1379.0 ? 0 : 2;
+  return t >= -129.0 && t <= 204.0 && p >= 0.0 && p <= 137.9 ? 0 : 2;
 }
 
 int state_range_1994(double t, double p) noexcept {
   if (state_limits_1994(t, p) != 0) return 2;
-  return t >= -8.0 && t <= 62.0 && p <= 120.0 ? 0 : 1;
+  return t >= -8.0 && t <= 62.0 && p <= 12.0 ? 0 : 1;
 }
 
 namespace {
@@ -563,19 +545,19 @@ namespace {
 // Regions of the 2017 edition. The limits are upper ones, in the order of the components; the lower one is 0.
 struct Region {
   double minimum_t;  // [degC]
-  double maximum_p;  // [bar]
+  double maximum_p;  // [MPa]
   Composition limit;
 };
 // clang-format off
 //   methane, nitrogen, carbon dioxide, ethane, propane, water, hydrogen sulfide, hydrogen, carbon monoxide, oxygen,
 //   i-butane, n-butane, i-pentane, n-pentane, n-hexane, n-heptane, n-octane, n-nonane, n-decane, helium, argon
-constexpr Region region_a{-4.0, 103.0,  // the carbon dioxide limit depends on the other components, see below
+constexpr Region region_a{-4.0, 10.3,  // the carbon dioxide limit depends on the other components, see below
     {1.0, 0.5, 0.3, 0.1, 0.04, 0.0005, 0.001, 0.05, 0.01, 0.002,
      0.004, 0.006, 0.003, 0.003, 0.0012, 0.0004, 0.0003, 0.0003, 0.0003, 0.004, 0.002}};
-constexpr Region region_b{-4.0, 21.0,
+constexpr Region region_b{-4.0, 2.1,
     {1.0, 0.5, 0.8, 0.25, 0.06, 0.014, 0.04, 1.0, 0.1, 0.01,
      0.015, 0.06, 0.02, 0.02, 0.002, 0.002, 0.002, 0.002, 0.002, 0.05, 0.03}};
-constexpr Region region_c{-8.0, 210.0,
+constexpr Region region_c{-8.0, 21.0,
     {1.0, 0.03, 0.03, 0.04, 0.02, 0.00005, 0.001, 0.01, 0.01, 0.002,
      0.001, 0.004, 0.001, 0.001, 0.0003, 0.0001, 0.00003, 0.00003, 0.00003, 0.004, 0.002}};
 // clang-format on
@@ -611,7 +593,7 @@ bool within_region_b(const Composition& x, double t, double p) noexcept {
 }  // namespace
 
 int range_2017(const Composition& x, double t, double p) noexcept {
-  if (!(t >= -130.0 && t <= 180.0 && p >= 0.0 && p <= 2800.0)) return 2;
+  if (!(t >= -130.0 && t <= 180.0 && p >= 0.0 && p <= 280.0)) return 2;
   return within_region_a(x, t, p) || within_region_b(x, t, p) || within(region_c, x, t, p) ? 0 : 1;
 }
 
@@ -624,12 +606,7 @@ bool same(double a, double b) noexcept { return std::memcmp(&a, &b, sizeof a) ==
 
 }  // namespace
 
-Result CDetail::calculate(const Composition& x, double T, double p, bool check, State& state) noexcept {
-  if (check) {
-    constexpr double lowest = -150.0 + 273.15, highest = 450.0 + 273.15;
-    if (!(T >= lowest && T <= highest && p >= 0.0 && p <= 2800.0)) return out_of_range;
-  }
-  const double p_MPa = p / 10.0;
+Result CDetail::calculate(const Composition& x, double T, double p, State& state) noexcept {
   if (!has_composition_ || std::memcmp(x.data(), x_.data(), sizeof x_) != 0) {
     x_ = x;
     mixture_.set(x_);
@@ -642,8 +619,8 @@ Result CDetail::calculate(const Composition& x, double T, double p, bool check, 
     has_isotherm_ = true;
     has_state_ = false;
   }
-  if (!has_state_ || !same(p_MPa, p_)) {
-    p_ = p_MPa;
+  if (!has_state_ || !same(p, p_)) {
+    p_ = p;
     has_state_ = true;
     result_ = isotherm_.density(p_, rho_) ? converged : failed;
     if (result_ == converged) {
@@ -653,6 +630,50 @@ Result CDetail::calculate(const Composition& x, double T, double p, bool check, 
   }
   if (result_ == converged) state = {z_, rho_, mixture_.molar_mass, rho_ * mixture_.molar_mass};
   return result_;
+}
+
+// ---- A gas as it is given ----------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr double zero_celsius = 273.15;  // [K]
+
+Outcome density_of(const Gas& gas, const Composition& x, State& state, CDetail& memory) noexcept {
+  switch (memory.calculate(x, gas.temperature + zero_celsius, gas.pressure, state)) {
+    case converged: return {};
+    case not_finite: return failure(calculation_error, u"the density or the compressibility is no finite number");
+    default: break;
+  }
+  if (!(gas.pressure > 0.0)) return blame(gas.pressure, calculation_error, u"must be above %", 0.0);
+  return blame(gas.pressure, calculation_error,
+               u"has no gas density at this temperature: the pressure falls with density before it reaches it");
+}
+
+}  // namespace
+
+Outcome state_of(const Gas& gas, Answer& answer, CDetail& memory) noexcept {
+  Composition x;
+  const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, composition_error, x);
+  if (!prepared.good()) return prepared;
+  const double t = gas.temperature, p = gas.pressure;
+  constexpr double lowest_t = -150.0, highest_t = 450.0, highest_p = 280.0;
+  // Compared in kelvin, in which the equation works.
+  const double T = t + zero_celsius;
+  if (!(T >= lowest_t + zero_celsius && T <= highest_t + zero_celsius))
+    return blame(gas.temperature, argument_error, u"must be within % to %", lowest_t, highest_t);
+  if (!(p >= 0.0 && p <= highest_p))
+    return blame(gas.pressure, argument_error, u"must be within % to %", 0.0, highest_p);
+  answer.range = gas.edition == 1 ? std::max(composition_range_1994(x), state_range_1994(t, p)) : range_2017(x, t, p);
+  return density_of(gas, x, answer.state, memory);
+}
+
+Outcome state_of_unlimited(const Gas& gas, Answer& answer, CDetail& memory) noexcept {
+  Composition x;
+  const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, composition_error, x);
+  if (!prepared.good()) return prepared;
+  // The normal limits of temperature and pressure play no part here, only those of the equation as a whole.
+  answer.range = std::max(composition_range_1994(x), state_limits_1994(gas.temperature, gas.pressure));
+  return density_of(gas, x, answer.state, memory);
 }
 
 }  // namespace norvane::AGA8

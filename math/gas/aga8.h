@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <span>
 
+#include "core/outcome.h"
+#include "math/common/composition.h"
 #include "math/gas/aga8_table.h"
 
 namespace norvane::AGA8 {
@@ -45,21 +47,15 @@ enum ComponentIndex : std::size_t {
 // What a composition input holds: the 21 components and neo-pentane, which the equation does not know.
 using CompositionInput = std::array<double, component_count + 1>;
 
-enum NeoPentaneMode : int { add_to_i_pentane = 1, add_to_n_pentane = 2, neglect = 3 };
-
-enum CompositionResult : int { composition_good = 0, composition_unusable = 2, composition_sum_off = 4 };
-
-// Folds or drops neo-pentane and normalises to a sum of 1. Unusable: a negative amount, or a sum below 1e-6.
-// Sum off: neither 1 nor 100 within 1e-4 (relative), or with `neglect` the 22 amounts do not sum to 1. A NaN
-// makes the composition unusable or the sum off.
-CompositionResult prepare(const CompositionInput& input, NeoPentaneMode mode, Composition& x) noexcept;
+using composition::NeoPentaneMode;
+inline constexpr int composition_error = 4;  // status
 
 // Range status: 0 normal, 1 extended, 2 out of range.
 int composition_range_1994(const Composition& x) noexcept;
-int state_range_1994(double t, double p) noexcept;  // t [degC], p [bar]
-// 2 outside the temperature and pressure of the equation as a whole (-129..204 degC, 0..1379 bar), else 0.
+int state_range_1994(double t, double p) noexcept;  // t [degC], p [MPa]
+// 2 outside the temperature and pressure of the equation as a whole (-129..204 degC, 0..137.9 MPa), else 0.
 int state_limits_1994(double t, double p) noexcept;
-int range_2017(const Composition& x, double t, double p) noexcept;  // t [degC], p [bar]
+int range_2017(const Composition& x, double t, double p) noexcept;  // t [degC], p [MPa]
 
 double molar_mass(const Composition& x) noexcept;  // [kg/kmol]
 
@@ -115,15 +111,14 @@ struct State {
   double mass_density = 0.0;   // [kg/m3]
 };
 
-enum Result : int { converged = 0, failed = -1, not_finite = -2, out_of_range = -3 };
+enum Result : int { converged = 0, failed = -1, not_finite = -2 };
 
 // The calculation with its memory of the last composition, temperature, pressure and answer. Comparisons are exact,
 // so that an answer from memory equals a fresh one bit for bit. Not for use by several threads at once.
 class CDetail {
  public:
-  // T [K], p [bar]. With `check`, out_of_range for a temperature outside -150..450 degC or a pressure outside
-  // 0..2800 bar. The state is set when the result is `converged`.
-  Result calculate(const Composition& x, double T, double p, bool check, State& state) noexcept;
+  // T [K], p [MPa]. The state is set when the result is `converged`.
+  Result calculate(const Composition& x, double T, double p, State& state) noexcept;
 
  private:
   bool has_composition_ = false;
@@ -138,5 +133,26 @@ class CDetail {
   double z_ = 0.0;
   Result result_ = failed;
 };
+
+// ---- A gas as it is given ----------------------------------------------------------------------------------------
+
+struct Gas {
+  CompositionInput composition;  // amounts: fractions or percent
+  NeoPentaneMode neo_pentane;
+  double pressure;     // absolute [MPa]
+  double temperature;  // [degC]
+  int edition;         // of the range rules: 1: 1994, 2: 2017
+};
+
+struct Answer {
+  State state{};
+  int range = 0;  // status: 0 normal, 1 extended, 2 out of range
+};
+
+// Statuses: argument_error outside -150..450 degC and 0..280 MPa (the first only), calculation_error for a composition
+// that is none and where there is no density, composition_error for a sum that is neither 1 nor 100.
+Outcome state_of(const Gas& gas, Answer& answer, CDetail& memory) noexcept;
+// Without that limit, and with the range rules of the equation as a whole.
+Outcome state_of_unlimited(const Gas& gas, Answer& answer, CDetail& memory) noexcept;
 
 }  // namespace norvane::AGA8

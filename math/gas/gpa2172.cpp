@@ -34,20 +34,20 @@ struct Edition {
 // In the order of the editions 2000, 2003, 2009, 2016. The vapour pressure of water is 0.25636 psia, from
 // 2016 on 0.2564 psia, at 60 degF, and 1.7058 kPa at 15 degC.
 constexpr double psia = 14.696, kPa = 101.325;
-constexpr Edition customary[] = {
+constexpr Edition customary_editions[] = {
     {GPA2145::customary_2000, 0.017444202504082743, 0.005, psia},
     {GPA2145::customary_2003, 0.017444202504082743, 0.00678, psia},
     {GPA2145::customary_2016, 0.017444202504082743, 0.00523, psia},
     {GPA2145::customary_2016, 0.01744692433315188, 0.00537, psia},
 };
-constexpr Edition metric[] = {
+constexpr Edition metric_editions[] = {
     {GPA2145::metric_2003, 0.016834937083641748, 0.00259, kPa},
     {GPA2145::metric_2003, 0.016834937083641748, 0.00259, kPa},
     {GPA2145::metric_2016, 0.016834937083641748, 0.00201, kPa},
     {GPA2145::metric_2016, 0.016834937083641748, 0.00201, kPa},
 };
 constexpr int n_editions = 4;
-static_assert(std::size(customary) == n_editions && std::size(metric) == n_editions);
+static_assert(std::size(customary_editions) == n_editions && std::size(metric_editions) == n_editions);
 
 // Every property of a gas, summed over amounts of its components.
 void add(Component& sum, double amount, const Component& c) noexcept {
@@ -96,33 +96,26 @@ bool real_gas(const Component& ideal, const Edition& edition, double x_water, Ba
   return true;
 }
 
-}  // namespace
-
-Result calculate(std::span<const double, n_fractions> fractions, Units units, int edition_option,
-                 NeoPentane mode) noexcept {
-  Result result;
-  const auto end_with = [&result](Status status) {
-    result.status = status;
-    return result;
-  };
-  if (edition_option < 1 || edition_option > n_editions) return end_with(Status::unknown_option);
-  const Edition& edition =
-      (units == Units::metric ? metric : customary)[static_cast<std::size_t>(edition_option - 1)];
+Outcome calculate(const Gas& gas, const Edition (&editions)[n_editions], Result& result) noexcept {
+  if (gas.edition < 1 || gas.edition > n_editions)
+    return blame(gas.edition, argument_error, u"must be within % to %", 1, n_editions);
+  const Edition& edition = editions[gas.edition - 1];
 
   double total = 0.0;
-  for (double fraction : fractions) total += fraction;
-  if (!(total >= sum_low && total <= sum_high)) return end_with(Status::composition);
+  for (double fraction : gas.fractions) total += fraction;
+  if (!(total >= sum_low && total <= sum_high))
+    return blame(gas.fractions, composition_error, u"sums to %, not to 1 within %", total, sum_high - 1.0);
 
   std::array<double, n_components> x;
-  for (std::size_t i = 0; i < n_components; ++i) x[i] = fractions[i];
-  switch (mode) {
-    case NeoPentane::to_isopentane: x[i_isopentane] += fractions[i_neopentane]; break;
-    case NeoPentane::to_n_pentane: x[i_n_pentane] += fractions[i_neopentane]; break;
+  for (std::size_t i = 0; i < n_components; ++i) x[i] = gas.fractions[i];
+  switch (gas.mode) {
+    case NeoPentane::to_isopentane: x[i_isopentane] += gas.fractions[i_neopentane]; break;
+    case NeoPentane::to_n_pentane: x[i_n_pentane] += gas.fractions[i_neopentane]; break;
     case NeoPentane::neglect: break;
-    default: return end_with(Status::unknown_option);
+    default: return blame(gas.mode, argument_error, u"must be within % to %", 1, 3);
   }
-  for (double fraction : fractions) {
-    if (fraction < 0.0) return end_with(Status::failed);
+  for (const double& fraction : gas.fractions) {
+    if (fraction < 0.0) return blame(fraction, calculation_error, u"must not be negative");
   }
   // The dry gas is summed without the water, not by subtraction, so that a rounding residue is never taken for a gas.
   const Component& water = edition.components[i_water];
@@ -133,7 +126,8 @@ Result calculate(std::span<const double, n_fractions> fractions, Units units, in
     dry_amount += x[i];
     add(sum, x[i], edition.components[i]);
   }
-  if (!(dry_amount > smallest_amount)) return end_with(Status::failed);  // nothing but water or neglected neo-pentane
+  if (!(dry_amount > smallest_amount))
+    return blame(gas.fractions, calculation_error, u"holds nothing but water or neglected neo-pentane");
   const Component ideal_dry = of_one_mole(sum, dry_amount);
   const double wet_amount = dry_amount + x[i_water];
   add(sum, x[i_water], water);  // from here on the sums are those of the wet gas
@@ -142,9 +136,14 @@ Result calculate(std::span<const double, n_fractions> fractions, Units units, in
   if (!real_gas(ideal_wet, edition, x[i_water] / wet_amount, result.wet) ||
       !real_gas(ideal_dry, edition, 0.0, result.dry) ||
       !real_gas(ideal_saturated, edition, edition.saturation, result.saturated)) {
-    return end_with(Status::failed);
+    return failure(calculation_error, u"the gas has no compressibility factor above 0 at base conditions");
   }
-  return result;
+  return {};
 }
+
+}  // namespace
+
+Outcome metric(const Gas& gas, Result& result) noexcept { return calculate(gas, metric_editions, result); }
+Outcome customary(const Gas& gas, Result& result) noexcept { return calculate(gas, customary_editions, result); }
 
 }  // namespace norvane::GPA2172

@@ -2,20 +2,26 @@
 // gas from its composition, with the component properties of GPA 2145.
 #pragma once
 
+#include <array>
 #include <cstddef>
-#include <span>
+
+#include "core/outcome.h"
 
 namespace norvane::GPA2172 {
 
 // Components in the order of AGA-8 with neo-pentane behind.
 inline constexpr std::size_t n_fractions = 22;
 
-enum class Units : int { metric, customary };  // 15 degC, 101.325 kPa; 60 degF, 14.696 psia
-
 // Where the fraction of neo-pentane goes, which GPA 2145 does not hold.
 enum class NeoPentane : int { to_isopentane = 1, to_n_pentane = 2, neglect = 3 };
 
-enum class Status : int { ok = 0, unknown_option = 1, failed = 2, composition = 3 };
+inline constexpr int composition_error = 3;  // status
+
+struct Gas {
+  std::array<double, n_fractions> fractions;  // mole fractions that sum to 1 within 0.0001
+  int edition;                                // 1: 2000, 2: 2003, 3: 2009, 4: 2016
+  NeoPentane mode;
+};
 
 // One basis' results; metric units, customary units.
 struct Basis {
@@ -29,16 +35,15 @@ struct Basis {
 };
 
 struct Result {
-  Status status = Status::ok;
   Basis wet{};        // the gas as analysed
   Basis dry{};        // water removed
   Basis saturated{};  // dry gas saturated with water at base conditions
 };
 
-// fractions: mole fractions that sum to 1 within 0.0001 (else Status::composition); a negative one fails.
-// edition: 1: 2000, 2: 2003, 3: 2009, 4: 2016. An edition or a mode outside its list is an unknown option.
-// The gross value by mass is the mole fraction-weighted sum of the components' values by mass, not the
+// Statuses: argument_error for an edition or a mode outside its list, composition_error for a sum that is not 1,
+// calculation_error for a negative fraction and for a gas of nothing but water. The gross value by mass is the mole fraction-weighted sum of the components' values by mass, not the
 // mass-weighted mean: it is exact for a pure gas and 2 to 4 % off it for ordinary mixtures.
-Result calculate(std::span<const double, n_fractions> fractions, Units units, int edition, NeoPentane mode) noexcept;
+Outcome metric(const Gas& gas, Result& result) noexcept;     // 15 degC, 101.325 kPa
+Outcome customary(const Gas& gas, Result& result) noexcept;  // 60 degF, 14.696 psia
 
 }  // namespace norvane::GPA2172

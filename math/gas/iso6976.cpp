@@ -11,6 +11,7 @@
 
 #include <cmath>
 
+#include "math/common/composition.h"
 #include "math/gas/iso6976_1995_table.h"
 #include "math/gas/iso6976_2016_table.h"
 
@@ -88,9 +89,9 @@ double wobbe_index(const Properties& gas) noexcept { return gas.superior_volume 
 
 // The definitive method: everything from the molar values. A mixture heavy enough for Z to reach 0 or less
 // has no gas density; the components' factors allow it in the 2016 edition only (n-tetradecane, n-pentadecane).
-Status definitive(const Sums& sums, const Metering& at, double molar_mass_of_air, Properties& gas) noexcept {
+bool definitive(const Sums& sums, const Metering& at, double molar_mass_of_air, Properties& gas) noexcept {
   const double Z = 1.0 - sums.s * sums.s;
-  if (!(Z > 0.0) || !(sums.M > 0.0)) return Status::failed;
+  if (!(Z > 0.0) || !(sums.M > 0.0)) return false;
   const double molar_density = at.ideal_molar_density / Z;  // kmol/m3
   gas.compressibility = Z;
   gas.molar_mass = sums.M;
@@ -103,7 +104,11 @@ Status definitive(const Sums& sums, const Metering& at, double molar_mass_of_air
   gas.superior_volume = sums.superior * molar_density;
   gas.inferior_volume = sums.inferior * molar_density;
   gas.wobbe = wobbe_index(gas);
-  return Status::ok;
+  return true;
+}
+
+Outcome no_gas_density() noexcept {
+  return failure(calculation_error, u"the mixture is too heavy: its compressibility factor is not above %", 0.0);
 }
 
 // Rows of the components that have a window of their own.
@@ -197,7 +202,8 @@ Result calculate(std::span<const double, N> x, int option, MolarMassMethod mass,
   static constexpr Table<N> table = build<N>();
   Result result;
   if (option < 1 || option > static_cast<int>(std::size(references))) {
-    result.status = Status::unknown_reference;
+    result.outcome = failure(argument_error, u"the reference temperature must be one of 1 to %",
+                             static_cast<double>(std::size(references)));
     return result;
   }
   const auto index = static_cast<std::size_t>(option - 1);
@@ -207,8 +213,10 @@ Result calculate(std::span<const double, N> x, int option, MolarMassMethod mass,
   const Sums sums = sum<N>(x, molar_mass, table.s[at.column], table.superior[reference.combustion],
                            table.inferior[reference.combustion]);
   Properties& gas = result.properties;
-  result.status = definitive(sums, at, molar_mass_of_air, gas);
-  if (result.status != Status::ok) return result;
+  if (!definitive(sums, at, molar_mass_of_air, gas)) {
+    result.outcome = no_gas_density();
+    return result;
+  }
 
   if (method == CalorificMethod::alternative) {
     std::array<double, N> mass_of;  // x_i M_i: of each component in one kmol of the mixture, kg
@@ -276,15 +284,18 @@ Result calculate(std::span<const double, N> x, int option, MolarMassMethod mass)
   static constexpr auto table = build<N>();
   Result result;
   if (option < 1 || option > static_cast<int>(std::size(references))) {
-    result.status = Status::unknown_reference;
+    result.outcome = failure(argument_error, u"the reference temperature must be one of 1 to %",
+                             static_cast<double>(std::size(references)));
     return result;
   }
   const Reference& reference = references[static_cast<std::size_t>(option - 1)];
   const Metering& at = meterings[reference.metering];
   const Sums sums = sum<N>(x, table.molar_mass[mass == MolarMassMethod::table ? 1 : 0], table.s[at.column],
                            table.superior[reference.combustion], table.inferior[reference.combustion]);
-  result.status = definitive(sums, at, molar_mass_of_air, result.properties);
-  if (result.status != Status::ok) return result;
+  if (!definitive(sums, at, molar_mass_of_air, result.properties)) {
+    result.outcome = no_gas_density();
+    return result;
+  }
   result.range = range_of<N>(x);
   if (result.range.ok() && !(result.properties.compressibility > minimum_compressibility)) {
     result.range = {Range::compressibility, minimum_compressibility};
@@ -318,5 +329,117 @@ std::string_view component_name(std::size_t row) noexcept {
 }
 
 static_assert(edition1995::n_components == n_1995 && edition2016::n_components == n_2016);
+
+// ---- A gas as it is given ----------------------------------------------------------------------------------------
+
+namespace {
+
+// Rows of the standard's tables that the further arrays hold.
+constexpr std::array<std::size_t, 4> alkanes = {9, 10, 11, 12};
+constexpr std::array<std::size_t, 9> alkanes_2016 = {9, 10, 11, 12, 55, 56, 57, 58, 59};
+constexpr std::array<std::size_t, 11> alkenes = {17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27};
+constexpr std::array<std::size_t, 6> cycloalkanes = {28, 29, 30, 31, 32, 33};
+constexpr std::array<std::size_t, 4> aromatics = {34, 35, 36, 37};
+constexpr std::array<std::size_t, 10> ring_compounds = {28, 29, 30, 31, 32, 33, 34, 35, 36, 37};
+constexpr std::array<std::size_t, 8> others = {38, 39, 43, 44, 46, 47, 49, 54};
+
+// Every row stands in exactly one array.
+template <std::size_t N>
+consteval bool covered(auto... arrays) {
+  std::array<int, N> hits{};
+  const auto count = [&hits](const auto& rows) {
+    for (std::size_t row : rows) ++hits[row];
+  };
+  count(common_rows);
+  (count(arrays), ...);
+  for (int hit : hits)
+    if (hit != 1) return false;
+  return true;
+}
+static_assert(covered<n_1995>(alkanes, alkenes, cycloalkanes, aromatics, others));
+static_assert(covered<n_2016>(alkanes_2016, alkenes, ring_compounds, others));
+
+template <std::size_t Rows, std::size_t N>
+void place(const std::array<double, Rows>& amounts, const std::array<std::size_t, Rows>& rows,
+           std::array<double, N>& x) noexcept {
+  for (std::size_t i = 0; i < Rows; ++i) x[rows[i]] = amounts[i];
+}
+
+template <std::size_t N>
+std::array<double, N> in_rows(const std::array<double, n_common>& composition) noexcept {
+  std::array<double, N> x{};
+  for (std::size_t i = 0; i < n_common; ++i) x[common_rows[i]] = composition[common_places[i]];
+  return x;
+}
+
+// Normalises x, which holds all of the gas, and calculates: calculate(x) is the edition's.
+template <class Gas, std::size_t N, class Calculate>
+Outcome deliver(const Gas& gas, std::array<double, N>& x, Delivered& delivered, Calculate calculate) noexcept {
+  const double sum = composition::sum_of(x);
+  const Outcome judged = composition::judge(composition::normalise(x), gas.composition, sum, composition_error);
+  if (!judged.good()) return judged;
+  const Result result = calculate(x);
+  if (result.outcome.status == argument_error)
+    return blame(gas.options.reference, argument_error, u"must be within 1 to %", result.outcome.limits[0]);
+  if (!result.outcome.good()) return result.outcome;
+  delivered = {result.properties, !result.range.ok()};
+  if (result.range.ok()) return {};
+  if (result.range.first_outside == Range::compressibility)
+    return remark(u"The gas is outside the range of application of the standard: compressibility factor not above %",
+                  result.range.limit);
+  return remark(result.range.first_outside == 0
+                    ? u"The gas is outside the range of application of the standard: $ below %"
+                    : u"The gas is outside the range of application of the standard: $ above %",
+                result.range.limit)
+      .naming(component_name(static_cast<std::size_t>(result.range.first_outside)));
+}
+
+// The 22 amounts are normalised in the order they are given in, and only then put into the standard's.
+std::array<double, n_common> in_standard_order(const std::array<double, n_common>& composition) noexcept {
+  std::array<double, n_common> x;
+  for (std::size_t i = 0; i < n_common; ++i) x[i] = composition[common_places[i]];
+  return x;
+}
+
+}  // namespace
+
+Outcome of_1995(const Gas22& gas, Delivered& result) noexcept {
+  std::array<double, n_common> given = gas.composition;
+  return deliver(gas, given, result, [&gas](const std::array<double, n_common>& x) {
+    return edition_1995(std::span<const double, n_common>(in_standard_order(x)), gas.options.reference,
+                        gas.options.molar_mass, gas.options.calorific);
+  });
+}
+
+Outcome of_2016(const Gas22& gas, Delivered& result) noexcept {
+  std::array<double, n_common> given = gas.composition;
+  return deliver(gas, given, result, [&gas](const std::array<double, n_common>& x) {
+    return edition_2016(std::span<const double, n_common>(in_standard_order(x)), gas.options.reference,
+                        gas.options.molar_mass);
+  });
+}
+
+Outcome of_1995_all(const Gas55& gas, Delivered& result) noexcept {
+  std::array<double, n_1995> all = in_rows<n_1995>(gas.composition);
+  place(gas.alkanes, alkanes, all);
+  place(gas.alkenes, alkenes, all);
+  place(gas.cycloalkanes, cycloalkanes, all);
+  place(gas.aromatics, aromatics, all);
+  place(gas.others, others, all);
+  return deliver(gas, all, result, [&gas](const std::array<double, n_1995>& x) {
+    return edition_1995(std::span(x), gas.options.reference, gas.options.molar_mass, gas.options.calorific);
+  });
+}
+
+Outcome of_2016_all(const Gas60& gas, Delivered& result) noexcept {
+  std::array<double, n_2016> all = in_rows<n_2016>(gas.composition);
+  place(gas.alkanes, alkanes_2016, all);
+  place(gas.alkenes, alkenes, all);
+  place(gas.ring_compounds, ring_compounds, all);
+  place(gas.others, others, all);
+  return deliver(gas, all, result, [&gas](const std::array<double, n_2016>& x) {
+    return edition_2016(std::span(x), gas.options.reference, gas.options.molar_mass);
+  });
+}
 
 }  // namespace norvane::ISO6976

@@ -10,6 +10,8 @@
 #include <span>
 #include <string_view>
 
+#include "core/outcome.h"
+
 namespace norvane::ISO6976 {
 
 inline constexpr std::size_t n_common = 22;
@@ -30,7 +32,7 @@ inline constexpr std::array<std::size_t, n_common> common_places = {0,  3,  4, 1
 enum class MolarMassMethod : int { calculate = 1, table = 2 };         // from atoms; tabulated
 enum class CalorificMethod : int { definitive = 1, alternative = 2 };  // from molar values; from the rounded tables
 
-enum class Status : int { ok = 0, unknown_reference = 1, failed = 2 };
+inline constexpr int composition_error = 3;  // status
 
 struct Properties {
   double superior_volume = 0.0;   // real gas, MJ/m3 at metering temperature and 101.325 kPa
@@ -58,13 +60,57 @@ struct Range {
 };
 
 struct Result {
-  Status status = Status::ok;
+  Outcome outcome{};
   Properties properties{};
   Range range{};
 };
 
+// What a calculation of a gas as it is given delivers.
+struct Delivered {
+  Properties properties{};
+  bool out_of_range = false;  // outside the range of application
+};
+
+struct Options {
+  int reference;  // see edition_1995 and edition_2016
+  MolarMassMethod molar_mass;
+  CalorificMethod calorific;
+};
+
+// A gas as it is given: amounts in fractions or percent, in the order of math/common/components.h, normalised together
+// with the further components (rows of the standard's tables in the order that their inputs name).
+struct Gas22 {
+  std::array<double, n_common> composition;
+  Options options;
+};
+struct Gas55 {
+  std::array<double, n_common> composition;
+  std::array<double, 4> alkanes;
+  std::array<double, 11> alkenes;
+  std::array<double, 6> cycloalkanes;
+  std::array<double, 4> aromatics;
+  std::array<double, 8> others;
+  Options options;
+};
+struct Gas60 {
+  std::array<double, n_common> composition;
+  std::array<double, 9> alkanes;
+  std::array<double, 11> alkenes;
+  std::array<double, 10> ring_compounds;
+  std::array<double, 8> others;
+  Options options;
+};
+
+// Statuses: argument_error for an unknown reference, calculation_error for a negative amount, for nothing at all and for a
+// mixture without a gas density, composition_error for a sum that is neither 1 nor 100. A gas outside the range of
+// application is a remark.
+Outcome of_1995(const Gas22& gas, Delivered& result) noexcept;
+Outcome of_1995_all(const Gas55& gas, Delivered& result) noexcept;
+Outcome of_2016(const Gas22& gas, Delivered& result) noexcept;
+Outcome of_2016_all(const Gas60& gas, Delivered& result) noexcept;
+
 // Reference option, temperatures of combustion / metering in degC: 1: 15/15, 2: 0/0, 3: 15/0, 4: 25/0,
-// 5: 20/20, 6: 25/20. Any other option is an unknown reference.
+// 5: 20/20, 6: 25/20. Any other option is an argument_error.
 Result edition_1995(std::span<const double, n_common> x, int reference, MolarMassMethod mass,
                     CalorificMethod method) noexcept;
 Result edition_1995(std::span<const double, n_1995> x, int reference, MolarMassMethod mass,

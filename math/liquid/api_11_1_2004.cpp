@@ -34,10 +34,10 @@ constexpr Data data[] = {
     {{  0.0,      0.0,     0.0      }, -infinity, infinity, -infinity, infinity},  // special: limits on alpha60
     {{341.0957,   0.0,     0.0      },  610.6,    1163.5,    470.5,    1201.8},    // crude oil
     {{  0.0,      0.0,     0.0      },  610.6,    1163.5,    470.4,    1209.5},    // refined: one of the next four
-    {{103.8720,   0.2701,  0.0      },  610.6,    1163.5,    470.4,    1209.5},    // fuel oil
-    {{330.3010,   0.0,     0.0      },  610.6,    1163.5,    470.4,    1209.5},    // jet fuel
-    {{1489.067,   0.0,    -0.0018684},  610.6,    1163.5,    470.4,    1209.5},    // transition zone
     {{192.4571,   0.2438,  0.0      },  610.6,    1163.5,    470.4,    1209.5},    // gasoline
+    {{1489.067,   0.0,    -0.0018684},  610.6,    1163.5,    470.4,    1209.5},    // transition zone
+    {{330.3010,   0.0,     0.0      },  610.6,    1163.5,    470.4,    1209.5},    // jet fuel
+    {{103.8720,   0.2701,  0.0      },  610.6,    1163.5,    470.4,    1209.5},    // fuel oil
     {{  0.0,      0.34878, 0.0      },  800.9,    1163.5,    714.3,    1208.3},    // lubricating oil
 };
 // clang-format on
@@ -139,20 +139,26 @@ double ctl_at(double alpha60, double dt) {
   return elementary::exp(-alpha60 * dt * (1.0 + 0.8 * alpha60 * (dt + delta60)));
 }
 
+Outcome no_factor(const char* which) {
+  return failure(calculation_error, u"the $ is 0, negative or no finite number").naming(which);
+}
+
 Outcome factors_at(const Liquid& liquid, double rho60, const Conditions& at, Factors& out) {
   out.group = group_of(liquid.group, rho60);
   const Constants& k = data[static_cast<std::size_t>(out.group)].k;
   const double inverse = inverse_shifted_density(liquid, k, rho60);
-  if (inverse == 0.0 || !std::isfinite(inverse)) return Outcome::calculation_error;
+  if (inverse == 0.0 || !std::isfinite(inverse)) return no_factor("density at 60 degF");
   out.alpha60 = liquid.group == Group::special ? liquid.alpha60 : (k.k0 * inverse + k.k1) * inverse + k.k2;
   out.ctl = ctl_at(out.alpha60, at.dt);
   out.f = 1e-5 * elementary::exp(at.f_a + at.f_b * inverse * inverse);
-  if (!positive(out.ctl) || !positive(out.f)) return Outcome::calculation_error;
+  if (!positive(out.ctl)) return no_factor("CTL");
+  if (!positive(out.f)) return no_factor("compressibility factor F");
   // Below 1 also beyond the pole f p = 1, which lies far below the density limits.
   out.cpl = 1.0 / (1.0 - out.f * at.p);
   if (out.cpl < 1.0) out.cpl = 1.0;
   out.observed = rho60 * out.ctl * out.cpl;
-  return std::isfinite(out.observed) && out.observed != 0.0 ? Outcome::ok : Outcome::calculation_error;
+  if (!std::isfinite(out.observed) || out.observed == 0.0) return no_factor("observed density");
+  return {};
 }
 
 // D_alpha of 11.1.6.2, which estimates how alpha60 follows the density. Refined products take
@@ -189,12 +195,14 @@ Outcome solve_from(double start, const Liquid& liquid, double observed, const Co
                    Factors& factors, int& steps) {
   rho60 = start;
   steps = 0;
-  if (const Outcome outcome = factors_at(liquid, rho60, at, factors); outcome != Outcome::ok) return outcome;
+  if (const Outcome outcome = factors_at(liquid, rho60, at, factors); !outcome.good()) return outcome;
   while (!(std::fabs(observed - factors.observed) < converged)) {
-    if (steps == most_steps) return Outcome::no_convergence;
+    if (steps == most_steps)
+      return failure(no_convergence, u"the observed density is not met within % kg/m3 in % steps", converged,
+                     most_steps);
     ++steps;
     rho60 = next_density(rho60, observed, factors, at);
-    if (const Outcome outcome = factors_at(liquid, rho60, at, factors); outcome != Outcome::ok) return outcome;
+    if (const Outcome outcome = factors_at(liquid, rho60, at, factors); !outcome.good()) return outcome;
   }
   // From here on each step must bring the result nearer, so that none leads away from a converged one.
   for (int further = 0; further < most_steps; ++further) {
@@ -202,13 +210,13 @@ Outcome solve_from(double start, const Liquid& liquid, double observed, const Co
     if (distance <= settled * observed) break;
     const double nearer_rho60 = next_density(rho60, observed, factors, at);
     Factors nearer;
-    if (factors_at(liquid, nearer_rho60, at, nearer) != Outcome::ok) break;
+    if (!factors_at(liquid, nearer_rho60, at, nearer).good()) break;
     if (!(std::fabs(observed - nearer.observed) < distance)) break;
     ++steps;
     rho60 = nearer_rho60;
     factors = nearer;
   }
-  return Outcome::ok;
+  return {};
 }
 
 bool outside(double value, double low, double high) {
@@ -221,7 +229,7 @@ bool outside(double value, double low, double high) {
 Outcome solve(const Liquid& liquid, double observed, const Conditions& at, double& rho60, Factors& factors,
               int& steps) {
   const Outcome outcome = solve_from(observed, liquid, observed, at, rho60, factors, steps);
-  if (outcome == Outcome::ok) return outcome;
+  if (outcome.good()) return outcome;
   const Data& limits = data[static_cast<std::size_t>(liquid.group)];
   const double start = std::clamp(observed, limits.base_low, limits.base_high);
   if (start == observed || outside(observed, limits.observed_low, limits.observed_high)) return outcome;
@@ -237,10 +245,12 @@ bool out_of_range(const Liquid& liquid, double t, double psig, double observed, 
 }
 
 Outcome check(const Liquid& liquid, double density, double t, double psig) {
-  if (liquid.group > Group::lubricating_oil) return Outcome::argument_error;
+  if (liquid.group < Group::special || liquid.group > Group::lubricating_oil)
+    return failure(argument_error, u"the commodity group must be within % to %", 0, 7);
   const bool finite =
       std::isfinite(density) && std::isfinite(t) && std::isfinite(psig) && std::isfinite(liquid.alpha60);
-  return finite ? Outcome::ok : Outcome::calculation_error;
+  if (!finite) return failure(calculation_error, u"an argument is no finite number");
+  return {};
 }
 
 double rounded(double ctpl, Rounding rounding) { return rounding == Rounding::on ? round_half_away(ctpl, 5) : ctpl; }
@@ -274,67 +284,102 @@ double ipts68_of_its90(double degF) noexcept { return ipts68(degF); }
 Outcome observed_from_base(Liquid liquid, double rho60, double degF, double psig, Rounding rounding,
                            Correction& result) noexcept {
   Outcome outcome = check(liquid, rho60, degF, psig);
-  if (outcome != Outcome::ok) return outcome;
+  if (!outcome.good()) return outcome;
   Factors factors;
   outcome = factors_at(liquid, rho60, conditions(degF, psig), factors);
-  if (outcome != Outcome::ok) return outcome;
+  if (!outcome.good()) return outcome;
   fill(factors, rounding, result);
   result.steps = 0;
   result.base_density = rho60;
   result.observed_density = factors.observed;
   result.out_of_range = out_of_range(liquid, degF, psig, factors.observed, rho60);
-  return Outcome::ok;
+  return {};
 }
 
 Outcome base_from_observed(Liquid liquid, double rho_observed, double degF, double psig, Rounding rounding,
                            Correction& result) noexcept {
   Outcome outcome = check(liquid, rho_observed, degF, psig);
-  if (outcome != Outcome::ok) return outcome;
+  if (!outcome.good()) return outcome;
   Factors factors;
   outcome = solve(liquid, rho_observed, conditions(degF, psig), result.base_density, factors, result.steps);
-  if (outcome != Outcome::ok) return outcome;
+  if (!outcome.good()) return outcome;
   fill(factors, rounding, result);
   result.observed_density = rho_observed;
   result.out_of_range = out_of_range(liquid, degF, psig, rho_observed, result.base_density);
-  return Outcome::ok;
+  return {};
 }
 
 Outcome observed_from_base(Liquid liquid, MetricBase base, double rho_base, double degC, double barg,
                            Rounding rounding, Correction& result) noexcept {
   const double degF = degF_of_degC(degC), psig = psi_of_bar(barg);
   Outcome outcome = check(liquid, rho_base, degF, psig);
-  if (outcome != Outcome::ok) return outcome;
+  if (!outcome.good()) return outcome;
   // The base density counts as observed at the base temperature.
   Factors at_base, factors;
   double rho60;
   outcome = solve(liquid, rho_base, base_conditions[static_cast<std::size_t>(base)], rho60, at_base, result.steps);
-  if (outcome != Outcome::ok) return outcome;
+  if (!outcome.good()) return outcome;
   outcome = factors_at(liquid, rho60, conditions(degF, psig), factors);
-  if (outcome != Outcome::ok) return outcome;
+  if (!outcome.good()) return outcome;
   fill_metric(factors, at_base.ctl, rounding, result);
   result.base_density = rho_base;
   result.observed_density = rho_base * result.ctl * result.cpl;
   result.out_of_range = out_of_range(liquid, degF, psig, result.observed_density, rho60);
-  return positive(result.ctl) && std::isfinite(result.observed_density) ? Outcome::ok : Outcome::calculation_error;
+  if (!positive(result.ctl)) return no_factor("CTL");
+  if (!std::isfinite(result.observed_density)) return no_factor("observed density");
+  return {};
 }
 
 Outcome base_from_observed(Liquid liquid, MetricBase base, double rho_observed, double degC, double barg,
                            Rounding rounding, Correction& result) noexcept {
   const double degF = degF_of_degC(degC), psig = psi_of_bar(barg);
   Outcome outcome = check(liquid, rho_observed, degF, psig);
-  if (outcome != Outcome::ok) return outcome;
+  if (!outcome.good()) return outcome;
   Factors factors;
   double rho60;
   outcome = solve(liquid, rho_observed, conditions(degF, psig), rho60, factors, result.steps);
-  if (outcome != Outcome::ok) return outcome;
+  if (!outcome.good()) return outcome;
   // Same base density, same alpha60: only the temperature is another.
   const double ctl_base = ctl_at(factors.alpha60, base_conditions[static_cast<std::size_t>(base)].dt);
-  if (!positive(ctl_base)) return Outcome::calculation_error;
+  if (!positive(ctl_base)) return no_factor("CTL at the base temperature");
   fill_metric(factors, ctl_base, rounding, result);
   result.base_density = rho60 * ctl_base;
   result.observed_density = rho_observed;
   result.out_of_range = out_of_range(liquid, degF, psig, rho_observed, rho60);
-  return positive(result.ctl) && std::isfinite(result.base_density) ? Outcome::ok : Outcome::calculation_error;
+  if (!positive(result.ctl)) return no_factor("CTL");
+  if (!std::isfinite(result.base_density)) return no_factor("base density");
+  return {};
+}
+
+// ---- The tables --------------------------------------------------------------------------------------------------
+
+namespace {
+
+Rounding rounding_of(const Observation& o) { return o.rounding ? Rounding::on : Rounding::off; }
+
+}  // namespace
+
+Outcome to_60F(const Observation& o, Correction& result) noexcept {
+  return base_from_observed({o.product}, o.density, o.temperature, o.pressure, rounding_of(o), result);
+}
+Outcome from_60F(const Observation& o, Correction& result) noexcept {
+  return observed_from_base({o.product}, o.density, o.temperature, o.pressure, rounding_of(o), result);
+}
+Outcome to_15C(const Observation& o, Correction& result) noexcept {
+  return base_from_observed({o.product}, MetricBase::degC15, o.density, o.temperature, o.pressure, rounding_of(o),
+                            result);
+}
+Outcome from_15C(const Observation& o, Correction& result) noexcept {
+  return observed_from_base({o.product}, MetricBase::degC15, o.density, o.temperature, o.pressure, rounding_of(o),
+                            result);
+}
+Outcome to_20C(const Observation& o, Correction& result) noexcept {
+  return base_from_observed({o.product}, MetricBase::degC20, o.density, o.temperature, o.pressure, rounding_of(o),
+                            result);
+}
+Outcome from_20C(const Observation& o, Correction& result) noexcept {
+  return observed_from_base({o.product}, MetricBase::degC20, o.density, o.temperature, o.pressure, rounding_of(o),
+                            result);
 }
 
 }  // namespace norvane::API_11_1_2004

@@ -10,22 +10,22 @@
 
 #include <cstdint>
 
+#include "core/outcome.h"
+
 namespace norvane::API_11_1_2004 {
 
-// Commodity groups. `special` is a liquid with a known coefficient of thermal expansion; `refined` takes the
-// constants of the refined product that the base density points to.
-enum class Group : std::uint8_t {
+// Commodity groups, by the numbers of the product lists. `special` is a liquid with a known coefficient of thermal
+// expansion; `refined` takes the constants of the refined product that the base density points to.
+enum class Group : int {
   special = 0,
   crude = 1,
   refined = 2,
-  fuel_oil = 3,
-  jet_fuel = 4,
-  transition = 5,
-  gasoline = 6,
+  gasoline = 3,
+  transition = 4,
+  jet_fuel = 5,
+  fuel_oil = 6,
   lubricating_oil = 7
 };
-
-enum class Outcome : std::uint8_t { ok = 0, argument_error = 1, calculation_error = 2, no_convergence = 3 };
 
 // Constants of the correlation alpha60 = K0/rho*^2 + K1/rho* + K2; rho* in kg/m3, alpha60 in 1/degF.
 struct Constants {
@@ -76,7 +76,7 @@ double ipts68_of_its90(double degF) noexcept;
 //
 // Errors: argument_error for a group outside the list; calculation_error for numbers that are not finite, a
 // CTL, F or density that is zero or not finite; no_convergence (base from observed only) when 15 Newton steps
-// do not bring the observed density within 1e-6 kg/m3. The result is valid with `ok` only.
+// do not bring the observed density within 1e-6 kg/m3. The result is valid with success only.
 Outcome observed_from_base(Liquid liquid, double rho60, double degF, double psig, Rounding rounding,
                            Correction& result) noexcept;
 Outcome base_from_observed(Liquid liquid, double rho_observed, double degF, double psig, Rounding rounding,
@@ -87,5 +87,24 @@ Outcome observed_from_base(Liquid liquid, MetricBase base, double rho_base, doub
                            Rounding rounding, Correction& result) noexcept;
 Outcome base_from_observed(Liquid liquid, MetricBase base, double rho_observed, double degC, double barg,
                            Rounding rounding, Correction& result) noexcept;
+
+// ---- The tables --------------------------------------------------------------------------------------------------
+
+// What a table is given. The density is the observed or the base one, temperature and pressure are in the table's units:
+// degF and psi gauge, or degC and bar gauge.
+struct Observation {
+  double density;  // kg/m3
+  double temperature;
+  double pressure;
+  Group product;
+  bool rounding;
+};
+
+Outcome to_60F(const Observation& o, Correction& result) noexcept;    // Tables 5 and 23
+Outcome from_60F(const Observation& o, Correction& result) noexcept;  // Tables 6 and 24
+Outcome to_15C(const Observation& o, Correction& result) noexcept;    // Table 53
+Outcome from_15C(const Observation& o, Correction& result) noexcept;  // Table 54
+Outcome to_20C(const Observation& o, Correction& result) noexcept;    // Table 59
+Outcome from_20C(const Observation& o, Correction& result) noexcept;  // Table 60
 
 }  // namespace norvane::API_11_1_2004

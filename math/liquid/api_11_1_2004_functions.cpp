@@ -1,23 +1,15 @@
-// API MPMS Chapter 11.1:2004: the records of Tables 5, 6, 23, 24, 53, 54, 59 and 60 and their implementations.
+// API MPMS Chapter 11.1:2004: the records of Tables 5, 6, 23, 24, 53, 54, 59 and 60.
 #include <array>
-#include <iterator>
 
-#include "framework/call.h"
-#include "framework/records.h"
+#include "framework/binding.h"
 #include "math/liquid/api_11_1_2004.h"
 
 namespace norvane::functions {
 namespace {
 
 using namespace API_11_1_2004;
-
-// Every table has the same inputs and outputs but for its first value and its units.
-enum class In : std::size_t { name, value, temperature, pressure, product, rounding, count };
-enum class Out : std::size_t { status, value, ctl, cpl, ctpl, k0, k1, k2, alpha, f, product, range, count };
-template <class T>
-using InputRows = std::array<T, static_cast<std::size_t>(In::count)>;
-template <class T>
-using OutputRows = std::array<T, static_cast<std::size_t>(Out::count)>;
+using record::input;
+using record::output;
 
 struct Units {
   std::uint32_t temperature;
@@ -30,180 +22,92 @@ struct Units {
 constexpr Units customary = {unit::degF, -100, 400, unit::psig, -10, 2000, unit::per_degF, unit::per_psi};
 constexpr Units metric = {unit::degC, -100, 200, unit::bar_g, -1, 250, unit::per_degC, unit::per_kPa};
 
-constexpr InputRows<record::Input> inputs_of(const Units& units, double default_temperature,
-                                             const record::Input& value) {
-  using record::input;
-  return {
-      record::name_input(),
-      value,
-      input(u"temperature", u"Temperature", u"Observed temperature.", units.temperature)
-          .within(units.temperature_low, units.temperature_high)
-          .otherwise(default_temperature),
-      input(u"pressure", u"Pressure", u"Observed pressure.", units.pressure)
-          .within(units.pressure_low, units.pressure_high)
-          .otherwise(0),
-      input(u"product", u"Product", u"", enumeration::apiproduct).otherwise(1),
-      input(u"api rnd", u"API Rounding", u"API rounding and truncating.", data_type::boolean).otherwise(false),
-  };
-}
-
-constexpr OutputRows<record::Output> outputs_of(const Units& units, const record::Output& value) {
-  using record::output;
-  return {
-      record::status_output(),
-      value,
-      output(u"ctl", u"CTL", u"Volume correction factor for temperature.", data_type::num, u"CTL"),
-      output(u"cpl", u"CPL", u"Volume correction factor for pressure.", data_type::num, u"CPL"),
-      output(u"ctpl", u"CTPL", u"Combined volume correction factor (CTPL = CTL * CPL).", data_type::num, u"CTPL"),
-      output(u"k0", u"K0", u"Actual value of constant K0 used for CTL calculation.", data_type::num, u"K0"),
-      output(u"k1", u"K1", u"Actual value of constant K1 used for CTL calculation.", data_type::num, u"K1"),
-      output(u"k2", u"K2", u"Actual value of constant K2 used for CTL calculation.", data_type::num, u"K2"),
-      output(u"alpha", u"Thermal Expansion", u"Thermal expansion factor (alpha).", units.alpha, u"ALPHA"),
-      output(u"f", u"Compressibility", u"Compressibility factor (F).", units.f, u"F"),
-      output(
-          u"product", u"",
-          u"When input 'Product' is 'Auto select', then the output is set to the actual selected product of the used "
-          u"table, else the output is set equal to input 'Product'.",
-          enumeration::apiproduct, u"PRDCUR"),
-      output(u"oor", u"Range Status", u"", enumeration::rangestatus, u"OOR"),
-  };
-}
-
 // The first input or output: texts of a quantity, and its ranges and defaults table by table.
 struct Quantity {
   std::u16string_view key, display, description;
   std::uint32_t type;
   std::u16string_view tag;
+  const record::Conversion* to_density = nullptr;
 };
-constexpr Quantity gravity = {u"api gravity", u"API Gravity", u"", data_type::num, u"API"};
-constexpr Quantity gravity_60 = {u"api gravity 60", u"API Gravity @60\u00B0F", u"API gravity at 60 \u00B0F.",
-                                 data_type::num, u"API60"};
+
+constexpr record::Conversion gravity_to_density{[](double api) noexcept { return density_of_gravity(api); },
+                                                [](double rho) noexcept { return gravity_of_density(rho); }};
+constexpr record::Conversion relative_to_density{[](double rd) noexcept { return density_of_relative(rd); },
+                                                 [](double rho) noexcept { return relative_of_density(rho); }};
+constexpr Quantity gravity = {u"api gravity", u"API Gravity", u"", data_type::num, u"API", &gravity_to_density};
+constexpr Quantity gravity_60 = {
+    u"api gravity 60", u"API Gravity @60\u00B0F", u"API gravity at 60 \u00B0F.", data_type::num,
+    u"API60",          &gravity_to_density};
 constexpr Quantity relative = {u"rel density", u"Relative Density", u"Observed relative density.", data_type::num,
-                               u"RD"};
-constexpr Quantity relative_60 = {u"rel density 60", u"Rel. Density @60\u00B0F",
-                                  u"Relative density at 60 \u00B0F and 0 psig.", data_type::num, u"RD60"};
+                               u"RD",          &relative_to_density};
+constexpr Quantity relative_60 = {
+    u"rel density 60", u"Rel. Density @60\u00B0F", u"Relative density at 60 \u00B0F and 0 psig.", data_type::num,
+    u"RD60",           &relative_to_density};
 constexpr Quantity density = {u"density", u"Density", u"Observed density.", unit::kg_m3, u"DENS"};
 constexpr Quantity density_15 = {u"density 15", u"Density @15\u00B0C", u"Density at 15 \u00B0C and 0 bar(g).",
                                  unit::kg_m3, u"DENS15"};
 constexpr Quantity density_20 = {u"density 20", u"Density @20\u00B0C", u"Density at 20 \u00B0C and 0 bar(g).",
                                  unit::kg_m3, u"DENS20"};
 
-constexpr record::Input given(const Quantity& q, double low, double high, double otherwise) {
-  return record::input(q.key, q.display, q.description, q.type).within(low, high).otherwise(otherwise);
+// Every table has the same lines but for its first value and its units.
+// clang-format off
+constexpr std::array<record::Input, 6> inputs_of(const Units& units, double default_temperature, const Quantity& given,
+                                                 double low, double high, double otherwise) {
+  record::Input first = input(given.key, given.display, given.description, given.type).within(low, high).otherwise(otherwise);
+  first.field.conversion = given.to_density;
+  return {
+      record::name_input(),
+      in<&Observation::density>(first),
+      in<&Observation::temperature>(input(u"temperature", u"Temperature", u"Observed temperature.", units.temperature)
+          .within(units.temperature_low, units.temperature_high).otherwise(default_temperature)),
+      in<&Observation::pressure>(input(u"pressure", u"Pressure", u"Observed pressure.", units.pressure)
+          .within(units.pressure_low, units.pressure_high).otherwise(0)),
+      in<&Observation::product>(input(u"product", u"Product", u"", enumeration::apiproduct).otherwise(1)),
+      in<&Observation::rounding>(input(u"api rnd", u"API Rounding", u"API rounding and truncating.", data_type::boolean).otherwise(false)),
+  };
 }
-constexpr record::Output result_of(const Quantity& q) {
-  return record::output(q.key, q.display, q.description, q.type, q.tag);
+
+template <auto density>
+constexpr std::array<record::Output, 12> outputs_of(const Units& units, const Quantity& result) {
+  record::Output first = output(result.key, result.display, result.description, result.type, result.tag);
+  first.field.conversion = result.to_density;
+  return {
+      record::status_output(),
+      out<density>(first),
+      out<&Correction::ctl>(output(u"ctl", u"CTL", u"Volume correction factor for temperature.", data_type::num, u"CTL")),
+      out<&Correction::cpl>(output(u"cpl", u"CPL", u"Volume correction factor for pressure.", data_type::num, u"CPL")),
+      out<&Correction::ctpl>(output(u"ctpl", u"CTPL", u"Combined volume correction factor (CTPL = CTL * CPL).", data_type::num, u"CTPL")),
+      out<&Correction::k, &Constants::k0>(output(u"k0", u"K0", u"Actual value of constant K0 used for CTL calculation.", data_type::num, u"K0")),
+      out<&Correction::k, &Constants::k1>(output(u"k1", u"K1", u"Actual value of constant K1 used for CTL calculation.", data_type::num, u"K1")),
+      out<&Correction::k, &Constants::k2>(output(u"k2", u"K2", u"Actual value of constant K2 used for CTL calculation.", data_type::num, u"K2")),
+      out<&Correction::alpha>(output(u"alpha", u"Thermal Expansion", u"Thermal expansion factor (alpha).", units.alpha, u"ALPHA")),
+      out<&Correction::f>(output(u"f", u"Compressibility", u"Compressibility factor (F).", units.f, u"F")),
+      out<&Correction::group>(output(u"product", u"",
+          u"When input 'Product' is 'Auto select', then the output is set to the actual selected product of the used "
+          u"table, else the output is set equal to input 'Product'.", enumeration::apiproduct, u"PRDCUR")),
+      out<&Correction::out_of_range>(output(u"oor", u"Range Status", u"", enumeration::rangestatus, u"OOR")),
+  };
 }
+// clang-format on
 
 // Units, default temperature; range and default of the first input.
-constexpr auto table5_inputs = inputs_of(customary, 90, given(gravity, -20, 180, 30));
-constexpr auto table6_inputs = inputs_of(customary, 90, given(gravity_60, -20, 120, 30));
-constexpr auto table23_inputs = inputs_of(customary, 90, given(relative, 0, 1.3, 0.9));
-constexpr auto table24_inputs = inputs_of(customary, 90, given(relative_60, 0, 1.3, 0.7));
-constexpr auto table53_inputs = inputs_of(metric, 20, given(density, 0, 1300, 1000));
-constexpr auto table54_inputs = inputs_of(metric, 25, given(density_15, 0, 1300, 1000));
-constexpr auto table59_inputs = inputs_of(metric, 25, given(density, 0, 1300, 1000));
-constexpr auto table60_inputs = inputs_of(metric, 90, given(density_20, 0, 1300, 1000));
+constexpr auto table5_inputs = inputs_of(customary, 90, gravity, -20, 180, 30);
+constexpr auto table6_inputs = inputs_of(customary, 90, gravity_60, -20, 120, 30);
+constexpr auto table23_inputs = inputs_of(customary, 90, relative, 0, 1.3, 0.9);
+constexpr auto table24_inputs = inputs_of(customary, 90, relative_60, 0, 1.3, 0.7);
+constexpr auto table53_inputs = inputs_of(metric, 20, density, 0, 1300, 1000);
+constexpr auto table54_inputs = inputs_of(metric, 25, density_15, 0, 1300, 1000);
+constexpr auto table59_inputs = inputs_of(metric, 25, density, 0, 1300, 1000);
+constexpr auto table60_inputs = inputs_of(metric, 90, density_20, 0, 1300, 1000);
 
-constexpr auto table5_outputs = outputs_of(customary, result_of(gravity_60));
-constexpr auto table6_outputs = outputs_of(customary, result_of(gravity));
-constexpr auto table23_outputs = outputs_of(customary, result_of(relative_60));
-constexpr auto table24_outputs = outputs_of(customary, result_of(relative));
-constexpr auto table53_outputs = outputs_of(metric, result_of(density_15));
-constexpr auto table54_outputs = outputs_of(metric, result_of(density));
-constexpr auto table59_outputs = outputs_of(metric, result_of(density_20));
-constexpr auto table60_outputs = outputs_of(metric, result_of(density));
-
-// Product option to commodity group, and back.
-constexpr Group groups[] = {Group::crude,    Group::refined,  Group::gasoline,       Group::transition,
-                            Group::jet_fuel, Group::fuel_oil, Group::lubricating_oil};
-int product_of(Group group) {
-  for (std::size_t i = 0; i < std::size(groups); ++i) {
-    if (groups[i] == group) return static_cast<int>(i) + 1;
-  }
-  return 0;
-}
-
-struct Observation {
-  Liquid liquid;
-  double value;
-  double temperature;
-  double pressure;
-  Rounding rounding;
-};
-
-// How a table's first input and first output stand for a density, and which way the table goes.
-struct ApiGravity {
-  static double to_density(double api) { return density_of_gravity(api); }
-  static double from_density(double rho) { return gravity_of_density(rho); }
-};
-struct RelativeDensity {
-  static double to_density(double rd) { return density_of_relative(rd); }
-  static double from_density(double rho) { return relative_of_density(rho); }
-};
-struct Density {
-  static double to_density(double rho) { return rho; }
-  static double from_density(double rho) { return rho; }
-};
-struct Base60F {
-  static Outcome to_base(const Observation& o, double rho, Correction& result) {
-    return base_from_observed(o.liquid, rho, o.temperature, o.pressure, o.rounding, result);
-  }
-  static Outcome to_observed(const Observation& o, double rho, Correction& result) {
-    return observed_from_base(o.liquid, rho, o.temperature, o.pressure, o.rounding, result);
-  }
-};
-template <MetricBase base>
-struct BaseMetric {
-  static Outcome to_base(const Observation& o, double rho, Correction& result) {
-    return base_from_observed(o.liquid, base, rho, o.temperature, o.pressure, o.rounding, result);
-  }
-  static Outcome to_observed(const Observation& o, double rho, Correction& result) {
-    return observed_from_base(o.liquid, base, rho, o.temperature, o.pressure, o.rounding, result);
-  }
-};
-enum class Direction { to_base, to_observed };
-
-template <class Value, class Base, Direction direction>
-std::uint32_t run(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
-  Call call(context, args, count, output);
-  Observation observation{};
-  observation.value = call.number(In::value);
-  observation.temperature = call.number(In::temperature);
-  observation.pressure = call.number(In::pressure);
-  const int product = call.option(In::product);
-  observation.rounding = call.boolean(In::rounding) ? Rounding::on : Rounding::off;
-  if (call.failed()) return call.error();
-  if (product < 1 || product > static_cast<int>(std::size(groups))) {
-    return call.status_only(static_cast<int>(Outcome::argument_error));
-  }
-  observation.liquid.group = groups[product - 1];
-
-  const double rho = Value::to_density(observation.value);
-  Correction result;
-  const Outcome outcome = direction == Direction::to_base ? Base::to_base(observation, rho, result)
-                                                          : Base::to_observed(observation, rho, result);
-  if (outcome != Outcome::ok) return call.status_only(static_cast<int>(outcome));
-
-  call.set_integer(Out::status, 0);
-  call.set(Out::value,
-           Value::from_density(direction == Direction::to_base ? result.base_density : result.observed_density));
-  call.set(Out::ctl, result.ctl);
-  call.set(Out::cpl, result.cpl);
-  call.set(Out::ctpl, result.ctpl);
-  call.set(Out::k0, result.k.k0);
-  call.set(Out::k1, result.k.k1);
-  call.set(Out::k2, result.k.k2);
-  call.set(Out::alpha, result.alpha);
-  call.set(Out::f, result.f);
-  call.set_integer(Out::product, product_of(result.group));
-  call.set_integer(Out::range, result.out_of_range ? 1 : 0);
-  return call.done();
-}
-
-constexpr std::u16string_view subcategory = u"API 11.1 (2004)";
-constexpr std::u16string_view customary_words = u"customary,liquid,api";
-constexpr std::u16string_view metric_words = u"metric,liquid,api";
+constexpr auto table5_outputs = outputs_of<&Correction::base_density>(customary, gravity_60);
+constexpr auto table6_outputs = outputs_of<&Correction::observed_density>(customary, gravity);
+constexpr auto table23_outputs = outputs_of<&Correction::base_density>(customary, relative_60);
+constexpr auto table24_outputs = outputs_of<&Correction::observed_density>(customary, relative);
+constexpr auto table53_outputs = outputs_of<&Correction::base_density>(metric, density_15);
+constexpr auto table54_outputs = outputs_of<&Correction::observed_density>(metric, density);
+constexpr auto table59_outputs = outputs_of<&Correction::base_density>(metric, density_20);
+constexpr auto table60_outputs = outputs_of<&Correction::observed_density>(metric, density);
 
 // Notes for the reference, by direction and base.
 // clang-format off
@@ -246,128 +150,76 @@ constexpr std::u16string_view notes_from_metric =
 #undef NOTES_SECOND_SOLUTION
 #undef NOTES_METRIC
 
+constexpr record::Function table(std::u16string_view id, std::u16string_view display, std::u16string_view description,
+                                 std::u16string_view keywords, std::span<const record::Input> inputs,
+                                 std::span<const record::Output> outputs, const record::Binding& binding,
+                                 std::u16string_view notes) {
+  return {.id = id,
+          .display = display,
+          .description = description,
+          .subcategory = u"API 11.1 (2004)",
+          .keywords = keywords,
+          .name_input = 0,
+          .inputs = inputs,
+          .outputs = outputs,
+          .binding = &binding,
+          .notes = notes};
+}
+constexpr std::u16string_view customary_words = u"customary,liquid,api";
+constexpr std::u16string_view metric_words = u"metric,liquid,api";
+
 }  // namespace
 
-extern const record::Function API_Table5_2004;
-extern const record::Function API_Table6_2004;
-extern const record::Function API_Table23_2004;
-extern const record::Function API_Table24_2004;
-extern const record::Function API_Table53_2004;
-extern const record::Function API_Table54_2004;
-extern const record::Function API_Table59_2004;
-extern const record::Function API_Table60_2004;
+extern const record::Function API_Table5_2004, API_Table6_2004, API_Table23_2004, API_Table24_2004, API_Table53_2004,
+    API_Table54_2004, API_Table59_2004, API_Table60_2004;
 
-const record::Function API_Table5_2004 = {
-    .id = u"API_Table5_2004",
-    .display = u"API Table-5 (2004)",
-    .description =
-        u"API Gravity at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, typically 0 psig) according to "
-        u"API MPMS Chapter 11.1:2004 Table 5.",
-    .subcategory = subcategory,
-    .keywords = customary_words,
-    .name_input = 0,
-    .inputs = table5_inputs,
-    .outputs = table5_outputs,
-    .implementation = run<ApiGravity, Base60F, Direction::to_base>,
-    .notes = notes_to_60F};
+const record::Function API_Table5_2004 =
+    table(u"API_Table5_2004", u"API Table-5 (2004)",
+          u"API Gravity at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, typically 0 psig) according to "
+          u"API MPMS Chapter 11.1:2004 Table 5.",
+          customary_words, table5_inputs, table5_outputs, bound<to_60F>, notes_to_60F);
 
-const record::Function API_Table6_2004 = {
-    .id = u"API_Table6_2004",
-    .display = u"API Table-6 (2004)",
-    .description =
-        u"CTL (Correction Factor for Temperature) at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, "
-        u"typically 0 psig) according to API MPMS Chapter 11.1:2004 Table 6.",
-    .subcategory = subcategory,
-    .keywords = customary_words,
-    .name_input = 0,
-    .inputs = table6_inputs,
-    .outputs = table6_outputs,
-    .implementation = run<ApiGravity, Base60F, Direction::to_observed>,
-    .notes = notes_from_60F};
+const record::Function API_Table6_2004 =
+    table(u"API_Table6_2004", u"API Table-6 (2004)",
+          u"CTL (Correction Factor for Temperature) at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, "
+          u"typically 0 psig) according to API MPMS Chapter 11.1:2004 Table 6.",
+          customary_words, table6_inputs, table6_outputs, bound<from_60F>, notes_from_60F);
 
-const record::Function API_Table23_2004 = {
-    .id = u"API_Table23_2004",
-    .display = u"API Table-23 (2004)",
-    .description =
-        u"Relative Density at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, typically 0 psig) "
-        u"according to API MPMS Chapter 11.1:2004 Table 23.",
-    .subcategory = subcategory,
-    .keywords = customary_words,
-    .name_input = 0,
-    .inputs = table23_inputs,
-    .outputs = table23_outputs,
-    .implementation = run<RelativeDensity, Base60F, Direction::to_base>,
-    .notes = notes_to_60F};
+const record::Function API_Table23_2004 =
+    table(u"API_Table23_2004", u"API Table-23 (2004)",
+          u"Relative Density at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, typically 0 psig) "
+          u"according to API MPMS Chapter 11.1:2004 Table 23.",
+          customary_words, table23_inputs, table23_outputs, bound<to_60F>, notes_to_60F);
 
-const record::Function API_Table24_2004 = {
-    .id = u"API_Table24_2004",
-    .display = u"API Table-24 (2004)",
-    .description =
-        u"CTL (Correction Factor for Temperature) at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, "
-        u"typically 0 psig) according to API MPMS Chapter 11.1:2004 Table 24.",
-    .subcategory = subcategory,
-    .keywords = customary_words,
-    .name_input = 0,
-    .inputs = table24_inputs,
-    .outputs = table24_outputs,
-    .implementation = run<RelativeDensity, Base60F, Direction::to_observed>,
-    .notes = notes_from_60F};
+const record::Function API_Table24_2004 =
+    table(u"API_Table24_2004", u"API Table-24 (2004)",
+          u"CTL (Correction Factor for Temperature) at 60 \u00B0F and EVP (Equilibrium Vapor Pressure, "
+          u"typically 0 psig) according to API MPMS Chapter 11.1:2004 Table 24.",
+          customary_words, table24_inputs, table24_outputs, bound<from_60F>, notes_from_60F);
 
-const record::Function API_Table53_2004 = {
-    .id = u"API_Table53_2004",
-    .display = u"API Table-53 (2004)",
-    .description =
-        u"Density at 15 \u00B0C and EVP (Equilibrium Vapor Pressure, typically 0 bar(g)) according to "
-        u"API MPMS Chapter 11.1:2004 Table 53.",
-    .subcategory = subcategory,
-    .keywords = metric_words,
-    .name_input = 0,
-    .inputs = table53_inputs,
-    .outputs = table53_outputs,
-    .implementation = run<Density, BaseMetric<MetricBase::degC15>, Direction::to_base>,
-    .notes = notes_to_metric};
+const record::Function API_Table53_2004 =
+    table(u"API_Table53_2004", u"API Table-53 (2004)",
+          u"Density at 15 \u00B0C and EVP (Equilibrium Vapor Pressure, typically 0 bar(g)) according to "
+          u"API MPMS Chapter 11.1:2004 Table 53.",
+          metric_words, table53_inputs, table53_outputs, bound<to_15C>, notes_to_metric);
 
-const record::Function API_Table54_2004 = {
-    .id = u"API_Table54_2004",
-    .display = u"API Table-54 (2004)",
-    .description =
-        u"CTL (Correction Factor for Temperature) at 15 \u00B0C and EVP (Equilibrium Vapor Pressure, "
-        u"typically 0 bar(g)) according to API MPMS Chapter 11.1:2004 Table 54.",
-    .subcategory = subcategory,
-    .keywords = metric_words,
-    .name_input = 0,
-    .inputs = table54_inputs,
-    .outputs = table54_outputs,
-    .implementation = run<Density, BaseMetric<MetricBase::degC15>, Direction::to_observed>,
-    .notes = notes_from_metric};
+const record::Function API_Table54_2004 =
+    table(u"API_Table54_2004", u"API Table-54 (2004)",
+          u"CTL (Correction Factor for Temperature) at 15 \u00B0C and EVP (Equilibrium Vapor Pressure, "
+          u"typically 0 bar(g)) according to API MPMS Chapter 11.1:2004 Table 54.",
+          metric_words, table54_inputs, table54_outputs, bound<from_15C>, notes_from_metric);
 
 // "psig" in a metric table is the established text.
-const record::Function API_Table59_2004 = {
-    .id = u"API_Table59_2004",
-    .display = u"API Table-59 (2004)",
-    .description =
-        u"Density at 20 \u00B0C and EVP (Equilibrium Vapor Pressure, typically 0 psig) according to "
-        u"API MPMS Chapter 11.1:2004 Table 59.",
-    .subcategory = subcategory,
-    .keywords = metric_words,
-    .name_input = 0,
-    .inputs = table59_inputs,
-    .outputs = table59_outputs,
-    .implementation = run<Density, BaseMetric<MetricBase::degC20>, Direction::to_base>,
-    .notes = notes_to_metric};
+const record::Function API_Table59_2004 =
+    table(u"API_Table59_2004", u"API Table-59 (2004)",
+          u"Density at 20 \u00B0C and EVP (Equilibrium Vapor Pressure, typically 0 psig) according to "
+          u"API MPMS Chapter 11.1:2004 Table 59.",
+          metric_words, table59_inputs, table59_outputs, bound<to_20C>, notes_to_metric);
 
-const record::Function API_Table60_2004 = {
-    .id = u"API_Table60_2004",
-    .display = u"API Table-60 (2004)",
-    .description =
-        u"CTL (Correction Factor for Temperature) at 20 \u00B0C and EVP (Equilibrium Vapor Pressure, "
-        u"typically 0 bar(g)) according to API MPMS Chapter 11.1:2004 Table 60.",
-    .subcategory = subcategory,
-    .keywords = metric_words,
-    .name_input = 0,
-    .inputs = table60_inputs,
-    .outputs = table60_outputs,
-    .implementation = run<Density, BaseMetric<MetricBase::degC20>, Direction::to_observed>,
-    .notes = notes_from_metric};
+const record::Function API_Table60_2004 =
+    table(u"API_Table60_2004", u"API Table-60 (2004)",
+          u"CTL (Correction Factor for Temperature) at 20 \u00B0C and EVP (Equilibrium Vapor Pressure, "
+          u"typically 0 bar(g)) according to API MPMS Chapter 11.1:2004 Table 60.",
+          metric_words, table60_inputs, table60_outputs, bound<from_20C>, notes_from_metric);
 
 }  // namespace norvane::functions
