@@ -41,7 +41,7 @@ BENCHMARK_CAPTURE(aga10, call_extended_mode_2, u"AGA10ex_M", 2);
 
 AGA8::Composition fractions_of_gas() {
   AGA8::Composition x{};
-  AGA8::prepare(gas(0.0), AGA8::add_to_i_pentane, x);
+  (void)composition::prepare(gas(0.0), composition::add_to_i_pentane, AGA8::composition_error, x);
   return x;
 }
 

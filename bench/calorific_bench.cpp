@@ -75,7 +75,9 @@ void Gpa2172(benchmark::State& state) {
   auto x = gas;
   for (auto _ : state) {
     benchmark::DoNotOptimize(x);
-    benchmark::DoNotOptimize(GPA2172::calculate(x, GPA2172::Units::metric, 4, GPA2172::NeoPentane::to_n_pentane));
+    GPA2172::Result result;
+    benchmark::DoNotOptimize(GPA2172::metric({x, 4, GPA2172::NeoPentane::to_n_pentane}, result));
+    benchmark::DoNotOptimize(result);
   }
 }
 BENCHMARK(Gpa2172);
@@ -84,7 +86,9 @@ void Aga5(benchmark::State& state) {
   auto x = gas;
   for (auto _ : state) {
     benchmark::DoNotOptimize(x);
-    benchmark::DoNotOptimize(AGA5::calculate(x, 0.65));
+    AGA5::Result result{};
+    benchmark::DoNotOptimize(AGA5::calculate({x, 0.65}, result));
+    benchmark::DoNotOptimize(result);
   }
 }
 BENCHMARK(Aga5);

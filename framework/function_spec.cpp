@@ -112,6 +112,7 @@ void make_ready(Function_CInput& input) {
 
 }  // namespace
 
+Function_CFunctionSpec::Function_CFunctionSpec(Function_CFunctionSpec&&) noexcept = default;
 Function_CFunctionSpec::~Function_CFunctionSpec() = default;
 
 // Option codes stand behind the text, each after a semicolon and a blank.

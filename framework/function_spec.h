@@ -117,6 +117,7 @@ class Function_CFunctionSpec {
                          std::u16string_view category, std::uint32_t flags, std::size_t input_count,
                          std::size_t output_count);
   explicit Function_CFunctionSpec(const record::Function& record);
+  Function_CFunctionSpec(Function_CFunctionSpec&&) noexcept;
   ~Function_CFunctionSpec();
 
   // Allocates the status-value records of one output in their initial state.
