@@ -1,13 +1,7 @@
 // AGA Report No. 10 (2003).
 //
-//   ar      residual Helmholtz energy over R T; its reduced derivatives are those of AGA8::Residual
-//   Z       = 1 + d                                    dp/drho = R T (1 + 2 d + dd)
-//   dp/dT   = rho R (1 + d + dt)                       h       = h0 + R T (d - t)
-//   s       = s0 - R sum x ln x - R ln(rho R T/p_ref) - R (ar + t)
-//   cv      = cp0 - R - R (2 t + tt)                   cp      = cv + T (dp/dT)^2 / (rho^2 dp/drho)
-//   w^2     = (cp/cv) (dp/drho) / M                    kappa   = w^2 M / (Z R T)
-//
-// The report integrates cv, h and s over density numerically; these are the closed forms of the integrals.
+// The report integrates cv, h and s over density numerically; math/common/helmholtz.h has the closed forms of the
+// integrals.
 
 #include "math/gas/aga10.h"
 
@@ -31,8 +25,8 @@ constexpr double air_virial(double T) { return -0.12527 + 5.91e-4 * T - 6.62e-7 
 
 }  // namespace
 
-IdealMixture ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy) noexcept {
-  IdealMixture sum;
+helmholtz::IdealGas ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy) noexcept {
+  helmholtz::IdealGas sum;
   const double inverse_T = 1.0 / T;
   const double log_T = entropy == Entropy::include ? elementary::log(T) : 0.0;
   for (std::size_t i = 0; i < AGA8::component_count; ++i) {
@@ -67,24 +61,10 @@ IdealMixture ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy
 
 MolarState state(const AGA8::Mixture& mixture, const AGA8::Composition& x, double T, double rho,
                  Entropy entropy) noexcept {
-  const AGA8::Residual r = AGA8::residual(mixture, T, rho);
-  MolarState now{};
-  now.T = T;
-  now.rho = rho;
-  now.z = 1.0 + r.d;
-  now.dp_dT = 1.0 + r.d + r.dt;
-  now.dp_drho = 1.0 + 2.0 * r.d + r.dd;
-  now.ideal = ideal_mixture(x, T, entropy);
-  now.cv = now.ideal.cp - R - R * (2.0 * r.t + r.tt);
-  now.cp = now.cv + R * now.dp_dT * now.dp_dT / now.dp_drho;
-  now.h = now.ideal.h + R * T * (r.d - r.t);
-  now.M_w2 = now.cp / now.cv * R * T * now.dp_drho;
-  if (entropy == Entropy::include) {
-    double mixing = 0.0;
-    for (double fraction : x)
-      if (fraction > 0.0) mixing += fraction * elementary::log(fraction);
-    now.s = now.ideal.s - R * (mixing + elementary::log(rho * R * T / p_reference) + r.ar + r.t);
-  }
+  const helmholtz::Residual r = AGA8::residual(mixture, T, rho);
+  MolarState now = helmholtz::state(R, T, rho, r, ideal_mixture(x, T, entropy));
+  if (entropy == Entropy::include)
+    now.s = helmholtz::entropy(R, T, rho, r, now.ideal.s, helmholtz::mixing(x), p_reference);
   return now;
 }
 
@@ -203,7 +183,7 @@ Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Co
   if ((need & caloric) != 0) {
     s = state(mixture, x, flowing.T, f.rho, (need & with_entropy) != 0 ? Entropy::include : Entropy::leave_out);
     if (!stable(s)) return unstable;
-    kappa = s.M_w2 / (s.z * R * s.T);
+    kappa = helmholtz::kappa(R, s);
   }
   double critical_flow = 0.0;
   if ((need & nozzle) != 0) {

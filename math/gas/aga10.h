@@ -62,27 +62,12 @@ enum Result : int {
 Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base,
                  std::span<const Property> requested, Properties& values) noexcept;
 
-// Ideal-gas mixture at a temperature T [K]: heat capacity cp [J/(mol K)], enthalpy h [J/mol] and entropy s
-// [J/(mol K)] at 101.325 kPa, without the entropy of mixing.
-struct IdealMixture {
-  double cp = 0.0, h = 0.0, s = 0.0;
-};
+// Ideal-gas mixture at a temperature T [K]; its entropy is that at 101.325 kPa, without the entropy of mixing.
 enum class Entropy { leave_out, include };  // leaving it out saves the logarithms
-IdealMixture ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy) noexcept;
+helmholtz::IdealGas ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy) noexcept;
 
-// The state of a mixture at a temperature and density, per mole.
-struct MolarState {
-  double T;    // [K]
-  double rho;  // [kmol/m3]
-  double z;
-  double dp_dT;    // (dp/dT)_rho / (rho R)
-  double dp_drho;  // (dp/drho)_T / (R T)
-  double cp, cv;   // [J/(mol K)]
-  double h;        // [J/mol]
-  double s;        // [J/(mol K)], 0 when entropy is left out
-  double M_w2;     // molar mass times the square of the speed of sound [J/mol]
-  IdealMixture ideal;
-};
+// The state of a mixture at a temperature T [K] and density rho [kmol/m3], per mole.
+using MolarState = helmholtz::State;
 MolarState state(const AGA8::Mixture& mixture, const AGA8::Composition& x, double T, double rho,
                  Entropy entropy) noexcept;
 

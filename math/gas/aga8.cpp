@@ -25,6 +25,7 @@
 #include <utility>
 
 #include "core/elementary.h"
+#include "math/common/root.h"
 
 namespace norvane::AGA8 {
 namespace {
@@ -268,9 +269,10 @@ void Isotherm::set(const Mixture& mixture, double temperature) noexcept {
   T = temperature;
   RT = R * T;
   K3 = mixture.K3;
-  // Far above the mixture's own temperature the equation stays well-behaved to much greater densities.
+  // Above the critical temperature the equation stays well-behaved to much greater densities.
+  constexpr double critical = 1.2593;  // critical temperature over energy parameter, as methane has it
   max_density = 1.0 / K3;
-  if (T > 1.2593 * mixture.U) max_density *= 20.0;
+  if (T > critical * mixture.U) max_density *= 20.0;
 
   const Powers t = powers(1.0 / T, T);
   B = 0.0;
@@ -329,121 +331,23 @@ double Isotherm::pressure(double rho) const noexcept {
   return rho * RT * (1.0 + (rho * B - r * linear) + sum);
 }
 
-namespace {
-
-// ---- Density from pressure: bracket, then Brent's method ---------------------------------------------------------
-
-constexpr int max_bracket_steps = 300;
-constexpr int max_brent_steps = 250;
-constexpr double machine_tolerance = 3e-13;  // smallest relative step
-constexpr double tolerance = 1e-11;          // of pressure and of density
-
-// A density and how far the pressure there lies above the one sought.
-struct Point {
-  double rho;
-  double f;
-};
-
-// Marches upward from the ideal-gas density until the pressure exceeds p. The first point above p ends the
-// march; a pressure that does not rise, as behind a vapour's stability limit, is a failure.
-bool bracket(const Isotherm& isotherm, double p, Point& low, Point& high) noexcept {
-  const double ideal = p / isotherm.RT;
-  const double v = isotherm.RT / p;
-  double rho = 0.167 * v > std::fabs(isotherm.B) ? 0.95 / (v + isotherm.B) : 1.15 / v;
-  double step = rho / 20.0;
-  double previous = 0.0;
-  double previous_pressure = 0.0;
-  bool clipped = false;
-  for (int i = 0; i < max_bracket_steps; ++i) {
-    if (rho > isotherm.max_density && !clipped) {
-      step = (isotherm.max_density - previous) * 0.01 + ideal / 20.0;
-      rho = previous + step;
-      clipped = true;
-      continue;
-    }
-    const double pressure = isotherm.pressure(rho);
-    if (pressure > p) {
-      low = {previous, previous_pressure - p};
-      high = {rho, pressure - p};
-      return true;
-    }
-    if (!(pressure > previous_pressure)) return false;
-    previous = rho;
-    previous_pressure = pressure;
-    if (!clipped) step *= 2.0;
-    rho += step;
-  }
-  return false;
-}
-
-// `best` is the newest and best point, `last` the one before, `other` lies on the far side of the root.
-bool brent(const Isotherm& isotherm, double p, Point last, Point best, double& rho) noexcept {
-  Point other = last;
-  double step = best.rho - last.rho;
-  double earlier_step = step;
-  for (int i = 0; i < max_brent_steps; ++i) {
-    if ((best.f > 0.0) == (other.f > 0.0)) {
-      other = last;
-      step = earlier_step = best.rho - last.rho;
-    }
-    if (std::fabs(other.f) < std::fabs(best.f)) {
-      last = best;
-      best = other;
-      other = last;
-    }
-    const double smallest_step = machine_tolerance * std::fabs(best.rho);
-    const double half = 0.5 * (other.rho - best.rho);
-    bool bisect = true;
-    if (std::fabs(earlier_step) >= smallest_step && std::fabs(last.f) > std::fabs(best.f)) {
-      // Secant through two points, or inverse quadratic through three: step = numerator / denominator.
-      const double s = best.f / last.f;
-      double numerator, denominator;
-      if (last.rho == other.rho) {
-        numerator = 2.0 * half * s;
-        denominator = 1.0 - s;
-      } else {
-        const double q = last.f / other.f;
-        const double t = best.f / other.f;
-        numerator = s * (2.0 * half * q * (q - t) - (best.rho - last.rho) * (t - 1.0));
-        denominator = (q - 1.0) * (t - 1.0) * (s - 1.0);
-      }
-      if (numerator > 0.0) {
-        denominator = -denominator;
-      } else {
-        numerator = -numerator;
-      }
-      // Only a step that stays well inside the bracket and at least halves the one before last is taken.
-      if (2.0 * numerator < std::min(3.0 * half * denominator - std::fabs(smallest_step * denominator),
-                                     std::fabs(earlier_step * denominator))) {
-        earlier_step = step;
-        step = numerator / denominator;
-        bisect = false;
-      }
-    }
-    if (bisect) step = earlier_step = half;
-    if (std::fabs(best.f) < tolerance * p || std::fabs(step) < tolerance * std::fabs(best.rho)) {
-      // The step refines a point that is good already; half of a wide bracket would leave it.
-      const bool leaves = bisect && std::fabs(step) >= tolerance * std::fabs(best.rho);
-      rho = leaves ? best.rho : best.rho + step;
-      return true;
-    }
-    if (std::fabs(step) < smallest_step) step = std::copysign(1.0000009 * smallest_step, step);
-    last = best;
-    best.rho += step;
-    best.f = isotherm.pressure(best.rho) - p;
-  }
-  return false;
-}
-
-}  // namespace
-
 bool Isotherm::density(double p, double& rho) const noexcept {
   if (!(p > 0.0)) return false;  // no gas without pressure; the ideal volume would be infinite
-  Point low{}, high{};
-  return bracket(*this, p, low, high) && brent(*this, p, low, high, rho);
+  // The report's start. Where the second virial coefficient is a small correction of the ideal volume, a little below
+  // the density that both make, so that the march meets the root from below; else a little above the ideal density.
+  constexpr double small_virial = 0.167, below = 0.95, above = 1.15;
+  constexpr double first_step = 20.0;  // a clipped step is at least a twentieth of the ideal density
+  constexpr double tolerance = 1e-11;  // of the pressure
+  const double ideal = p / RT;
+  const double v = RT / p;
+  const double start = small_virial * v > std::fabs(B) ? below / (v + B) : above / v;
+  root::Point low{}, high{};
+  return root::bracket([this](double x) { return pressure(x); }, p, {start, max_density, ideal / first_step}, low,
+                       high) &&
+         root::brent([this, p](double x) { return pressure(x) - p; }, low, high, {.f = tolerance * p}, rho);
 }
 
-Residual residual(const Mixture& mixture, double T, double rho) noexcept {
+helmholtz::Residual residual(const Mixture& mixture, double T, double rho) noexcept {
   const Powers t = powers(1.0 / T, T);
   // Sums of C, u C and u (u+1) C: the value and its first and second temperature derivatives.
   double B = 0.0, uB = 0.0, uuB = 0.0;
@@ -480,7 +384,7 @@ Residual residual(const Mixture& mixture, double T, double rho) noexcept {
   const double r = mixture.K3 * rho;
   const double r2 = r * r, r3 = r2 * r, r4 = r2 * r2;
   const auto e = elementary::exp4({-r, -r2, -r3, -r4});
-  Residual sum{};
+  helmholtz::Residual sum{};
   // A group of equal k: v = C r^b exp(-q/k) with q = k r^k. rho v_rho = v (b - q), and
   // rho^2 v_rhorho = v ((b - q)^2 - (b - q) - k q).
   const auto add = [&sum](double k, double q, double exponential, double v, double bv, double bbv, double uv,
@@ -488,9 +392,9 @@ Residual residual(const Mixture& mixture, double T, double rho) noexcept {
     sum.ar += exponential * v;
     sum.d += exponential * (bv - q * v);
     sum.dd += exponential * (bbv - (2.0 * q + 1.0) * bv + (q * q + q - k * q) * v);
-    sum.t -= exponential * uv;
+    sum.t += exponential * uv;
     sum.tt += exponential * uuv;
-    sum.dt -= exponential * (buv - q * uv);
+    sum.dt += exponential * (buv - q * uv);
   };
   const Groups v = groups(c, r), bv = groups(bc, r), bbv = groups(bbc, r);
   const Groups uv = groups(uc, r), buv = groups(buc, r), uuv = groups(uuc, r);
@@ -505,96 +409,11 @@ Residual residual(const Mixture& mixture, double T, double rho) noexcept {
   const double u_first = rho * uB - r * u_linear;
   sum.ar += first;
   sum.d += first;
-  sum.t -= u_first;
+  sum.t += u_first;
   sum.tt += rho * uuB - r * uu_linear;
-  sum.dt -= u_first;
+  sum.dt += u_first;
+  sum.tt -= 2.0 * sum.t;  // T^2 d2/dT2 = tau^2 d2/dtau2 + 2 tau d/dtau
   return sum;
-}
-
-// ---- Composition and range rules ---------------------------------------------------------------------------------
-
-int composition_range_1994(const Composition& x) noexcept {
-  const double butanes = x[i_butane] + x[n_butane];
-  const double pentanes = x[i_pentane] + x[n_pentane];
-  const bool beyond = x[methane] > 1.0 || x[nitrogen] > 1.0 || x[carbon_dioxide] > 1.0 || x[ethane] > 1.0 ||
-                      x[hydrogen] > 1.0 || x[hydrogen_sulfide] > 1.0 || x[propane] > 0.12 || butanes > 0.06 ||
-                      pentanes > 0.04 || x[helium] > 0.03 || x[carbon_monoxide] > 0.03 || x[argon] > 0.01 ||
-                      x[oxygen] > 0.21;
-  if (beyond) return 2;
-  // Hexanes and heavier count one by one, not as a sum.
-  const bool heavy = x[n_hexane] <= 0.002 && x[n_heptane] <= 0.002 && x[n_octane] <= 0.002 && x[n_nonane] <= 0.002 &&
-                     x[n_decane] <= 0.002;
-  const bool normal = x[methane] >= 0.45 && x[methane] <= 1.0 && x[ethane] <= 0.1 && x[propane] <= 0.04 &&
-                      butanes <= 0.01 && pentanes <= 0.003 && heavy && x[carbon_monoxide] <= 0.03 &&
-                      x[carbon_dioxide] <= 0.3 && x[nitrogen] <= 0.5 && x[helium] <= 0.002 && x[argon] == 0.0 &&
-                      x[oxygen] == 0.0 && x[hydrogen_sulfide] <= 0.0002 && x[hydrogen] <= 0.1 && x[water] <= 0.0005;
-  return normal ? 0 : 1;
-}
-
-int state_limits_1994(double t, double p) noexcept {
-  return t >= -129.0 && t <= 204.0 && p >= 0.0 && p <= 137.9 ? 0 : 2;
-}
-
-int state_range_1994(double t, double p) noexcept {
-  if (state_limits_1994(t, p) != 0) return 2;
-  return t >= -8.0 && t <= 62.0 && p <= 12.0 ? 0 : 1;
-}
-
-namespace {
-
-// Regions of the 2017 edition. The limits are upper ones, in the order of the components; the lower one is 0.
-struct Region {
-  double minimum_t;  // [degC]
-  double maximum_p;  // [MPa]
-  Composition limit;
-};
-// clang-format off
-//   methane, nitrogen, carbon dioxide, ethane, propane, water, hydrogen sulfide, hydrogen, carbon monoxide, oxygen,
-//   i-butane, n-butane, i-pentane, n-pentane, n-hexane, n-heptane, n-octane, n-nonane, n-decane, helium, argon
-constexpr Region region_a{-4.0, 10.3,  // the carbon dioxide limit depends on the other components, see below
-    {1.0, 0.5, 0.3, 0.1, 0.04, 0.0005, 0.001, 0.05, 0.01, 0.002,
-     0.004, 0.006, 0.003, 0.003, 0.0012, 0.0004, 0.0003, 0.0003, 0.0003, 0.004, 0.002}};
-constexpr Region region_b{-4.0, 2.1,
-    {1.0, 0.5, 0.8, 0.25, 0.06, 0.014, 0.04, 1.0, 0.1, 0.01,
-     0.015, 0.06, 0.02, 0.02, 0.002, 0.002, 0.002, 0.002, 0.002, 0.05, 0.03}};
-constexpr Region region_c{-8.0, 21.0,
-    {1.0, 0.03, 0.03, 0.04, 0.02, 0.00005, 0.001, 0.01, 0.01, 0.002,
-     0.001, 0.004, 0.001, 0.001, 0.0003, 0.0001, 0.00003, 0.00003, 0.00003, 0.004, 0.002}};
-// clang-format on
-
-bool within(const Region& region, const Composition& x, double t, double p) noexcept {
-  if (!(t >= region.minimum_t && p <= region.maximum_p)) return false;
-  for (std::size_t i = 0; i < component_count; ++i)
-    if (!(x[i] >= 0.0 && x[i] <= region.limit[i])) return false;
-  return true;
-}
-
-// Carbon dioxide limit of region A: the heavier the rest of the gas, the less of it.
-double carbon_dioxide_limit(const Composition& x) noexcept {
-  if (x[propane] > 0.02) return 5.0 / 100.0;
-  if (x[propane] > 0.01) return 7.0 / 100.0;
-  if (x[i_butane] > 0.001) return 10.0 / 100.0;
-  if (x[n_butane] > 0.003) return 10.0 / 100.0;
-  if (x[nitrogen] > 0.15) return 10.0 / 100.0;
-  if (x[nitrogen] > 0.07) return 20.0 / 100.0;
-  return 30.0 / 100.0;
-}
-
-bool within_region_a(const Composition& x, double t, double p) noexcept {
-  const double heptanes_plus = x[n_heptane] + x[n_octane] + x[n_nonane] + x[n_decane];
-  return within(region_a, x, t, p) && x[carbon_dioxide] <= carbon_dioxide_limit(x) &&
-         x[i_pentane] + x[n_pentane] <= 0.003 && x[n_hexane] + heptanes_plus <= 0.0015 && heptanes_plus <= 0.0004;
-}
-
-bool within_region_b(const Composition& x, double t, double p) noexcept {
-  return within(region_b, x, t, p) && x[i_pentane] + x[n_pentane] <= 0.02;
-}
-
-}  // namespace
-
-int range_2017(const Composition& x, double t, double p) noexcept {
-  if (!(t >= -130.0 && t <= 180.0 && p >= 0.0 && p <= 280.0)) return 2;
-  return within_region_a(x, t, p) || within_region_b(x, t, p) || within(region_c, x, t, p) ? 0 : 1;
 }
 
 // ---- The calculation with its memory -----------------------------------------------------------------------------

@@ -10,6 +10,7 @@
 
 #include "core/outcome.h"
 #include "math/common/composition.h"
+#include "math/common/helmholtz.h"
 #include "math/gas/aga8_table.h"
 
 namespace norvane::AGA8 {
@@ -93,16 +94,8 @@ struct Isotherm {
   bool density(double p, double& rho) const noexcept;
 };
 
-// Residual Helmholtz energy ar = a_r/(R T) at a temperature and density, and its reduced derivatives.
-struct Residual {
-  double ar;  // a_r/(R T)
-  double d;   // rho d(ar)/d(rho)
-  double dd;  // rho^2 d2(ar)/d(rho)2
-  double t;   // T d(ar)/dT
-  double tt;  // T^2 d2(ar)/dT2
-  double dt;  // rho T d2(ar)/(d(rho) dT)
-};
-Residual residual(const Mixture& mixture, double T, double rho) noexcept;
+// Residual Helmholtz energy and its derivatives at a temperature [K] and molar density [kmol/m3].
+helmholtz::Residual residual(const Mixture& mixture, double T, double rho) noexcept;
 
 struct State {
   double z = 0.0;              // compressibility factor
