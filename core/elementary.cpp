@@ -178,7 +178,7 @@ double pow_special(double x, double y) noexcept {
 
 }  // namespace
 
-double exp(double x) noexcept { return exp_beyond(x, 0.0); }
+double exp(double x) noexcept { return magnitude(x) < plain ? exp_plain(x, 0.0) : exp_beyond(x, 0.0); }
 
 std::array<double, 4> exp4(const std::array<double, 4>& x) noexcept {
   if (!(magnitude(x[0]) < plain && magnitude(x[1]) < plain && magnitude(x[2]) < plain && magnitude(x[3]) < plain))

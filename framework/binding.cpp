@@ -119,11 +119,26 @@ void explain(Call& call, const Function_CFunctionSpec& spec, const Outcome& outc
     context.ReportError(text.view());
 }
 
-void deliver(Call& call, std::size_t index, const Function_CPlace& place, const std::byte* results) noexcept {
+// A good status does not make a good number: what no meter can have is delivered, and said.
+void warn_of(Call& call, const Function_COutput& line, double value) noexcept {
+  if (!call.context().messages_enabled() || !(value - value == 0.0)) return;
+  std::u16string_view symbol;
+  if (kind_of_code(line.type) != CodeKind::unit || call.context().units().TextOfCode(line.type, symbol) != UNIT_OK)
+    symbol = {};
+  Message text;
+  text << u"output " << line.key << u" is " << value << (symbol.empty() ? u"" : u" ") << symbol
+       << u", which is not physically possible (" << line.plausible_low << u" to " << line.plausible_high << u")";
+  call.context().ReportWarning(text.view());
+}
+
+void deliver(Call& call, std::size_t index, const Function_COutput& line, const std::byte* results) noexcept {
+  const Function_CPlace& place = line.place;
   switch (place.kind) {
     case Kind::number: {
-      const double value = load<double>(results, place);
-      call.set(index, place.conversion != nullptr ? place.conversion->from(value) : value);
+      double value = load<double>(results, place);
+      if (place.conversion != nullptr) value = place.conversion->from(value);
+      if (!(value >= line.plausible_low && value <= line.plausible_high)) warn_of(call, line, value);
+      call.set(index, value);
       break;
     }
     case Kind::whole: call.set_integer(index, load<int>(results, place)); break;
@@ -217,7 +232,7 @@ std::uint32_t run_bound(Function_CContext& context, FUNCTION_ARG* args, std::siz
     if (line.role == 1)
       call.set_integer(i, outcome.status);
     else if (all || line.with_any_status)
-      deliver(call, i, line.place, results);
+      deliver(call, i, line, results);
   }
   return call.done();
 }

@@ -95,6 +95,42 @@ bool member_bits(std::uint32_t type, std::uint64_t& bits) {
   return true;
 }
 
+// What a quantity of a fluid or a meter can be, in the quantity's base unit. Wide on purpose: what lies outside is no
+// unusual fluid but an argument that has run away, such as an exponent of 28012.
+struct Plausible {
+  std::uint32_t quantity;
+  double low, high;
+};
+constexpr Plausible plausible[] = {
+    {quantity::temperature, 0.0, 5000.0},            // K
+    {quantity::absolutepressure, 0.0, 1e10},         // Pa
+    {quantity::masspervolume, 0.0, 30000.0},         // kg/m3
+    {quantity::molepervolume, 0.0, 1e6},             // mol/m3
+    {quantity::energypermass, -1e9, 1e9},            // J/kg
+    {quantity::energypervolume, -1e9, 1e9},          // J/m3
+    {quantity::energyperstandardvolume, -1e9, 1e9},  // J/m3
+    {quantity::dynamicviscosity, 0.0, 1e6},          // Pa s
+    {quantity::velocity, 0.0, 1e5},                  // m/s
+    {quantity::length, 0.0, 1e3},                    // m
+    {quantity::masspertime, 0.0, 1e7},               // kg/s
+};
+
+void set_plausible(Function_COutput& output, const record::Output& from) {
+  if (from.expected_low < from.expected_high) {
+    output.plausible_low = from.expected_low;
+    output.plausible_high = from.expected_high;
+    return;
+  }
+  if (kind_of_code(from.type) != CodeKind::unit) return;
+  const Unit_CEntry* unit = nullptr;
+  if (Unit_CTypeAndUnitContainer::Instance().UnitDetails(from.type, unit) != UNIT_OK) return;
+  for (const Plausible& bounds : plausible) {
+    if (type_number(bounds.quantity) != type_number(from.type)) continue;
+    output.plausible_low = (bounds.low - unit->offset) / unit->factor;
+    output.plausible_high = (bounds.high - unit->offset) / unit->factor;
+  }
+}
+
 void make_ready(Function_CInput& input) {
   input.enumerated = kind_of_code(input.type) == CodeKind::enumeration;
   input.checked = input.enumerated || input.has_minimum() || input.has_maximum();
@@ -195,6 +231,7 @@ Function_CFunctionSpec::Function_CFunctionSpec(const record::Function& record)
     to.choices = from.choices;
     to.with_any_status = from.with_any_status;
     to.place = place_of(from.field, binding, &record::Binding::results);
+    set_plausible(to, from);
     to.fallback = to_variant(from.fallback);
     to.type = from.type;
     to.unit_input = from.unit_input;

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <string>
@@ -100,6 +101,9 @@ struct Function_COutput {
   std::span<const record::Option> choices;
   bool with_any_status = false;
   Function_CPlace place;
+  // A number outside these is a result that no meter can have, whatever the status says.
+  double plausible_low = -std::numeric_limits<double>::infinity();
+  double plausible_high = std::numeric_limits<double>::infinity();
 
   std::span<const Function_CStatusValue> values() const noexcept { return {status_values.get(), status_value_count}; }
 };

@@ -239,6 +239,7 @@ struct Output {
   std::span<const Option> choices{};
   bool with_any_status = false;  // delivered also when the status is not 0
   Field field{};
+  double expected_low = 0.0, expected_high = 0.0;  // equal: none of its own
 
   // Value written when the call fails; without it the number 0.
   constexpr Output failing(double value) const {
@@ -259,6 +260,13 @@ struct Output {
   constexpr Output always() const {
     Output copy = *this;
     copy.with_any_status = true;
+    return copy;
+  }
+  // Bounds of what is physically possible, in the output's unit; without them those of its quantity hold.
+  constexpr Output expected(double low, double high) const {
+    Output copy = *this;
+    copy.expected_low = low;
+    copy.expected_high = high;
     return copy;
   }
   // The member goes back through this conversion into the output's unit.

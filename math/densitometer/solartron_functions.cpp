@@ -108,7 +108,7 @@ constexpr record::Input inputs[] = {
 };
 constexpr record::Output outputs[] = {
     record::status_output(),
-    out<&Solartron::Gravity::sg>(output(u"sg", u"Specific Gravity", u"", data_type::num, u"SG")),
+    out<&Solartron::Gravity::sg>(output(u"sg", u"Specific Gravity", u"", data_type::num, u"SG").expected(0, 10)),
 };
 }  // namespace gravity
 
