@@ -13,6 +13,7 @@
 #include <numbers>
 
 #include "core/elementary.h"
+#include "math/flow/orifice_plate.h"
 
 namespace norvane::ISO5167 {
 namespace {
@@ -28,30 +29,11 @@ using differential_pressure::Location;
 using differential_pressure::LoopEnd;
 using differential_pressure::metric;
 using differential_pressure::States;
+using orifice_plate::Flowing;
+using orifice_plate::mm_per_inch;
+using orifice_plate::relative_growth;
 
 constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
-constexpr double mm_per_inch = 25.4;
-
-// Geometry at the upstream temperature.
-struct Flowing {
-  double D = 0.0;  // [mm]
-  double d = 0.0;  // [mm]
-  double beta = 0.0;
-  double beta2 = 0.0;
-  double beta4 = 0.0;
-  double E = 0.0;
-
-  // False where no flow can be computed: a diameter of zero or below, a device as wide as the pipe.
-  bool set(double pipe, double device) noexcept {
-    D = pipe;
-    d = device;
-    beta = d / D;
-    beta2 = beta * beta;
-    beta4 = beta2 * beta2;
-    E = 1.0 / std::sqrt(1.0 - beta4);
-    return D > 0.0 && d > 0.0 && beta4 < 1.0 && std::isfinite(D) && std::isfinite(E);
-  }
-};
 
 // Pressures as the expansibility needs them.
 struct Expansion {
@@ -64,14 +46,6 @@ double cube(double x) noexcept { return x * x * x; }
 double fourth(double x) noexcept { return (x * x) * (x * x); }
 
 // ---- Expansibility -----------------------------------------------------------------------------------------------
-
-// (e^y - 1)/y. The series holds 1e-17 below 0.1, where the quotient loses digits.
-double relative_growth(double y) noexcept {
-  if (std::fabs(y) > 0.1) return (elementary::exp(y) - 1.0) / y;
-  double sum = 1.0;
-  for (int n = 10; n >= 2; --n) sum = 1.0 + y / n * sum;
-  return sum;
-}
 
 // -ln(1 - x)/x, as 2 artanh(z)/x with z = x/(2 - x) where the logarithm would lose digits.
 double relative_log(double x, double log_tau) noexcept {
@@ -96,11 +70,6 @@ double nozzle_expansibility(const Expansion& e, double beta4) noexcept {
 // ISO 5167-1:1991, 8.3.2.2.
 double orifice_expansibility_1991(const Expansion& e, double beta4) noexcept {
   return 1.0 - (0.41 + 0.35 * beta4) * e.x / e.kappa;
-}
-
-// ISO 5167-2:2003, 5.3.2.2, equation (5).
-double orifice_expansibility_2003(const Expansion& e, double beta4) noexcept {
-  return 1.0 - (0.351 + 0.256 * beta4 + 0.93 * beta4 * beta4) * (1.0 - elementary::exp(e.log_tau / e.kappa));
 }
 
 // ---- Pressure loss, as a fraction of dp --------------------------------------------------------------------------
@@ -161,7 +130,6 @@ struct Orifice {
   static constexpr double tolerance = 1e-12;
   static constexpr bool deliver_unconverged = false;
   static constexpr Code unconverged = Code::no_convergence;
-  static constexpr double A_of_one = 0.0419761768345636991;  // (19000/10^6)^0.8: A where beta is 1 and Re 10^6
 
   Tappings tappings;
   Edition edition;
@@ -169,13 +137,11 @@ struct Orifice {
   double drain_factor;  // on d
 
   Flowing f{};
-  // Terms of C that the Reynolds number does not enter.
+  // Reader-Harris/Gallagher with the edition of 1998 and later.
+  orifice_plate::ReaderHarrisGallagher gallagher{};
+  // Else the terms of C that the Reynolds number does not enter, and the factor on (10^6/Re)^0.75 (1991).
   double constant = 0.0;
-  double reynolds_factor = 0.0;    // on (10^6/Re)^0.75 (1991), on (10^6/Re)^0.7 (later)
-  double A_factor = 0.0;           // A = A_factor (10^6/Re)^0.8
-  double beta_3_5 = 0.0;           // beta^3.5
-  double upstream_factor = 0.0;    // on 1 - 0.11 A
-  double downstream_factor = 0.0;  // on the low-Reynolds factor
+  double reynolds_factor = 0.0;
 
   static double first_reynolds(double, double, double) noexcept { return 100000.0; }
   double bore_factor() const noexcept { return drain_factor; }
@@ -193,8 +159,11 @@ struct Orifice {
       constant = 0.734;  // ISO/TR 15377
     else if (edition == Edition::y1991)
       set_stolz();
-    else
-      set_reader_harris_gallagher();
+    else {
+      double L1, L2;
+      tapping_distances(L1, L2);
+      gallagher.set(f, L1, L2);
+    }
   }
 
   // L1 and L2'.
@@ -214,45 +183,16 @@ struct Orifice {
     reynolds_factor = 0.0029 * f.beta2 * std::sqrt(f.beta);
   }
 
-  // Reader-Harris/Gallagher, ISO 5167-2:2003, 5.3.2.1, equation (4), completed for Reynolds numbers below 3700.
-  void set_reader_harris_gallagher() noexcept {
-    double L1, L2;
-    tapping_distances(L1, L2);
-    const double tenth = elementary::pow(f.beta, 0.1);
-    const double tenth2 = tenth * tenth;
-    const double beta_0_7 = cube(tenth2) * tenth;
-    const double M2 = 2.0 * L2 / (1.0 - f.beta);
-    const double M2_1_1 = M2 > 0.0 ? M2 * elementary::pow(M2, 0.1) : 0.0;
-    const double small_pipe = f.D < 2.8 * mm_per_inch ? 0.011 * (0.75 - f.beta) * (2.8 - f.D / mm_per_inch) : 0.0;
-    constant = 0.5961 + 0.0261 * f.beta2 - 0.216 * f.beta4 * f.beta4 + small_pipe;
-    reynolds_factor = 0.000521 * beta_0_7;
-    A_factor = A_of_one * beta_0_7 * tenth;
-    beta_3_5 = f.beta2 * f.beta * std::sqrt(f.beta);
-    // With corner tappings the three terms add up to nothing.
-    const double tap =
-        L1 > 0.0 ? 0.043 + 0.080 * elementary::exp(-10.0 * L1) - 0.123 * elementary::exp(-7.0 * L1) : 0.0;
-    upstream_factor = tap * f.beta4 / (1.0 - f.beta4);
-    downstream_factor = -0.031 * (M2 - 0.8 * M2_1_1) * f.beta * tenth2 * tenth;
-  }
-
   double C(double Re) const noexcept {
     if (of_tr15377()) return constant;
-    const double ratio = 1e6 / Re;
-    if (edition == Edition::y1991) return constant + reynolds_factor * cube(std::sqrt(std::sqrt(ratio)));
-    // The powers 0.3, 0.7 and 0.8 of one ratio: a root and products.
-    const double tenth = elementary::pow(ratio, 0.1);
-    const double ratio_0_3 = cube(tenth);
-    const double ratio_0_7 = ratio_0_3 * ratio_0_3 * tenth;
-    const double A = A_factor * ratio_0_7 * tenth;
-    const double low_reynolds = Re < 3700.0 ? 1.0 + 8.0 * elementary::log(3700.0 / Re) / std::numbers::ln10 : 1.0;
-    return constant + reynolds_factor * ratio_0_7 +
-           (0.0188 + 0.0063 * A) * beta_3_5 * std::max(ratio_0_3, 22.7 - 0.0047 * Re) +
-           upstream_factor * (1.0 - 0.11 * A) + downstream_factor * low_reynolds;
+    if (edition != Edition::y1991) return gallagher.C(Re, true);
+    return constant + reynolds_factor * cube(std::sqrt(std::sqrt(1e6 / Re)));
   }
 
   double expansibility(const Expansion& e) const noexcept {
-    if (of_tr15377()) return 0.5 * (nozzle_expansibility(e, f.beta4) + orifice_expansibility_2003(e, f.beta4));
-    return edition == Edition::y2003 ? orifice_expansibility_2003(e, f.beta4)
+    if (of_tr15377())
+      return 0.5 * (nozzle_expansibility(e, f.beta4) + orifice_plate::expansibility(e.log_tau, e.kappa, f.beta4));
+    return edition == Edition::y2003 ? orifice_plate::expansibility(e.log_tau, e.kappa, f.beta4)
                                      : orifice_expansibility_1991(e, f.beta4);
   }
 
@@ -279,9 +219,7 @@ struct Orifice {
         return beta <= 0.5 ? 4000.0 : 16000.0 * beta2;
       case Edition::y2003: break;
     }
-    // ISO 5167-2:2003, 5.3.1
-    if (tappings == Tappings::flange) return std::max(5000.0, 170.0 * beta2 * D);
-    return beta <= 0.56 ? 5000.0 : 16000.0 * beta2;
+    return orifice_plate::least_reynolds(tappings == Tappings::flange, beta, D);
   }
 };
 
