@@ -35,7 +35,8 @@ inline bool virial_root(double a, double b, double c, double& x) noexcept {
     (excess > 0.0 ? high : low) = x;
     double next = x - excess / (1.0 + x * (2.0 * b + 3.0 * c * x));
     if (!(next >= low && next <= high)) next = 0.5 * (low + high);
-    const bool settled = std::fabs(next - x) <= tolerance * x;
+    // Where the slope is small, as close to the end of the branch, the rounding of the excess moves x by more.
+    const bool settled = std::fabs(next - x) <= tolerance * x || std::fabs(excess) <= tolerance * std::max(a, x);
     x = next;
     if (settled) return std::isfinite(x);
   }
