@@ -160,6 +160,9 @@ Outcome calculate(const Arguments& in, Result& out) noexcept {
   out.beta = flowing.beta;
   out.velocity_of_approach = flowing.E;
   out.edge_factor = plate.edge_factor();
+  if (!std::isfinite(out.edge_factor))
+    return failure(calculation_error, u"the edge of % mm is too great for the orifice of % mm", in.edge_radius,
+                   flowing.d);
   if (m.dp == 0.0) return {};
 
   if (m.fluid == Fluid::gas)
@@ -215,7 +218,7 @@ Outcome pipe_roughness(const RoughnessArguments& in, RoughnessResult& out) noexc
   if (row < 1 || row > last) return blame(in.pipe, argument_error, u"is not a row of the table (% to %)", 1, last);
   const PipeWall& wall = pipe_walls[row - 1];
   if (wall.R_sh == 0.0)
-    return blame(in.pipe, calculation_error, u"is a row (%) whose figures are not part of this build", row);
+    return blame(in.pipe, calculation_error, u"is a row whose figures are not part of this build");
   out = {.roughness = wall.R_sh, .average_roughness = wall.Ra};
   return {};
 }
@@ -228,7 +231,7 @@ Outcome steel_expansion(const SteelArguments& in, SteelResult& out) noexcept {
     return blame(in.temperature, argument_error, u"must be above %", -273.15);
   const Steel& steel = steels[row - 1];
   if (steel.printing == Printing::missing)
-    return blame(in.grade, argument_error, u"is a grade (%) whose polynomial is not part of this build", row);
+    return blame(in.grade, argument_error, u"is a grade whose polynomial is not part of this build");
   const double t = in.temperature / 1000.0;
   out.expansion = 1e-6 * (steel.a0 + t * (steel.a1 + t * steel.a2));
   if (!(out.expansion > 0.0) || !std::isfinite(out.expansion))

@@ -7,7 +7,7 @@
 // than the limits of C, K_p for an edge that is no longer sharp.
 #pragma once
 
-#include "math/common/outcome.h"
+#include "core/outcome.h"
 #include "math/flow/differential_pressure.h"
 #include "math/flow/orifice_plate.h"
 

@@ -18,9 +18,9 @@ enum class Printing : int {
 };
 struct Steel { const char16_t* grade; double a0, a1, a2; Printing printing; };
 inline constexpr Steel steels[] = {
-    {u"10",                                           10.8,    9.0,    -4.2, Printing::known},  // 1 10
-    {u"15",                                           11.1,    7.9,    -3.9, Printing::known},  // 2 15
-    {u"20",                                           11.1,    7.7,    -3.4, Printing::known},  // 3 20
+    {u"Steel 10",                                     10.8,    9.0,    -4.2, Printing::known},  // 1 steel 10
+    {u"Steel 15",                                     11.1,    7.9,    -3.9, Printing::known},  // 2 steel 15
+    {u"Steel 20",                                     11.1,    7.7,    -3.4, Printing::known},  // 3 steel 20
     {u"06\u0425\u041D28\u041C\u0414\u0422",          9.153, 30.944, -26.478, Printing::known},  // 4 06KhN28MDT
     {u"08\u042513",                                  9.971,  9.095,  -4.115, Printing::known},  // 5 08Kh13
     {u"08\u042518\u041D10",                         15.325,  11.25,       0, Printing::known},  // 6 08Kh18N10
@@ -49,8 +49,8 @@ inline constexpr Steel steels[] = {
     {u"25\u041B",                                    10.75,   12.5,       0, Printing::known},  // 29 25L
     {u"25\u04251\u041C\u0424",                      10.235,  18.64,   -13.0, Printing::conflicting},  // 30 25Kh1MF
     {u"25\u04252\u041C1\u0424",                      12.02,    8.0,       0, Printing::known},  // 31 25Kh2M1F
-    {u"30",                                           10.2,   10.4,    -5.6, Printing::known},  // 32 30
-    {u"35",                                           10.2,   10.4,    -5.6, Printing::known},  // 33 35
+    {u"Steel 30",                                     10.2,   10.4,    -5.6, Printing::known},  // 32 steel 30
+    {u"Steel 35",                                     10.2,   10.4,    -5.6, Printing::known},  // 33 steel 35
     {u"30\u042513",                                  9.642,    9.6,  -4.472, Printing::known},  // 34 30Kh13
     {u"30\u0425\u041C",                              10.72, 14.667,       0, Printing::known},  // 35 30KhM
     {u"30\u0425\u041C\u0410",                        10.72, 14.667,       0, Printing::known},  // 36 30KhMA
@@ -59,8 +59,8 @@ inline constexpr Steel steels[] = {
     {u"37\u042512\u041D8\u04138\u041C\u0424\u0411",   15.8,      0,       0, Printing::known},  // 39 37Kh12N8G8MFB
     {u"38\u0425\u0410",                             12.345,  5.433,    5.36, Printing::known},  // 40 38KhA
     {u"38\u0425\u041D3\u041C\u0424\u0410",          11.446,  9.574,  -4.945, Printing::known},  // 41 38KhN3MFA
-    {u"40",                                         10.821, 17.872, -10.986, Printing::known},  // 42 40
-    {u"45",                                         10.821, 17.872, -10.986, Printing::known},  // 43 45
+    {u"Steel 40",                                   10.821, 17.872, -10.986, Printing::known},  // 42 steel 40
+    {u"Steel 45",                                   10.821, 17.872, -10.986, Printing::known},  // 43 steel 45
     {u"40\u0425",                                   10.819, 15.487,   -9.28, Printing::known},  // 44 40Kh
     {u"45\u041B",                                     11.6,      0,       0, Printing::known},  // 45 45L
 };

@@ -109,17 +109,14 @@ Outcome calculate(const Arguments& in, Result& out, Cache& cache) noexcept {
   if (!(in.temperature > 0.0) || !std::isfinite(in.temperature))
     return blame(in.temperature, argument_error, u"must be above %", 0.0);
   AGA8::Composition x;
-  switch (AGA8::prepare(in.composition, AGA8::add_to_i_pentane, x)) {
-    case AGA8::composition_good: break;
-    case AGA8::composition_sum_off:
-      return blame(in.composition, composition_error, u"must sum to % or %", 1.0, 100.0);
-    default:
-      return blame(in.composition, calculation_error, u"must hold no negative amount and sum to more than %", 1e-6);
-  }
+  if (const Outcome bad =
+          composition::prepare(in.composition, composition::add_to_i_pentane, AGA8::composition_error, x);
+      !bad.good())
+    return bad;
   out.molar_density = 0.0;
   if (in.pressure > 0.0) {
     AGA8::State state;
-    if (cache.detail.calculate(x, in.temperature, in.pressure * 10.0, false, state) != AGA8::converged)
+    if (cache.detail.calculate(x, in.temperature, in.pressure, state) != AGA8::converged)
       return blame(in.pressure, calculation_error, u"is reached by no gas density at this temperature");
     out.molar_density = state.molar_density;
   }

@@ -6,7 +6,7 @@
 // correlations differ by some percent.
 #pragma once
 
-#include "math/common/outcome.h"
+#include "core/outcome.h"
 #include "math/gas/aga8.h"
 
 namespace norvane::ISO20765_5 {
@@ -23,14 +23,12 @@ struct Result {
   bool out_of_range = false;   // outside -20 to 40 degC and 0 to 10 MPa, where natural gas was compared
 };
 
-enum Status : int { composition_error = 4 };
-
 struct Cache {
   AGA8::CDetail detail;
 };
 
 // Status 1: an argument that no gas has. Status 2: a composition that cannot be used, or a state without a density.
-// Status 4: amounts that sum neither to 1 nor to 100.
+// AGA8::composition_error: amounts that sum neither to 1 nor to 100.
 Outcome calculate(const Arguments& in, Result& out, Cache& cache) noexcept;
 
 }  // namespace norvane::ISO20765_5

@@ -200,20 +200,16 @@ Outcome calculate_detail(const DetailArguments& in, DetailResult& out, DetailCac
     return blame(in.base_pressure, argument_error, u"must be above %", 0.0);
   if (!(in.base_temperature > 0.0) || !std::isfinite(in.base_temperature))
     return blame(in.base_temperature, argument_error, u"must be above %", 0.0);
-  if (in.neo_pentane < AGA8::add_to_i_pentane || in.neo_pentane > AGA8::neglect)
+  if (in.neo_pentane < composition::add_to_i_pentane || in.neo_pentane > composition::neglect)
     return blame(in.neo_pentane, argument_error, u"is not a neo-pentane mode (% to %)", 1, 3);
   AGA8::Composition x;
-  switch (AGA8::prepare(in.composition, in.neo_pentane, x)) {
-    case AGA8::composition_good: break;
-    case AGA8::composition_sum_off:
-      return blame(in.composition, composition_error, u"must sum to % or %", 1.0, 100.0);
-    default:
-      return blame(in.composition, calculation_error, u"must hold no negative amount and sum to more than %", 1e-6);
-  }
+  if (const Outcome bad = composition::prepare(in.composition, in.neo_pentane, AGA8::composition_error, x);
+      !bad.good())
+    return bad;
   AGA8::State flowing{.z = 1.0}, base;  // gas without pressure is ideal
-  if (in.pressure > 0.0 && cache.flowing.calculate(x, in.temperature, in.pressure * 10.0, false, flowing) != 0)
+  if (in.pressure > 0.0 && cache.flowing.calculate(x, in.temperature, in.pressure, flowing) != AGA8::converged)
     return blame(in.pressure, calculation_error, u"is reached by no gas density at this temperature");
-  if (cache.base.calculate(x, in.base_temperature, in.base_pressure * 10.0, false, base) != 0)
+  if (cache.base.calculate(x, in.base_temperature, in.base_pressure, base) != AGA8::converged)
     return blame(in.base_pressure, calculation_error, u"is reached by no gas density at the base temperature");
   out = {.k = flowing.z / base.z, .z = flowing.z, .zc = base.z, .mass_density = flowing.mass_density};
   if (!std::isfinite(out.k))

@@ -4,7 +4,7 @@
 // Standard conditions (c) are 293.15 K and 0.101325 MPa.
 #pragma once
 
-#include "math/common/outcome.h"
+#include "core/outcome.h"
 #include "math/gas/aga8.h"
 
 namespace norvane::GOST30319 {
@@ -57,7 +57,7 @@ struct DetailArguments {
   double pressure = 0.0;                 // absolute [MPa]
   double temperature = 0.0;              // [K]
   AGA8::CompositionInput composition{};  // mole amounts
-  AGA8::NeoPentaneMode neo_pentane = AGA8::add_to_i_pentane;
+  composition::NeoPentaneMode neo_pentane = composition::add_to_i_pentane;
   double base_pressure = 0.101325;   // of z_c, absolute [MPa]
   double base_temperature = 293.15;  // of z_c [K]
 };
@@ -67,11 +67,10 @@ struct DetailResult {
   double zc = 0.0;            // at base conditions
   double mass_density = 0.0;  // [kg/m3]
 };
-enum DetailStatus : int { composition_error = 4 };
 struct DetailCache {
   AGA8::CDetail flowing, base;
 };
-// As above; status 4: amounts that sum neither to 1 nor to 100.
+// As above; AGA8::composition_error: amounts that sum neither to 1 nor to 100.
 Outcome calculate_detail(const DetailArguments& in, DetailResult& out, DetailCache& cache) noexcept;
 
 }  // namespace norvane::GOST30319

@@ -442,4 +442,8 @@ Outcome of_2016_all(const Gas60& gas, Delivered& result) noexcept {
   });
 }
 
+Outcome of_1983(const Gas22&, Delivered&) noexcept {
+  return failure(calculation_error, u"the tables of this standard are not part of this build");
+}
+
 }  // namespace norvane::ISO6976

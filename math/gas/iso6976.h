@@ -108,6 +108,8 @@ Outcome of_1995(const Gas22& gas, Delivered& result) noexcept;
 Outcome of_1995_all(const Gas55& gas, Delivered& result) noexcept;
 Outcome of_2016(const Gas22& gas, Delivered& result) noexcept;
 Outcome of_2016_all(const Gas60& gas, Delivered& result) noexcept;
+// The first edition, whose tables are not part of this build: calculation_error for any gas.
+Outcome of_1983(const Gas22& gas, Delivered& result) noexcept;
 
 // Reference option, temperatures of combustion / metering in degC: 1: 15/15, 2: 0/0, 3: 15/0, 4: 25/0,
 // 5: 20/20, 6: 25/20. Any other option is an argument_error.

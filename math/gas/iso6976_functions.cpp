@@ -1,5 +1,6 @@
-// ISO6976_1995_M, ISO6976_2016_M, ISO6976ex_1995_M, ISO6976ex_2016_M: calorific values, density,
+// ISO6976_1983_M, ISO6976_1995_M, ISO6976_2016_M, ISO6976ex_1995_M, ISO6976ex_2016_M: calorific values, density,
 // relative density and Wobbe index by ISO 6976.
+#include <algorithm>
 #include <array>
 
 #include "framework/binding.h"
@@ -8,7 +9,7 @@
 
 namespace norvane::functions {
 
-extern const record::Function ISO6976_1995_M, ISO6976_2016_M, ISO6976ex_1995_M, ISO6976ex_2016_M;
+extern const record::Function ISO6976_1983_M, ISO6976_1995_M, ISO6976_2016_M, ISO6976ex_1995_M, ISO6976ex_2016_M;
 
 namespace {
 
@@ -102,6 +103,14 @@ constexpr std::array<record::Input, 4> further_60 = {
 constexpr auto inputs_60 = join(leading<Gas60>, further_60, options<Gas60>(references_2016));
 // clang-format on
 
+// The first edition has no choice of a calculation and no more than the properties by volume.
+constexpr auto inputs_1983 = [] {
+  std::array<record::Input, 4> lines{};
+  std::copy_n(inputs_1995.begin(), lines.size(), lines.begin());
+  return lines;
+}();
+constexpr std::span<const record::Output> outputs_1983(outputs, 6);
+
 #define NV_NOTES_1995                                                                                         \
   u"ISO 6976:1995, Natural gas - Calculation of calorific values, density, relative density and Wobbe index " \
   u"from composition; tables 1 to 5. R = 8.31451 J/(mol K), 101.325 kPa, dry air 28.9626 kg/kmol.\n"          \
@@ -127,6 +136,22 @@ constexpr auto inputs_60 = join(leading<Gas60>, further_60, options<Gas60>(refer
   u"components in arrays of their own; an omitted array counts as zeros. All are normalised together.\n"
 
 }  // namespace
+
+const record::Function ISO6976_1983_M = {
+    .id = u"ISO6976_1983_M",
+    .display = u"ISO-6976 (1983)",
+    .description = u"Gas Calorific Value, Density and Relative Density according to ISO-6976 (1983).",
+    .subcategory = u"ISO",
+    .keywords = u"metric,gas,iso",
+    .flags = FUNCTION_FALLBACK | FUNCTION_NO_RANGE_CHECK,
+    .name_input = 0,
+    .inputs = inputs_1983,
+    .outputs = outputs_1983,
+    .binding = &bound<of_1983>,
+    .notes =
+        u"ISO 6976:1983. The tables of this edition are not part of this build: the answer is status 2. The inputs "
+        u"and outputs are those of the edition of 1995 and provisional.",
+};
 
 const record::Function ISO6976_1995_M = {
     .id = u"ISO6976_1995_M",

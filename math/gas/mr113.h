@@ -4,7 +4,7 @@
 // module; how its entry is called is not public, so that it is not called even where it is found.
 #pragma once
 
-#include "math/common/outcome.h"
+#include "core/outcome.h"
 
 namespace norvane::MR113 {
 

@@ -4,7 +4,7 @@
 // (1962), specific gravity method and methane method, for reduced pressures up to 2.
 #pragma once
 
-#include "math/common/outcome.h"
+#include "core/outcome.h"
 
 namespace norvane::NX19 {
 

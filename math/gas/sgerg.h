@@ -2,7 +2,7 @@
 // from three of calorific value, relative density, carbon dioxide and nitrogen, and from hydrogen.
 #pragma once
 
-#include "math/common/outcome.h"
+#include "core/outcome.h"
 #include "math/gas/sgerg_table.h"
 
 namespace norvane::SGERG {
