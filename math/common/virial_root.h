@@ -26,10 +26,12 @@ inline bool virial_root(double a, double b, double c, double& x) noexcept {
     high = 1.0 / end;
     if (!(rise(high) >= a)) return false;
   }
-  // Newton's method, kept between the bounds; Newton alone takes 3 to 6 steps within the ranges of the standards.
+  // Newton's method, kept between the bounds; Newton alone takes 3 or 4 steps within the ranges of the standards.
   constexpr double tolerance = 4.0 * std::numeric_limits<double>::epsilon();
   constexpr int max_steps = 200;
-  x = std::min(a, high);
+  // From the inverted series a (1 - b a + (2 b^2 - c) a^2 ...), where that lies between.
+  x = a * (1.0 - a * (b - a * (2.0 * b * b - c)));
+  if (!(x > low && x < high)) x = std::min(a, high);
   for (int step = 0; step < max_steps; ++step) {
     const double excess = rise(x) - a;
     (excess > 0.0 ? high : low) = x;

@@ -13,14 +13,14 @@
 //   x1 + x2 + x3 + x5 + x7 = 1,  x7 = 0.0964 x5,  M_CH = -2.709328 + 0.021062199 H
 //
 // For a given V_m the balances are linear in x1 and x1 H, whatever the two unknowns; V_m follows from B of the
-// composition found, and the step is repeated. The reference program does the same in two nested loops that stop at
+// composition found, and must be the same. The reference program does the same in two nested loops that stop at
 // 1e-6 kg/m3 and 1e-4 MJ/m3; carried to the end the composition is a smooth function of the properties, up to 3e-6 in
 // Z away.
 #include "math/gas/sgerg.h"
 
 #include <cmath>
 
-#include "core/elementary.h"
+#include "math/common/cube_root.h"
 #include "math/common/virial_root.h"
 
 namespace norvane::SGERG {
@@ -90,48 +90,74 @@ double molar_mass(const Mixture& x) noexcept {
   return x.CH * (CH_molar_mass + CH_mass_per_H * x.H) + mass_without_CH(x);
 }
 
-// Solves the balances for the two unknowns. calorific = Hs V_m at 25 degC [MJ/kmol], mass = d rho_air V_m [kg/kmol].
-void balance(InputSet set, double calorific, double mass, Mixture& x) noexcept {
-  const double CH_part = calorific - H2_calorific * x.H2 - CO_calorific * x.CO;  // x1 H
-  const double rest = 1.0 - x.H2 - x.CO;
-  if (knows_carbon_dioxide(set) && knows_nitrogen(set)) {
-    x.CH = rest - x.CO2 - x.N2;
-    x.H = knows_calorific_value(set) ? CH_part / x.CH
-                                     : ((mass - mass_without_CH(x)) / x.CH - CH_molar_mass) / CH_mass_per_H;
-    return;
+// The balances with what is known put in: x1 and x1 H as linear functions of V_m. What is left over is nitrogen, carbon
+// dioxide or nothing.
+struct Balances {
+  double CH, CH_per_V;       // x1 = CH + CH_per_V V_m
+  double CHH, CHH_per_V;     // x1 H [MJ/kmol]
+  double Mixture::*unknown;  // null: both inert gases are known
+  double remainder;          // fraction of hydrocarbons and unknown
+
+  Balances(const Arguments& in, const ReferenceState& reference, const Mixture& known) noexcept {
+    const double calorific = in.calorific_value * reference.combustion;  // at 25 degC [MJ/m3]
+    const double mass = in.relative_density * reference.air_density;     // [kg/m3]
+    const double others = mass_without_CH(known);                        // [kg/kmol]
+    remainder = 1.0 - known.H2 - known.CO - known.CO2 - known.N2;
+    CHH = -(H2_calorific * known.H2 + CO_calorific * known.CO);
+    CHH_per_V = calorific;
+    CH = remainder;
+    CH_per_V = 0.0;
+    unknown = nullptr;
+    if (!knows_calorific_value(in.input_set)) {
+      CHH = -(others + CH_molar_mass * CH) / CH_mass_per_H;
+      CHH_per_V = mass / CH_mass_per_H;
+    } else if (knows_density(in.input_set)) {
+      // From the mass, if all that is left over were the unknown gas.
+      unknown = knows_nitrogen(in.input_set) ? &Mixture::CO2 : &Mixture::N2;
+      const double its_mass = knows_nitrogen(in.input_set) ? CO2_molar_mass : N2_molar_mass;
+      const double lighter = 1.0 / (CH_molar_mass - its_mass);
+      CH = (-CH_mass_per_H * CHH - others - its_mass * remainder) * lighter;
+      CH_per_V = (mass - CH_mass_per_H * calorific) * lighter;
+    }
   }
-  // One of nitrogen and carbon dioxide is what is left. Its balance of mass without x1: all the rest is that gas.
-  double& unknown = knows_nitrogen(set) ? x.CO2 : x.N2;
-  const double its_mass = knows_nitrogen(set) ? CO2_molar_mass : N2_molar_mass;
-  unknown = 0.0;
-  const double most = rest - x.N2 - x.CO2;
-  x.CH = (mass - CH_mass_per_H * CH_part - mass_without_CH(x) - its_mass * most) / (CH_molar_mass - its_mass);
-  x.H = CH_part / x.CH;
-  unknown = most - x.CH;
-}
+  void solve(double V, Mixture& x) const noexcept {
+    x.CH = CH + CH_per_V * V;
+    x.H = (CHH + CHH_per_V * V) / x.CH;
+    if (unknown != nullptr) x.*unknown = remainder - x.CH;
+  }
+};
 
-// Repeated from the reference program's start until B settles. It does so by two digits a round.
-constexpr double B_start = -0.065;     // [m3/kmol]
-constexpr double B_tolerance = 1e-13;  // [m3/kmol], 5e-15 of the molar volume
-constexpr int max_rounds = 50;
+// Steps of the secant method on the change of B, from the reference program's start. Each change is some 1e-4 times
+// the product of the two before: one below the tolerance leaves 1e-15 m3/kmol, a unit in the last place of V_m.
+constexpr double B_start = -0.065;    // [m3/kmol]
+constexpr double B_tolerance = 1e-9;  // [m3/kmol]
+constexpr int max_steps = 50;
 
-Outcome find_mixture(const Arguments& in, const ReferenceState& reference, Mixture& x) noexcept {
-  double B = B_start;
-  for (int round = 0; round < max_rounds; ++round) {
-    const double V = reference.ideal_volume + B;
-    balance(in.input_set, in.calorific_value * reference.combustion * V,
-            in.relative_density * reference.air_density * V, x);
+Outcome find_mixture(const Arguments& in, const ReferenceState& reference, Mixture& x, double& V) noexcept {
+  const Balances balances(in, reference, x);
+  double B = B_start, earlier_B = 0.0, earlier_change = 0.0;
+  bool settled = false;
+  for (int step = 0; step < max_steps; ++step) {
+    V = reference.ideal_volume + B;
+    balances.solve(V, x);
     if (!(x.CH > 0.0))
       return failure(calculation_error, u"the properties contradict each other: hydrocarbons come to a fraction of %",
                      x.CH);
-    const double previous = B;
-    if (!reference.second.of(x, B))
-      return failure(
-          calculation_error,
-          u"the properties contradict each other: no second virial coefficient with hydrocarbons of % MJ/kmol", x.H);
-    if (std::fabs(B - previous) <= B_tolerance) return {};
+    if (settled) return {};
+    double B_of_x;
+    if (!reference.second.of(x, B_of_x))
+      return failure(calculation_error,
+                     u"the properties contradict each other: no second virial coefficient with hydrocarbons of % "
+                     u"MJ/kmol",
+                     x.H);
+    const double change = B_of_x - B;
+    const double slope = step == 0 ? -1.0 : (change - earlier_change) / (B - earlier_B);
+    settled = std::fabs(change) <= B_tolerance;
+    earlier_B = B;
+    earlier_change = change;
+    B = slope < -0.1 ? B - change / slope : B_of_x;  // the slope is near -1 unless B leaves all sense
   }
-  return failure(no_convergence, u"the composition does not settle within % rounds", max_rounds);
+  return failure(no_convergence, u"the composition does not settle within % steps", max_steps);
 }
 
 // The reference program's tests for properties that contradict each other.
@@ -223,30 +249,31 @@ bool SecondVirial::of(const Mixture& x, double& B) const noexcept {
   const double product = b11 * B33;
   if (!(product >= 0.0) && x.CO2 != 0.0) return false;
   const double b13 = product >= 0.0 ? -0.865 * std::sqrt(product) : 0.0;
-  B = x.CH * (x.CH * b11 + x.N2 * z12 * (b11 + B22) + 2.0 * (x.CO2 * b13 + x.H2 * B15 + x.CO * B17)) +
-      x.N2 * (x.N2 * B22 + 2.0 * (x.CO2 * B23 + x.H2 * B25)) + x.CO2 * x.CO2 * B33 + x.H2 * x.H2 * B55 +
-      x.CO * x.CO * B77;
+  B = x.CH * (x.CH * b11 + x.N2 * z12 * (b11 + B22) + 2.0 * x.CO2 * b13) + x.N2 * (x.N2 * B22 + 2.0 * x.CO2 * B23) +
+      x.CO2 * x.CO2 * B33;
+  if (x.H2 != 0.0)  // and carbon monoxide with it
+    B += 2.0 * (x.CH * (x.H2 * B15 + x.CO * B17) + x.N2 * x.H2 * B25) + x.H2 * x.H2 * B55 + x.CO * x.CO * B77;
   return std::isfinite(B);
 }
 
 bool third_virial(const Coefficients& c, double T, const Mixture& x, double& C) noexcept {
-  const auto cube_root = [](double v) { return elementary::pow(v, 1.0 / 3.0); };
-  const auto root_of = [&](const Quadratic& pure, double amount) {
-    return amount != 0.0 ? cube_root(pure.at(T)) : 0.0;  // NaN where the pure gas's coefficient is negative
-  };
   const double C111 = c.C111[0].at(T) + x.H * (c.C111[1].at(T) + x.H * c.C111[2].at(T));
-  // Cube roots of the pure gases' coefficients; a cross coefficient is a factor times three of them.
-  const double r1 = cube_root(C111), r2 = root_of(c.C222, x.N2), r3 = root_of(c.C333, x.CO2),
-               r5 = root_of(c.C555, x.H2);
+  // Cube roots of the pure gases' coefficients, a cross coefficient being a factor times three of them; NaN where a
+  // coefficient is negative.
+  const double r1 = cube_root(C111), r2 = x.N2 != 0.0 ? cube_root(c.C222.at(T)) : 0.0;
+  const double r3 = x.CO2 != 0.0 ? cube_root(c.C333.at(T)) : 0.0;
   const double y12 = 0.92 + 0.0013 * (T - 270.0);
   constexpr double y13 = 0.92, y123 = 1.10, y15 = 1.20;
   const double CH2 = x.CH * x.CH, N22 = x.N2 * x.N2, CO22 = x.CO2 * x.CO2;
   C = CH2 * x.CH * C111 + N22 * x.N2 * c.C222.at(T) + CO22 * x.CO2 * c.C333.at(T) +
-      x.H2 * x.H2 * x.H2 * c.C555.at(T) +
       3.0 * (x.CH * x.N2 * y12 * r1 * r2 * (x.CH * r1 + x.N2 * r2) +
              x.CH * x.CO2 * y13 * r1 * r3 * (x.CH * r1 + x.CO2 * r3) + N22 * x.CO2 * c.C223.at(T) +
-             x.N2 * CO22 * c.C233.at(T) + CH2 * x.H2 * y15 * r1 * r1 * r5 + CH2 * x.CO * c.C117.at(T)) +
+             x.N2 * CO22 * c.C233.at(T)) +
       6.0 * x.CH * x.N2 * x.CO2 * y123 * r1 * r2 * r3;
+  if (x.H2 != 0.0) {
+    const double C555 = c.C555.at(T), r5 = cube_root(C555);
+    C += x.H2 * x.H2 * x.H2 * C555 + 3.0 * CH2 * (x.H2 * y15 * r1 * r1 * r5 + x.CO * c.C117.at(T));
+  }
   return std::isfinite(C);
 }
 
@@ -255,18 +282,20 @@ Outcome calculate(const Arguments& in, Result& out) noexcept {
   const ReferenceState& reference = references[static_cast<int>(in.reference) - 1];
   const ReferenceState& normal_state = references[0];
 
+  out = Result{};
   Mixture& x = out.mixture;
-  x = {.CH = 0.0,
-       .N2 = in.nitrogen,
-       .CO2 = in.carbon_dioxide,
-       .H2 = in.hydrogen,
-       .CO = carbon_monoxide * in.hydrogen,
-       .H = 0.0};
-  if (const Outcome bad = find_mixture(in, reference, x); !bad.good()) return bad;
-  double B0;
-  if (!normal_state.second.of(x, B0))
-    return failure(calculation_error, u"the properties have no second virial coefficient at 0 degC");
-  const double V0 = normal_state.ideal_volume + B0;
+  x.H2 = in.hydrogen;
+  x.CO = carbon_monoxide * in.hydrogen;
+  if (knows_nitrogen(in.input_set)) x.N2 = in.nitrogen;
+  if (knows_carbon_dioxide(in.input_set)) x.CO2 = in.carbon_dioxide;
+  double V0;  // molar volume at 0 degC and 1.01325 bar
+  if (const Outcome bad = find_mixture(in, reference, x, V0); !bad.good()) return bad;
+  if (in.reference > Reference::c0_0) {
+    double B0;
+    if (!normal_state.second.of(x, B0))
+      return failure(calculation_error, u"the properties have no second virial coefficient at 0 degC");
+    V0 = normal_state.ideal_volume + B0;
+  }
   const double M = molar_mass(x);
   out.calorific_value = calorific_sum(x) / V0;
   out.relative_density = M / (normal_state.air_density * V0);

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
+#include "math/common/cube_root.h"
 #include "tests/math/hostile.h"
 
 namespace norvane {
@@ -44,6 +46,20 @@ TEST(VirialRoot, EndsOnAnyNumbers) {
       ASSERT_TRUE(a >= 0.0 && x >= 0.0 && std::isfinite(x));
     }
   }
+}
+
+TEST(CubeRoot, IsWithinAUnitInTheLastPlace) {
+  test::Random random(3);
+  for (int i = 0; i < 100000; ++i) {
+    const double x = std::ldexp(random.within(1.0, 8.0), random.option(-1022, 1020));
+    const long double exact = std::cbrt(static_cast<long double>(x));
+    const double unit = std::ldexp(0x1p-52, std::ilogb(static_cast<double>(exact)));
+    ASSERT_LT(std::fabs(static_cast<double>(cube_root(x) - exact)), unit) << x;
+  }
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(cube_root(27.0), 3.0);
+  EXPECT_EQ(cube_root(0.0), 0.0);
+  for (double bad : {-1.0, -1e-310, infinity, std::nan("")}) EXPECT_TRUE(std::isnan(cube_root(bad))) << bad;
 }
 
 }  // namespace
