@@ -57,7 +57,7 @@ BatchColumns::BatchColumns(const Function_CFunctionSpec& spec, const std::vector
   }
   // A gas named by some of its components has nothing of the others.
   if (const std::size_t input = composition_input(spec); input < spec.input_count && range_sizes_[input] != 0)
-    range_sizes_[input] = std::max(range_sizes_[input], component_count);
+    range_sizes_[input] = std::max(range_sizes_[input], component::count);
 }
 
 BatchColumn BatchColumns::column(const std::string& title) const {
@@ -80,7 +80,7 @@ BatchColumn BatchColumns::column(const std::string& title) const {
       std::any_of(spec_.input_records().begin(), spec_.input_records().end(),
                   [&](const Function_CInput& input) { return equal_names(to_utf8(input.key), name); });
   if (!is_key && composition < spec_.input_count) {
-    if (const std::size_t component = component_named(name); component < component_count) {
+    if (const std::size_t component = component_named(name); component < component::count) {
       if (bracketed) throw UsageError("column " + in_quotes(title) + ": a fraction has no unit");
       result.input = composition;
       result.cell = component;

@@ -2,52 +2,48 @@
 
 #include <array>
 
-#include "hosts/cli/names.h"
-
 namespace norvane::cli {
 namespace {
 
-// The component's name, then others that laboratories and gas chromatographs write.
-// clang-format off
-constexpr std::array<std::array<std::string_view, 5>, component_count> names = {{
-    {"methane", "CH4", "C1"},
-    {"nitrogen", "N2"},
-    {"carbon dioxide", "CO2"},
-    {"ethane", "C2H6", "C2"},
-    {"propane", "C3H8", "C3"},
-    {"water", "H2O"},
-    {"hydrogen sulfide", "hydrogen sulphide", "H2S"},
-    {"hydrogen", "H2"},
-    {"carbon monoxide", "CO"},
-    {"oxygen", "O2"},
-    {"i-butane", "isobutane", "iso-butane", "iC4", "i-C4"},
-    {"n-butane", "butane", "nC4", "n-C4"},
-    {"i-pentane", "isopentane", "iso-pentane", "iC5", "i-C5"},
-    {"n-pentane", "pentane", "nC5", "n-C5"},
-    {"n-hexane", "hexane", "C6", "nC6", "n-C6"},
-    {"n-heptane", "heptane", "C7", "nC7", "n-C7"},
-    {"n-octane", "octane", "C8", "nC8", "n-C8"},
-    {"n-nonane", "nonane", "C9", "nC9", "n-C9"},
-    {"n-decane", "decane", "C10", "nC10", "n-C10"},
-    {"helium", "He"},
-    {"argon", "Ar"},
-    {"neo-pentane", "neopentane", "neoC5", "neo-C5"},
-}};
-// clang-format on
+// The letters and digits alone, in lower case: "i-Butane" and "i butane" are one name.
+class Letters {
+ public:
+  explicit constexpr Letters(std::string_view text) {
+    for (char c : text) {
+      if (c == ' ' || c == '-' || c == '_') continue;
+      if (length_ == text_.size()) {
+        length_ = 0;  // longer than any name
+        return;
+      }
+      text_[length_++] = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+  }
+  constexpr std::string_view view() const { return {text_.data(), length_}; }
+
+ private:
+  std::array<char, 24> text_{};
+  std::size_t length_ = 0;
+};
 
 }  // namespace
 
 std::vector<std::string> component_names() {
   std::vector<std::string> list;
-  for (const auto& component : names) list.emplace_back(component.front());
+  for (const component::Component& entry : component::table) list.emplace_back(entry.name);
   return list;
 }
 
 std::size_t component_named(std::string_view name) {
-  for (std::size_t i = 0; i < names.size(); ++i)
-    for (const std::string_view known : names[i])
-      if (!known.empty() && equal_names(known, name)) return i;
-  return component_count;
+  const Letters letters(name);
+  if (letters.view().empty()) return component::count;
+  const auto same = [&](std::string_view known) { return !known.empty() && Letters(known).view() == letters.view(); };
+  for (std::size_t i = 0; i < component::count; ++i) {
+    const component::Component& entry = component::table[i];
+    if (same(entry.name) || same(entry.formula)) return i;
+    for (const std::string_view synonym : entry.synonyms)
+      if (same(synonym)) return i;
+  }
+  return component::count;
 }
 
 std::size_t composition_input(const Function_CFunctionSpec& spec) {

@@ -1,4 +1,4 @@
-// Names of the 22 components of a natural gas, in the order in which the gas functions take their fractions.
+// Components of a natural gas by the names people type (the names themselves: math/common/components.h).
 #pragma once
 
 #include <cstddef>
@@ -7,15 +7,14 @@
 #include <vector>
 
 #include "framework/function_spec.h"
+#include "math/common/components.h"
 
 namespace norvane::cli {
-
-inline constexpr std::size_t component_count = 22;
 
 // The names by which a column may be called: the component's own, for example "methane".
 std::vector<std::string> component_names();
 
-// Place of a component by name ("i-butane", "isobutane", "iC4"), component_count when it is none.
+// Place of a component by name, formula or synonym ("i-butane", "isobutane", "iC4"), component::count when it is none.
 std::size_t component_named(std::string_view name);
 
 // The input that takes the 22 fractions, input_count when the function has none.
