@@ -7,7 +7,6 @@
 // of its bits. --messages makes the calls with messages switched on; --texts prints the messages as well.
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -32,31 +31,6 @@ class Context final : public Function_CContext {
   Function_CCallerInfo caller_{};
 };
 
-std::string written(const FUNCTION_ARG& value) {
-  char text[40];
-  switch (value.kind) {
-    case ARG_NUMBER: {
-      std::uint64_t pattern;
-      std::memcpy(&pattern, &value.number, sizeof pattern);
-      std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(pattern));
-      return text;
-    }
-    case ARG_INTEGER: return std::string("i").append(std::to_string(value.integer));
-    case ARG_BOOLEAN: return value.boolean != 0 ? "true" : "false";
-    case ARG_STRING: return std::string("\"").append(to_utf8(value.text())).append("\"");
-    case ARG_MISSING: return "missing";
-    case ARG_EMPTY: return "-";
-    case ARG_ERROR: return to_utf8(error_text(value.error));
-    case ARG_ARRAY: {
-      std::snprintf(text, sizeof text, "%ux%u", value.array.columns, value.array.rows);
-      std::string all = text;
-      for (std::uint64_t i = 0; i < value.count(); ++i) all.append(" ").append(written(value.array.elements[i]));
-      return all;
-    }
-    default: return std::string("kind ").append(std::to_string(value.kind));
-  }
-}
-
 struct Options {
   std::uint64_t calls = 2000;
   bool messages = false, texts = false;
@@ -77,7 +51,7 @@ void dump(const Function_CLibrary& library, const Function_CFunctionSpec& spec, 
     const std::uint32_t status =
         context.Execute(spec, arguments.values.data(), arguments.values.size(), output, flags, &slot);
     std::printf("%s %llu %u %08x %s%s\n", to_utf8(spec.id).c_str(), static_cast<unsigned long long>(n), status, flags,
-                written(output).c_str(), options.texts ? to_utf8(context.messages).c_str() : "");
+                test::bits_of(output).c_str(), options.texts ? to_utf8(context.messages).c_str() : "");
   }
 }
 

@@ -2,15 +2,16 @@
 #pragma once
 
 #include <bit>
-#include <cmath>
+#include <cinttypes>
 #include <cstdint>
+#include <cstdio>
 #include <deque>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "core/text.h"
 #include "framework/function_arg.h"
 
 namespace norvane::test {
@@ -41,6 +42,30 @@ class Random {
 };
 
 inline double bits(std::uint64_t pattern) { return std::bit_cast<double>(pattern); }
+
+// A value as text that tells all its bits: numbers as 16 hexadecimal digits, "-" for what was not written.
+inline std::string bits_of(const FUNCTION_ARG& value) {
+  char text[40];
+  switch (value.kind) {
+    case ARG_NUMBER:
+      std::snprintf(text, sizeof text, "%016" PRIx64, std::bit_cast<std::uint64_t>(value.number));
+      return text;
+    case ARG_INTEGER: return std::string("i").append(std::to_string(value.integer));
+    case ARG_BOOLEAN: return value.boolean != 0 ? "true" : "false";
+    case ARG_STRING: return std::string("\"").append(to_utf8(value.text())).append("\"");
+    case ARG_MISSING: return "missing";
+    case ARG_EMPTY: return "-";
+    case ARG_ERROR: return to_utf8(error_text(value.error));
+    case ARG_ARRAY: {
+      std::snprintf(text, sizeof text, "%ux%u", value.array.columns, value.array.rows);
+      std::string all = text;
+      for (std::uint64_t i = 0; value.array.elements != nullptr && i < value.count(); ++i)
+        all.append(" ").append(bits_of(value.array.elements[i]));
+      return all;
+    }
+    default: return std::string("kind ").append(std::to_string(value.kind));
+  }
+}
 
 class Arguments {
  public:
