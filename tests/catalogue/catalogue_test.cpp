@@ -156,49 +156,5 @@ TEST(Catalogue, RecordsKeepTheirOwnRules) {
   }
 }
 
-TEST(Catalogue, EveryFunctionSurvivesItsDefaultsAndOneOddArgumentEach) {
-  const FUNCTION_ARG odd[] = {
-      FUNCTION_ARG::Missing(),
-      FUNCTION_ARG::Empty(),
-      FUNCTION_ARG::Error(ERROR_NA),
-      FUNCTION_ARG::Number(-1e308),
-      FUNCTION_ARG::Number(1e308),
-      FUNCTION_ARG::Number(5e-324),
-      FUNCTION_ARG::Number(-0.0),
-      FUNCTION_ARG::Number(0.0 / 0.0),
-      FUNCTION_ARG::Number(1.0 / 0.0),
-      FUNCTION_ARG::Integer(-1),
-      FUNCTION_ARG::Boolean(true),
-      FUNCTION_ARG::String(u"text", 4),
-      FUNCTION_ARG::OfArray(0, 0, nullptr),
-  };
-  Function_CContext& context = host::thread_state()->context();
-  for (const bool messages : {false, true}) {
-    context.EnableMessages(messages);
-    for (const Function_CFunctionSpec* spec : catalogue::specifications()) {
-      SCOPED_TRACE(to_utf8(spec->id));
-      for (std::size_t i = 0; i <= spec->input_count; ++i) {
-        for (const FUNCTION_ARG& value : odd) {
-          std::vector<FUNCTION_ARG> args(spec->input_count, FUNCTION_ARG::Missing());
-          if (i < spec->input_count) args[i] = value;
-          context.Reset();
-          FUNCTION_ARG output = FUNCTION_ARG::Missing();
-          std::uint32_t flags = 0;
-          const std::uint32_t status =
-              context.Execute(*spec, args.data(), args.size(), output, flags, host::thread_state()->slot(*spec));
-          ASSERT_LE(status, 12u);
-          if (status != 0 || output.kind != ARG_ARRAY) continue;
-          for (std::uint64_t k = 0; k < output.count(); ++k) {
-            const FUNCTION_ARG& element = output.array.elements[k];
-            ASSERT_TRUE(element.kind != ARG_NUMBER || element.number - element.number == 0.0)
-                << "output " << k << " is not finite for input " << i;
-          }
-        }
-      }
-    }
-  }
-  context.EnableMessages(false);
-}
-
 }  // namespace
 }  // namespace norvane

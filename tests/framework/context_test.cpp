@@ -4,108 +4,104 @@
 #include <limits>
 
 #include "core/text.h"
-#include "tests/framework/test_context.h"
+#include "framework/call.h"
+#include "tests/support/call.h"
+#include "tests/support/validation_model.h"
 
 namespace norvane {
 namespace {
 
+using test::Arguments;
+using test::infinite;
+using test::not_a_number;
 using test::TestContext;
 using test::text;
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
 // ---- Conversions -------------------------------------------------------------------------------------------------
 
-TEST(Conversion, Numbers) {
-  TestContext context;
-  const auto number = [&](const FUNCTION_ARG& arg) {
-    double value = -1.0;
+// What an argument reads as: number, integer, boolean, text, unsigned, cells; "#3" where it fails with code 3.
+std::string readings(TestContext& context, const FUNCTION_ARG& arg) {
+  std::string all;
+  const auto add = [&](bool good, const std::u16string& shown) {
+    all += (all.empty() ? "" : " | ") + (good ? to_utf8(shown) : "#" + std::to_string(context.conversion_error()));
     context.SetConversionError(0);
-    return context.ReadNumber(&arg, value) ? value : -1000.0 - context.conversion_error();
   };
-  EXPECT_EQ(number(FUNCTION_ARG::Integer(-3)), -3.0);
-  EXPECT_EQ(number(FUNCTION_ARG::Boolean(true)), 1.0);
-  EXPECT_EQ(number(text(u" 12.5\t")), 12.5);
-  EXPECT_EQ(number(text(u"12.5x")), -1003.0);
-  EXPECT_EQ(number(text(u" ")), -1003.0);
-  EXPECT_EQ(number(FUNCTION_ARG::Empty()), 0.0);
-  EXPECT_EQ(number(FUNCTION_ARG::Missing()), -1003.0);
-  EXPECT_EQ(number(FUNCTION_ARG::Error(ERROR_NA)), -1007.0);
+  double number = 0.0;
+  std::int32_t integer = 0;
+  bool truth = false;
+  std::u16string_view words;
+  std::uint32_t count = 0;
+  FUNCTION_ARG::Array cells{};
+  bool good = context.ReadNumber(&arg, number);
+  add(good, format_number(number));
+  good = context.ReadInteger(&arg, integer);
+  add(good, to_utf16(std::to_string(integer)));
+  good = context.ReadBoolean(&arg, truth);
+  add(good, truth ? u"yes" : u"no");
+  good = context.ReadText(&arg, words);
+  add(good, std::u16string(words));
+  good = context.ReadUnsigned(&arg, count);
+  add(good, to_utf16(std::to_string(count)));
+  good = context.ReadArray(&arg, cells);
+  add(good, to_utf16(std::to_string(cells.columns) + "x" + std::to_string(cells.rows)));
+  return all;
+}
+
+TEST(Conversion, EveryKindIntoEveryOther) {
   FUNCTION_ARG inner = FUNCTION_ARG::Number(4.0);
   FUNCTION_ARG nested = FUNCTION_ARG::OfArray(1, 1, &inner);
-  EXPECT_EQ(number(FUNCTION_ARG::OfArray(1, 1, &nested)), 4.0);
-  EXPECT_EQ(number(FUNCTION_ARG::OfArray(0, 3, &inner)), -1000.0);  // fails without a code
-  EXPECT_EQ(number(FUNCTION_ARG::OfArray(2, 2, nullptr)), -1000.0);
   FUNCTION_ARG endless;
   endless = FUNCTION_ARG::OfArray(1, 1, &endless);
-  EXPECT_EQ(number(endless), -1000.0);
   FUNCTION_ARG unknown{};
   unknown.kind = 77;
-  EXPECT_EQ(number(unknown), -1003.0);
-}
-
-TEST(Conversion, IntegersBooleansAndUnsigned) {
+  const struct {
+    FUNCTION_ARG arg;
+    const char* want;
+  } rows[] = {
+      {FUNCTION_ARG::Number(3.9), "3.9 | 3 | yes | 3.9 | 3 | 1x1"},
+      {FUNCTION_ARG::Number(-3.9), "-3.9 | -3 | yes | -3.9 | #6 | 1x1"},
+      {FUNCTION_ARG::Number(-0.0), "-0 | 0 | no | -0 | 0 | 1x1"},
+      {FUNCTION_ARG::Number(-0.5), "-0.5 | 0 | yes | -0.5 | #6 | 1x1"},
+      {FUNCTION_ARG::Number(4294967295.0), "4294967295 | 2147483647 | yes | 4294967295 | 4294967295 | 1x1"},
+      {FUNCTION_ARG::Number(1e20), "1e+20 | 2147483647 | yes | 1e+20 | #6 | 1x1"},
+      {FUNCTION_ARG::Number(infinite), "inf | 2147483647 | yes | inf | #6 | 1x1"},
+      {FUNCTION_ARG::Number(not_a_number), "nan | 0 | yes | nan | #6 | 1x1"},
+      {FUNCTION_ARG::Integer(-2147483647 - 1), "-2147483648 | -2147483648 | yes | -2147483648 | #6 | 1x1"},
+      {FUNCTION_ARG::Boolean(false), "0 | 0 | no | FALSE | 0 | 1x1"},
+      {text(u" 12.5\t"), "12.5 | #3 | yes |  12.5\t | 12 | 1x1"},
+      {text(u"7"), "7 | 7 | yes | 7 | 7 | 1x1"},
+      {text(u"0"), "0 | 0 | no | 0 | 0 | 1x1"},
+      {text(u"True"), "#3 | #3 | yes | True | #3 | 1x1"},
+      {text(u"yes"), "#3 | #3 | #3 | yes | #3 | 1x1"},
+      {text(u""), "#3 | #3 | #3 |  | #3 | 1x1"},
+      {FUNCTION_ARG::Empty(), "0 | 0 | no |  | 0 | #3"},
+      {FUNCTION_ARG::Missing(), "#3 | #3 | #3 | #3 | #3 | #3"},
+      {FUNCTION_ARG::Error(ERROR_NA), "#7 | #7 | #7 | #7 | #7 | #3"},
+      {unknown, "#3 | #3 | #3 | #3 | #3 | #3"},
+      {FUNCTION_ARG::OfArray(1, 1, &nested), "4 | 4 | yes | 4 | 4 | 1x1"},
+      {endless, "#0 | #0 | #0 | #0 | #0 | 1x1"},  // without elements a scalar fails without a code
+      {FUNCTION_ARG::OfArray(0, 3, &inner), "#0 | #0 | #0 | #0 | #0 | 0x3"},
+      {FUNCTION_ARG::OfArray(2, 2, nullptr), "#0 | #0 | #0 | #0 | #0 | #3"},
+  };
   TestContext context;
-  std::int32_t value = 0;
-  FUNCTION_ARG arg = FUNCTION_ARG::Number(3.9);
-  EXPECT_TRUE(context.ReadInteger(&arg, value) && value == 3);
-  arg = FUNCTION_ARG::Number(-3.9);
-  EXPECT_TRUE(context.ReadInteger(&arg, value) && value == -3);
-  arg = FUNCTION_ARG::Number(std::nan(""));
-  EXPECT_TRUE(context.ReadInteger(&arg, value) && value == 0);
-  arg = FUNCTION_ARG::Number(1e300);
-  EXPECT_TRUE(context.ReadInteger(&arg, value) && value == 2147483647);
-  bool truth = false;
-  for (const char16_t* yes : {u"true", u"True", u"TRUE", u"2"}) {
-    arg = text(yes);
-    EXPECT_TRUE(context.ReadBoolean(&arg, truth) && truth);
-  }
-  arg = text(u"0");
-  EXPECT_TRUE(context.ReadBoolean(&arg, truth) && !truth);
-  arg = text(u"yes");
-  EXPECT_FALSE(context.ReadBoolean(&arg, truth));
-  EXPECT_EQ(context.conversion_error(), ERROR_VALUE);
-  EXPECT_TRUE(context.ReadBoolean(nullptr, truth, true) && truth);
-  std::uint32_t count = 0;
-  arg = FUNCTION_ARG::Number(4294967295.0);
-  EXPECT_TRUE(context.ReadUnsigned(&arg, count) && count == 4294967295u);
-  for (double bad : {-0.5, 4294967296.0, infinity, std::nan("")}) {
-    arg = FUNCTION_ARG::Number(bad);
-    EXPECT_FALSE(context.ReadUnsigned(&arg, count));
-    EXPECT_EQ(context.conversion_error(), ERROR_NUM);
-  }
+  for (const auto& row : rows) EXPECT_EQ(readings(context, row.arg), row.want) << "kind " << row.arg.kind;
 }
 
-TEST(Conversion, TextsAndArrays) {
+TEST(Conversion, AbsentTextsAndUnits) {
   TestContext context;
   std::u16string_view value;
-  FUNCTION_ARG arg = FUNCTION_ARG::Boolean(false);
-  EXPECT_TRUE(context.ReadText(&arg, value) && value == u"FALSE" && value.size() == 5);
-  arg = FUNCTION_ARG::Number(1e20);
-  EXPECT_TRUE(context.ReadText(&arg, value) && value == u"1e+20");
-  arg = FUNCTION_ARG::Integer(-2147483647 - 1);
-  EXPECT_TRUE(context.ReadText(&arg, value) && value == u"-2147483648");
-  arg = FUNCTION_ARG::Missing();
-  EXPECT_FALSE(context.ReadText(&arg, value));
-  EXPECT_TRUE(context.GetString(arg, value) && value.empty());
-  EXPECT_FALSE(context.GetText(arg, value, false));
-  FUNCTION_ARG::Array array{};
-  arg = text(u"7");
-  ASSERT_TRUE(context.ReadArray(&arg, array));
-  EXPECT_EQ(array.columns * array.rows, 1u);
-  EXPECT_EQ(array.elements[0].text(), u"7");
-  for (const FUNCTION_ARG& bad : {FUNCTION_ARG::Missing(), FUNCTION_ARG::Empty(), FUNCTION_ARG::Error(ERROR_REF),
-                                  FUNCTION_ARG::OfArray(1, 1, nullptr)}) {
-    EXPECT_FALSE(context.ReadArray(&bad, array));
-    EXPECT_EQ(context.conversion_error(), ERROR_VALUE);
-  }
-  std::uint32_t code = 0;
-  arg = text(u"MBAR");
-  EXPECT_TRUE(context.ReadIdentifier(&arg, code) && code == unit::mbar);
-  arg = text(u"");
-  EXPECT_TRUE(context.ReadIdentifier(&arg, code) && code == 0);
-  arg = text(u"furlong");
-  EXPECT_FALSE(context.ReadIdentifier(&arg, code));
+  EXPECT_TRUE(context.GetString(FUNCTION_ARG::Missing(), value) && value.empty());
+  EXPECT_FALSE(context.GetText(FUNCTION_ARG::Missing(), value, false));
+  bool truth = false;
+  EXPECT_TRUE(context.ReadBoolean(nullptr, truth, true) && truth);
+  const auto code_of = [&](FUNCTION_ARG arg) {
+    std::uint32_t code = 0;
+    return context.ReadIdentifier(&arg, code) ? code : 0xFFFFFFFFu;
+  };
+  EXPECT_EQ(code_of(text(u"MBAR")), unit::mbar);
+  EXPECT_EQ(code_of(FUNCTION_ARG::Number(unit::mbar + 0.9)), unit::mbar);
+  EXPECT_EQ(code_of(text(u"")), 0u);
+  EXPECT_EQ(code_of(text(u"furlong")), 0xFFFFFFFFu);
 }
 
 TEST(Conversion, VariantsBothWays) {
@@ -123,8 +119,87 @@ TEST(Conversion, VariantsBothWays) {
   variant.SetUInt16(65535);
   EXPECT_TRUE(context.FromVariant(arg, variant));
   EXPECT_EQ(arg.number, 65535.0);
-  FUNCTION_ARG none = FUNCTION_ARG::OfArray(0, 0, nullptr);
-  EXPECT_FALSE(context.ToVariant(variant, none));
+  EXPECT_FALSE(context.ToVariant(variant, FUNCTION_ARG::OfArray(0, 0, nullptr)));
+}
+
+// ---- Checks ------------------------------------------------------------------------------------------------------
+
+std::uint32_t nothing(Function_CContext&, FUNCTION_ARG*, std::size_t, FUNCTION_ARG&) { return 0; }
+
+constexpr record::Input inputs_of_every_type[] = {
+    record::name_input(),
+    record::input(u"number", u"", u"", data_type::num).otherwise(390.0).within(-10.0, 1000.0),
+    record::input(u"whole", u"", u"", data_type::integer).required(),
+    record::input(u"date", u"", u"", data_type::date),
+    record::input(u"truth", u"", u"", data_type::boolean).otherwise(true),
+    record::input(u"unit", u"", u"", data_type::unit),
+    record::input(u"enum", u"", u"", data_type::enumeration),
+    record::input(u"address", u"", u"", data_type::ipaddr).otherwise(u"127.0.0.1"),
+    record::input(u"any", u"", u"", data_type::any).required(),
+    record::input(u"pressure", u"", u"", unit::bar_a).at_least(0.1),
+    record::input(u"state", u"", u"", enumeration::rangestatus2).otherwise(0),
+};
+
+// The catalogue's functions have none of some types and flags: here are all of them.
+TEST(Checks, AreThoseOfTheRulesForEveryTypeAndFlag) {
+  Arguments pool;
+  for (double value : {-1e300, -10.0, -10.5, -1.0, 0.0, 0.1, 0.5, 1.0, 7.0, 31.5, 1000.0, 1000.5, 16784648.0,
+                       infinite, not_a_number, 67112192.0})
+    pool.values.push_back(FUNCTION_ARG::Number(value));
+  for (const char16_t* words : {u"",
+                                u"12",
+                                u" 0.5 ",
+                                u"12x",
+                                u"TRUE",
+                                u"yes",
+                                u"bar_a",
+                                u"rangestatus2",
+                                u"R2D2",
+                                u"c1",
+                                u"C",
+                                u"1a",
+                                u"Meter_1.A",
+                                u"no name",
+                                u"abcdefghijklmnopqrstuvwxyz_012345",
+                                u"abcdefghijklmnopqrstuvwxyz_0123456-",
+                                u"192.168.1.255",
+                                u"192.168.1.256",
+                                u"1.2.3",
+                                u"1.2.3.",
+                                u"1.2.3.4.5",
+                                u"010.0.0.1",
+                                u" 1.2.3.4",
+                                u"1..2.3"})
+    pool.values.push_back(text(words));
+  for (const std::u16string& words :
+       {std::u16string(199, u'x'), std::u16string(200, u'x'), u"-" + std::u16string(2000, u'1')})
+    pool.values.push_back(pool.text(words));
+  pool.values.insert(
+      pool.values.end(),
+      {FUNCTION_ARG::Missing(), FUNCTION_ARG::Empty(), FUNCTION_ARG::Integer(-3), FUNCTION_ARG::Integer(1),
+       FUNCTION_ARG::Boolean(true), FUNCTION_ARG::Error(ERROR_NA), FUNCTION_ARG::OfArray(2, 2, nullptr),
+       pool.cells({FUNCTION_ARG::Number(2.0), text(u"x")}), pool.cells({text(u"x")})});
+  test::Random random(u"checks", 0, 0);
+  for (std::uint32_t flags : {0u, 2u, 4u, 8u, 64u, 512u}) {
+    const Function_CFunctionSpec spec(record::Function{.id = u"Every",
+                                                       .flags = flags,
+                                                       .name_input = 0,
+                                                       .inputs = inputs_of_every_type,
+                                                       .outputs = {},
+                                                       .implementation = &nothing});
+    TestContext context;
+    for (int n = 0; n < 3000; ++n) {
+      std::vector<FUNCTION_ARG> args(random.below(20) == 0 ? random.below(15) : spec.input_count,
+                                     FUNCTION_ARG::Missing());
+      for (FUNCTION_ARG& arg : args)
+        if (random.below(3) == 0) arg = pool.values[random.below(pool.values.size())];
+      const test::ValidationModel model(spec, args);
+      const std::uint32_t status = context.Run(spec, args);
+      ASSERT_EQ(context.messages, model.messages) << "flags " << flags << ", call " << n;
+      ASSERT_EQ(status, model.status) << "flags " << flags << ", call " << n;
+      ASSERT_EQ(context.flags, model.flags) << "flags " << flags << ", call " << n;
+    }
+  }
 }
 
 // ---- Calls -------------------------------------------------------------------------------------------------------
@@ -141,9 +216,8 @@ std::uint32_t sum_of_two(Function_CContext& context, FUNCTION_ARG* args, std::si
 
 constexpr record::Input sum_inputs[] = {
     record::name_input(),
-    record::input(u"a", u"First", u"First summand.", data_type::num).otherwise(390.0).within(-10.0, 1000.0),
-    record::input(u"b", u"Second", u"Second summand.", data_type::integer),
-    record::input(u"c", u"State", u"A state.", enumeration::rangestatus2).otherwise(0),
+    record::input(u"a", u"First", u"First summand.", data_type::num).otherwise(390.0).at_least(-10.0),
+    record::input(u"b", u"Second", u"Second summand.", data_type::num),
 };
 constexpr record::Output sum_outputs[] = {
     record::status_output(),
@@ -151,145 +225,49 @@ constexpr record::Output sum_outputs[] = {
     record::output(u"note", u"Note", u"Never written.", data_type::num, u"NOTE").failing(-1.0),
 };
 
-Function_CFunctionSpec sum_spec(std::uint32_t flags) {
-  const record::Function record{.id = u"Sum",
-                                .display = u"Sum",
-                                .description = u"",
-                                .flags = flags,
-                                .name_input = 0,
-                                .inputs = sum_inputs,
-                                .outputs = sum_outputs,
-                                .implementation = &sum_of_two};
-  return Function_CFunctionSpec(record);
-}
+class Execute : public testing::Test {
+ protected:
+  static Function_CFunctionSpec spec_of(std::uint32_t flags) {
+    return Function_CFunctionSpec(record::Function{.id = u"Sum",
+                                                   .flags = flags,
+                                                   .name_input = 0,
+                                                   .inputs = sum_inputs,
+                                                   .outputs = sum_outputs,
+                                                   .implementation = &sum_of_two});
+  }
+  std::uint32_t run(const Function_CFunctionSpec& spec, double a, double b) {
+    return context_.Run(spec, {FUNCTION_ARG::Missing(), FUNCTION_ARG::Number(a), FUNCTION_ARG::Number(b)});
+  }
+  std::string output() const { return test::bits_of(context_.output); }
+  TestContext context_;
+  const Function_CFunctionSpec spec_ = spec_of(FUNCTION_FALLBACK), strict_ = spec_of(0);
+};
 
-std::vector<FUNCTION_ARG> sum_args(FUNCTION_ARG a, FUNCTION_ARG b, FUNCTION_ARG c = FUNCTION_ARG::Missing(),
-                                   FUNCTION_ARG name = FUNCTION_ARG::Missing()) {
-  return {name, a, b, c};
-}
-
-TEST(Execute, DefaultsReachTheImplementationAndUnwrittenOutputsStayEmpty) {
-  TestContext context;
-  const auto spec = sum_spec(FUNCTION_FALLBACK);
-  EXPECT_EQ(context.Run(spec, sum_args(FUNCTION_ARG::Missing(), FUNCTION_ARG::Number(10.0))), 0u);
-  EXPECT_EQ(context.flags, 0u);
-  ASSERT_EQ(context.output.count(), 3u);
-  EXPECT_EQ(context.output.array.elements[1].number, 400.0);
-  EXPECT_EQ(context.output.array.elements[2].kind, ARG_EMPTY);
-}
-
-TEST(Execute, ArgumentCount) {
-  TestContext context;
-  context.EnableMessages(true);
-  const auto spec = sum_spec(FUNCTION_FALLBACK);
-  EXPECT_EQ(context.Run(spec, {FUNCTION_ARG::Missing(), FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(1)}),
-            ERROR_ARGCOUNT);
-  ASSERT_EQ(context.messages.size(), 1u);
-  EXPECT_EQ(context.messages[0], u"E Invalid number of arguments (3) specified, expected (4)");
-  const auto variable = sum_spec(FUNCTION_VARIABLE_INPUTS);
-  EXPECT_EQ(context.Run(variable, {FUNCTION_ARG::Missing(), FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(1)}), 0u);
-  EXPECT_EQ(context.messages[0], u"E Invalid number of arguments (3) specified, expected at least (4)");
-  // Further arguments of a variable list are checked by the last record.
-  auto args = sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(1));
-  args.push_back(FUNCTION_ARG::Number(9));
-  EXPECT_EQ(context.Run(variable, args), ERROR_VALUE);
-  EXPECT_EQ(context.messages[0], u"E [5] c (9) is not a valid Range status");
-}
-
-TEST(Execute, RangeChecksAreInclusiveReportEverythingAndMarkTheStatus) {
-  TestContext context;
-  context.EnableMessages(true);
-  const auto strict = sum_spec(0);
-  EXPECT_EQ(context.Run(strict, sum_args(FUNCTION_ARG::Number(1000.0), FUNCTION_ARG::Number(0))), 0u);
-  EXPECT_EQ(context.Run(strict, sum_args(FUNCTION_ARG::Number(std::nan("")), FUNCTION_ARG::Number(0))), ERROR_NUM);
-  EXPECT_EQ(
-      context.Run(strict, sum_args(FUNCTION_ARG::Number(-10.5), FUNCTION_ARG::Number(0), FUNCTION_ARG::Number(7))),
-      ERROR_VALUE);
-  EXPECT_EQ(context.flags, FLAG_INPUT_INVALID);
-  ASSERT_EQ(context.messages.size(), 2u);
-  EXPECT_EQ(context.messages[0], u"W [2] a (-10.5) should be higher or equal than: -10");
-  EXPECT_EQ(context.messages[1], u"E [4] c (7) is not a valid Range status");
-  EXPECT_EQ(context.output.kind, ARG_MISSING);  // the implementation did not run
-  EXPECT_EQ(context.Run(strict, sum_args(FUNCTION_ARG::Error(ERROR_NA), FUNCTION_ARG::Number(0))), ERROR_VALUE);
-  EXPECT_EQ(context.messages[0], u"E [2] a (#N/A) is not a valid number");  // type check, then range check
-  const auto unchecked = sum_spec(FUNCTION_NO_RANGE_CHECK);
-  EXPECT_EQ(context.Run(unchecked, sum_args(FUNCTION_ARG::Number(1e6), FUNCTION_ARG::Number(0))), 0u);
-}
-
-TEST(Execute, TypeFaultsAreReportedOnlyAndOnlyWithMessages) {
-  TestContext context;
-  const auto spec = sum_spec(FUNCTION_FALLBACK);
-  context.EnableMessages(true);
-  EXPECT_EQ(context.Run(spec, sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(31.5))), 0u);
-  ASSERT_EQ(context.messages.size(), 1u);
-  EXPECT_EQ(context.messages[0], u"E [3] b (31.5) is not a valid whole number");
-  EXPECT_EQ(context.output.array.elements[1].number, 32.5);
-  context.EnableMessages(false);
-  context.Run(spec, sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(31.5)));
-  EXPECT_TRUE(context.messages.empty());
-}
-
-TEST(Execute, FallbackOutputsReplaceAFailure) {
-  TestContext context;
-  const auto spec = sum_spec(FUNCTION_FALLBACK);
-  EXPECT_EQ(context.Run(spec, sum_args(FUNCTION_ARG::Number(1), text(u"ten"))), 0u);
-  EXPECT_EQ(context.flags, FLAG_IMPLEMENTATION_FAILED | FLAG_OUTPUT_FALLBACK);
-  EXPECT_EQ(context.output.array.elements[0].number, 1.0);
-  EXPECT_EQ(context.output.array.elements[1].number, 0.0);
-  EXPECT_EQ(context.output.array.elements[2].number, -1.0);
+TEST_F(Execute, UnwrittenOutputsStayEmptyAndFailuresFallBack) {
+  EXPECT_EQ(context_.Run(spec_, {FUNCTION_ARG::Missing(), FUNCTION_ARG::Missing(), text(u"10")}), 0u);
+  EXPECT_EQ(output(), "1x3 i0 4079000000000000 -");  // the default and 10: 400
+  EXPECT_EQ(context_.Run(spec_, {FUNCTION_ARG::Missing(), FUNCTION_ARG::Missing(), text(u"ten")}), 0u);
+  EXPECT_EQ(context_.flags, FLAG_IMPLEMENTATION_FAILED | FLAG_OUTPUT_FALLBACK);
+  EXPECT_EQ(output(), "1x3 3ff0000000000000 0000000000000000 bff0000000000000");
   // An overflow inside a column of outputs is a failure too, never an infinite number with success.
-  EXPECT_EQ(context.Run(sum_spec(FUNCTION_NO_RANGE_CHECK),
-                        sum_args(FUNCTION_ARG::Number(1e308), FUNCTION_ARG::Number(1e308))),
-            ERROR_NUM);
+  EXPECT_EQ(run(strict_, 1e308, 1e308), ERROR_NUM);
+  EXPECT_EQ(run(strict_, not_a_number, 0.0), ERROR_NUM);
+  EXPECT_EQ(run(strict_, -10.5, 0.0), ERROR_VALUE);
+  EXPECT_EQ(output(), "missing");  // the implementation did not run
 }
 
-TEST(Execute, TransposesForAWideCaller) {
-  TestContext context;
-  const auto spec = sum_spec(FUNCTION_FALLBACK);
-  context.caller.columns = 3;
-  context.Run(spec, sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(2)));
-  EXPECT_EQ(context.output.array.columns, 3u);
-  EXPECT_EQ(context.output.array.rows, 1u);
-  EXPECT_EQ(context.flags, FLAG_OUTPUT_TRANSPOSED);
-  context.caller.columns = 1;
-  context.caller.rows = 3;
-  context.Run(spec, sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(2)));
-  EXPECT_EQ(context.output.array.rows, 3u);
+TEST_F(Execute, TransposesForAWideCaller) {
+  context_.caller.columns = 3;
+  run(spec_, 1, 2);
+  EXPECT_EQ(output().substr(0, 3), "3x1");
+  EXPECT_EQ(context_.flags, FLAG_OUTPUT_TRANSPOSED);
+  context_.caller.columns = 1;
+  context_.caller.rows = 3;
+  run(spec_, 1, 2);
+  EXPECT_EQ(output().substr(0, 3), "1x3");
 }
 
-TEST(Execute, NamesFollowTheirRulesInOrder) {
-  TestContext context;
-  context.EnableMessages(true);
-  const auto spec = sum_spec(FUNCTION_RETENTIVE);
-  const auto complaint = [&](const char16_t* name) {
-    context.Run(spec,
-                sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(1), FUNCTION_ARG::Missing(), text(name)));
-    return context.messages.empty() ? std::u16string(u"none") : context.messages[0];
-  };
-  EXPECT_EQ(complaint(u"Meter_1.A"), u"none");
-  EXPECT_EQ(complaint(u""), u"E [1] Name cannot be optional or empty");
-  EXPECT_NE(complaint(u"1a").find(u"begin with a decimal"), std::u16string::npos);
-  EXPECT_NE(complaint(u"R2D2").find(u"'C' or 'R'"), std::u16string::npos);
-  EXPECT_NE(complaint(u"c1").find(u"'C' or 'R'"), std::u16string::npos);
-  EXPECT_EQ(complaint(u"C"), u"none");
-  EXPECT_NE(complaint(u"abcdefghijklmnopqrstuvwxyz_0123456-").find(u"only the following"), std::u16string::npos);
-  EXPECT_NE(complaint(u"abcdefghijklmnopqrstuvwxyz_012345").find(u"longer than 32"), std::u16string::npos);
-  EXPECT_EQ(complaint(u"abcdefghijklmnopqrstuvwxyz_01234"), u"none");
-}
-
-TEST(Execute, LongValuesAreHiddenInErrorsAndCutInWarnings) {
-  TestContext context;
-  context.EnableMessages(true);
-  const std::u16string long_text(250, u'x');
-  context.Run(sum_spec(0), sum_args(FUNCTION_ARG::Number(1), text(long_text.c_str())));
-  EXPECT_EQ(context.messages[0], u"E [3] b (...) is not a valid number");
-  const std::u16string long_number = u"-" + std::u16string(2000, u'1');
-  context.Run(sum_spec(0), sum_args(text(long_number.c_str()), FUNCTION_ARG::Number(1)));
-  EXPECT_EQ(context.messages[0].size(), 511u + 2u);
-}
-
-TEST(Execute, HooksRunAroundTheImplementation) {
-  TestContext context;
+TEST_F(Execute, HooksRunAroundTheImplementation) {
   struct Log {
     std::u16string text;
     std::uint32_t answer;
@@ -300,43 +278,36 @@ TEST(Execute, HooksRunAroundTheImplementation) {
     log->text += u"*";
     return log->answer;
   };
-  context.AddPreCallHook(hook, &before);
-  context.AddPostCallHook(hook, &after);
-  const auto spec = sum_spec(0);
+  context_.AddPreCallHook(hook, &before);
+  context_.AddPostCallHook(hook, &after);
   // With a hook the implementation runs even after a failed validation.
-  EXPECT_EQ(context.Run(spec, sum_args(FUNCTION_ARG::Number(-50), FUNCTION_ARG::Number(2))), 0u);
-  EXPECT_EQ(context.output.array.elements[1].number, -48.0);
+  EXPECT_EQ(run(strict_, -50, 2), 0u);
+  EXPECT_EQ(context_.output.array.elements[1].number, -48.0);
   before.answer = ERROR_REF;
-  EXPECT_EQ(context.Run(spec, sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(2))), ERROR_REF);
-  EXPECT_EQ(context.output.kind, ARG_MISSING);
+  EXPECT_EQ(run(strict_, 1, 2), ERROR_REF);
+  EXPECT_EQ(output(), "missing");
   EXPECT_EQ(before.text, u"**");
   EXPECT_EQ(after.text, u"*");
 }
 
-TEST(Execute, ARefusedAllocationIsAnErrorNotACrash) {
-  TestContext context;
-  const auto spec = sum_spec(FUNCTION_FALLBACK);
-  context.Reset();
-  context.arena().SetBlockLimit(1);
-  while (context.Allocate(64) != nullptr) {
+TEST_F(Execute, ARefusedAllocationIsAnErrorNotACrash) {
+  context_.Reset();
+  context_.arena().SetBlockLimit(1);
+  while (context_.Allocate(64) != nullptr) {
   }
-  std::vector<FUNCTION_ARG> args = sum_args(FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(2));
-  FUNCTION_ARG output = FUNCTION_ARG::Missing();
+  FUNCTION_ARG args[] = {FUNCTION_ARG::Missing(), FUNCTION_ARG::Number(1), FUNCTION_ARG::Number(2)};
+  FUNCTION_ARG refused = FUNCTION_ARG::Missing();
   std::uint32_t flags = 0;
-  EXPECT_EQ(context.Execute(spec, args.data(), args.size(), output, flags), ERROR_VALUE);
-  EXPECT_EQ(output.kind, ARG_MISSING);
-  EXPECT_FALSE(context.SetText(output, u"0123456789012345678901234567890123456789"));
+  EXPECT_EQ(context_.Execute(spec_, args, 3, refused, flags), ERROR_VALUE);
+  EXPECT_EQ(refused.kind, ARG_MISSING);
+  EXPECT_FALSE(context_.SetText(refused, u"0123456789012345678901234567890123456789"));
 }
 
-TEST(Execute, StatusFillerMarksTheFunctionDisabled) {
-  TestContext context;
-  const auto spec = sum_spec(FUNCTION_FALLBACK);
-  EXPECT_EQ(spec.status_filler(context, spec, context.output), 0u);
-  EXPECT_EQ(context.output.array.elements[0].integer, 5);
-  EXPECT_EQ(context.output.array.elements[2].number, -1.0);
-  const auto bare = sum_spec(0);
-  FUNCTION_ARG nothing = FUNCTION_ARG::Missing();
-  EXPECT_EQ(bare.status_filler(context, bare, nothing), ERROR_OUTPUTMISMATCH);
+TEST_F(Execute, StatusFillerMarksTheFunctionDisabled) {
+  EXPECT_EQ(spec_.status_filler(context_, spec_, context_.output), 0u);
+  EXPECT_EQ(output(), "1x3 i5 0000000000000000 bff0000000000000");
+  FUNCTION_ARG none = FUNCTION_ARG::Missing();
+  EXPECT_EQ(strict_.status_filler(context_, strict_, none), ERROR_OUTPUTMISMATCH);
 }
 
 TEST(ErrorText, CodesAndBeyond) {

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/framework/test_context.h"
+#include "tests/support/call.h"
 
 namespace norvane {
 namespace {

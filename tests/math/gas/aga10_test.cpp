@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "tests/math/gas/detail_call.h"
 #include "tests/math/gas/detail_reference.h"
+#include "tests/support/call.h"
 
 namespace norvane::test {
 namespace {
@@ -148,8 +148,7 @@ double property(const AGA8::Composition& x, double p, double T, Property which) 
 TEST(AGA10, CriticalFlowFactorIsTheGreatestFlux) {
   for (const AGA8::Composition* x : gases) {
     // The last two are dense: a perfect gas with their isentropic exponent is no guide to the throat.
-    for (const auto& [p, T] :
-         {std::pair{0.5, 300.0}, {6.0, 320.0}, {15.0, 400.0}, {50.0, 330.0}, {140.0, 330.0}}) {
+    for (const auto& [p, T] : {std::pair{0.5, 300.0}, {6.0, 320.0}, {15.0, 400.0}, {50.0, 330.0}, {140.0, 330.0}}) {
       AGA8::Mixture mixture;
       mixture.set(*x);
       AGA8::Isotherm isotherm;
@@ -184,96 +183,44 @@ TEST(AGA10, CriticalFlowFactorIsTheGreatestFlux) {
 
 // ---- The functions -----------------------------------------------------------------------------------------------
 
-enum Outputs : std::size_t {
-  base_molar = 2,
-  sos = 8,
-  base_z_output = 9,
-  critical = 23,
-  ideal_factor = 26,
-  real_factor = 27,
-  range = 28
-};
-
 TEST(AGA10Functions, ModeDecidesAboutTheFlowFactorsOnly) {
-  DetailCall fast(u"AGA10ex_M"), slow(u"AGA10ex_M"), plain(u"AGA10_M");
-  for (DetailCall* call : {&fast, &slow, &plain}) call->composition(with_neo_pentane(gulf_coast)).state(70.0, 30.0);
-  slow.option(5, 2.0);
-  ASSERT_EQ(fast(), 0);
-  ASSERT_EQ(slow(), 0);
-  ASSERT_EQ(plain(), 0);
-  for (std::size_t i = 0; i <= range; ++i) {
-    const bool factor = i == critical || i == ideal_factor || i == real_factor;
-    if (factor) {
-      EXPECT_EQ(fast.value(i), 0.0);
-      EXPECT_GT(slow.value(i), 0.6);
+  Call fast(u"AGA10ex_M"), slow(u"AGA10ex_M"), plain(u"AGA10_M");
+  for (Call* call : {&fast, &slow, &plain}) call->list(3, with_neo_pentane(gulf_coast)).set(1, 70.0).set(2, 30.0);
+  slow.set(u"critical flow", 2.0);
+  for (Call* call : {&fast, &slow, &plain}) ASSERT_EQ(call->run(), 0);
+  for (const Function_COutput& output : fast.spec().output_records()) {
+    if (output.key == u"crit" || output.key == u"ideal s" || output.key == u"cri") {
+      EXPECT_EQ(fast[output.key], 0.0);
+      EXPECT_GT(slow[output.key], 0.6);
     } else {
-      EXPECT_EQ(fast.value(i), slow.value(i)) << i;
+      EXPECT_EQ(fast[output.key], slow[output.key]) << to_utf8(output.key);
     }
   }
-  EXPECT_EQ(plain.value(1), fast.value(sos));
-  const double base_density = fast.value(base_molar), base_z = fast.value(base_z_output);
-  ASSERT_EQ(fast.state(3.0, 90.0)(), 0);
-  EXPECT_EQ(fast.value(base_molar), base_density);  // the base state does not follow the flowing one
-  EXPECT_EQ(fast.value(base_z_output), base_z);
-  EXPECT_EQ(fast.value(range), 0);
-  ASSERT_EQ(fast.state(1400.0, 90.0)(), 0);
-  EXPECT_EQ(fast.value(range), 2);
-}
-
-TEST(AGA10Functions, FailuresAreTold) {
-  for (std::u16string_view id : {u"AGA10_M", u"AGA10ex_M"}) {
-    DetailCall call(id);
-    call.composition(with_neo_pentane(gulf_coast)).state(60.0, 20.0);
-    ASSERT_EQ(call(), 0);
-    const struct {
-      double p, t;
-      std::optional<int> want;
-    } states[] = {{0.0, 20.0, 3},     {not_a_number, 20.0, 3}, {60.0, not_a_number, 3},
-                  {2000.1, 20.0, {}}, {60.0, -200.1, {}},      {60.0, 400.1, {}},
-                  {-1.0, 20.0, {}},   {infinite, 20.0, {}},    {1000.0, -150.0, 3}};
-    for (const auto& c : states) {
-      EXPECT_EQ(call.state(c.p, c.t)(), c.want) << c.p << " " << c.t;
-      if (c.want) {
-        EXPECT_TRUE(call.status_alone()) << c.p;
-      }
-    }
-    call.state(60.0, 20.0);
-    const auto composition = [&](AGA8::Composition x, double neo_pentane = 0.0) {
-      return call.composition(with_neo_pentane(x, neo_pentane))();
-    };
-    EXPECT_EQ(composition(gas({{AGA8::methane, 1.2}})), std::nullopt);
-    EXPECT_EQ(composition(gas({{AGA8::methane, 0.5}, {AGA8::argon, -0.1}})), std::nullopt);
-    EXPECT_EQ(composition(gas({{AGA8::methane, 0.5}, {AGA8::argon, not_a_number}})), std::nullopt);
-    EXPECT_EQ(composition(gas({{AGA8::methane, 0.9}}), 1.5), std::nullopt);
-    EXPECT_EQ(composition(gas({{AGA8::methane, 0.9}})), 4);
-    EXPECT_EQ(composition(gas({{AGA8::methane, 1e-7}})), 2);
-    EXPECT_EQ(composition(gas({{AGA8::methane, 0.9}}), 0.1), 0);
-    EXPECT_EQ(call.option(4, 3.0)(), 0);
-    EXPECT_EQ(composition(gas({{AGA8::methane, 0.9}})), 4);
-    EXPECT_EQ(call.option(4, 4.0)(), std::nullopt);
-  }
-  DetailCall call(u"AGA10ex_M");
-  call.composition(with_neo_pentane(gulf_coast)).state(60.0, 20.0);
-  for (double mode : {0.0, 3.0, not_a_number}) EXPECT_EQ(call.option(5, mode)(), std::nullopt) << mode;
+  EXPECT_EQ(plain[u"sos"], fast[u"sos"]);
+  const double base_density = fast[u"base dens molar"], base_z = fast[u"base z"];
+  ASSERT_EQ(fast.set(1, 3.0).set(2, 90.0).run(), 0);
+  EXPECT_EQ(fast[u"base dens molar"], base_density);  // the base state does not follow the flowing one
+  EXPECT_EQ(fast[u"base z"], base_z);
+  EXPECT_EQ(fast[u"oor"], 0);
+  ASSERT_EQ(fast.set(1, 1400.0).run(), 0);
+  EXPECT_EQ(fast[u"oor"], 2);
 }
 
 // Whatever the state, an answer with status 0 is finite and obeys 0 < cv < cp, and no call hangs.
 TEST(AGA10Functions, EveryAnswerIsAState) {
   for (const AGA8::Composition* x : gases) {
-    DetailCall call(u"AGA10ex_M");
-    call.composition(with_neo_pentane(*x)).option(5, 2.0);
+    Call call(u"AGA10ex_M");
+    call.list(3, with_neo_pentane(*x)).set(u"critical flow", 2.0);
     int answers = 0;
     for (double t = -200.0; t <= 400.0; t += 25.0) {
       for (double p : {1e-300, 1e-3, 1.0, 40.0, 100.0, 400.0, 2000.0}) {
-        const std::optional<int> status = call.state(p, t)();
-        ASSERT_TRUE(status.has_value());
-        if (*status != 0) continue;
+        const int status = call.set(1, p).set(2, t).run();
+        ASSERT_NE(status, Call::refused);
+        if (status != 0) continue;
         ++answers;
-        for (std::size_t i = 1; i <= range; ++i)
-          ASSERT_TRUE(std::isfinite(call.value(i))) << i << " " << p << " " << t;
-        EXPECT_GT(call.value(17), 0.0);
-        EXPECT_GT(call.value(16), call.value(17));
-        EXPECT_GT(call.value(sos), 0.0);
+        EXPECT_GT(call[u"real cv"], 0.0);
+        EXPECT_GT(call[u"real cp"], call[u"real cv"]);
+        EXPECT_GT(call[u"sos"], 0.0);
       }
     }
     EXPECT_GT(answers, 50);

@@ -3,6 +3,9 @@
 #pragma once
 
 #include <cmath>
+#include <initializer_list>
+#include <utility>
+#include <vector>
 
 #include "math/gas/aga8.h"
 
@@ -138,5 +141,12 @@ inline const AGA8::Composition coke_oven =
     gas({{AGA8::methane, 0.30}, {AGA8::hydrogen, 0.50}, {AGA8::carbon_monoxide, 0.12}, {AGA8::nitrogen, 0.08}});
 inline const AGA8::Composition sour =
     gas({{AGA8::methane, 0.60}, {AGA8::carbon_dioxide, 0.20}, {AGA8::hydrogen_sulfide, 0.15}, {AGA8::water, 0.05}});
+
+// 21 fractions and neo-pentane.
+inline std::vector<double> with_neo_pentane(const AGA8::Composition& x, double neo_pentane = 0.0) {
+  std::vector<double> result(x.begin(), x.end());
+  result.push_back(neo_pentane);
+  return result;
+}
 
 }  // namespace norvane::test

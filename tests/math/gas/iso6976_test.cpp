@@ -7,24 +7,21 @@
 
 #include "math/gas/iso6976_1995_table.h"
 #include "math/gas/iso6976_2016_table.h"
-#include "tests/math/gas/gas_call.h"
+#include "tests/support/call.h"
 
 namespace norvane {
 namespace {
 
 using namespace ISO6976;
-using test::GasCall;
 
 constexpr auto atoms = MolarMassMethod::calculate;
 constexpr auto tabulated = MolarMassMethod::table;
 constexpr auto definitive = CalorificMethod::definitive;
 constexpr auto alternative = CalorificMethod::alternative;
-constexpr double nan_value = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
-using Amounts22 = std::array<double, n_common>;
-using Amounts55 = std::array<double, n_1995>;
-using Amounts60 = std::array<double, n_2016>;
+using Few = std::array<double, n_common>;
+using Of1995 = std::array<double, n_1995>;
+using Of2016 = std::array<double, n_2016>;
 
 template <class Gas>
 Gas pure(std::size_t row) {
@@ -33,24 +30,24 @@ Gas pure(std::size_t row) {
   return x;
 }
 
-Result run1995(const Amounts22& x, int reference, MolarMassMethod mass = atoms, CalorificMethod method = definitive) {
+Result run1995(const Few& x, int reference, MolarMassMethod mass = atoms, CalorificMethod method = definitive) {
   return edition_1995(std::span(x), reference, mass, method);
 }
-Result run1995(const Amounts55& x, int reference, MolarMassMethod mass = atoms, CalorificMethod method = definitive) {
+Result run1995(const Of1995& x, int reference, MolarMassMethod mass = atoms, CalorificMethod method = definitive) {
   return edition_1995(std::span(x), reference, mass, method);
 }
-Result run2016(const Amounts22& x, int reference, MolarMassMethod mass = atoms) {
+Result run2016(const Few& x, int reference, MolarMassMethod mass = atoms) {
   return edition_2016(std::span(x), reference, mass);
 }
-Result run2016(const Amounts60& x, int reference, MolarMassMethod mass = atoms) {
+Result run2016(const Of2016& x, int reference, MolarMassMethod mass = atoms) {
   return edition_2016(std::span(x), reference, mass);
 }
 
 // In the standard's order: methane ... n-decane, hydrogen, water, hydrogen sulfide, carbon monoxide, helium,
 // argon, nitrogen, oxygen, carbon dioxide.
-constexpr Amounts22 natural = {0.84,  0.06,  0.02, 0.004,  0.003, 0.001, 0.001, 0.0005, 0.0005, 0.0002, 0.0001,
-                           5e-05, 5e-05, 0.01, 0.0006, 0.001, 0.001, 0.001, 0.0005, 0.035,  0.0015, 0.019};
-constexpr Amounts22 lean = {0.93, 0.01, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0.02, 0, 0, 0, 0, 0, 0.03, 0, 0.01};
+constexpr Few natural = {0.84,  0.06,  0.02, 0.004,  0.003, 0.001, 0.001, 0.0005, 0.0005, 0.0002, 0.0001,
+                         5e-05, 5e-05, 0.01, 0.0006, 0.001, 0.001, 0.001, 0.0005, 0.035,  0.0015, 0.019};
+constexpr Few lean = {0.93, 0.01, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0.02, 0, 0, 0, 0, 0, 0.03, 0, 0.01};
 
 // A typing slip in a table shows against the physics its columns share.
 TEST(Iso6976Table, Edition1995IsConsistentWithItself) {
@@ -70,9 +67,9 @@ TEST(Iso6976Table, Edition1995IsConsistentWithItself) {
                   coarse ? 0.15 : 0.015);
     }
     for (int reference = 1; reference <= 6; ++reference) {
-      const Properties exact = run1995(pure<Amounts55>(i), reference).properties;
-      const Properties rounded = run1995(pure<Amounts55>(i), reference, atoms, alternative).properties;
-      EXPECT_NEAR(run1995(pure<Amounts55>(i), reference, tabulated).properties.molar_mass, exact.molar_mass, 6e-4);
+      const Properties exact = run1995(pure<Of1995>(i), reference).properties;
+      const Properties rounded = run1995(pure<Of1995>(i), reference, atoms, alternative).properties;
+      EXPECT_NEAR(run1995(pure<Of1995>(i), reference, tabulated).properties.molar_mass, exact.molar_mass, 6e-4);
       const double half = i == 0 ? 0.00051 : 0.0051;
       EXPECT_NEAR(rounded.superior_mass, exact.superior_mass, half);
       EXPECT_NEAR(rounded.inferior_mass, exact.inferior_mass, half);
@@ -86,8 +83,8 @@ TEST(Iso6976Table, Edition2016AgreesWithItsAtomsAndWith1995) {
   constexpr std::size_t column_1995[] = {3, 2, 2, 1, 0};  // of 0, 15, (15.55), 20, 25 degC
   for (std::size_t i = 0; i < edition2016::n_components; ++i) {
     SCOPED_TRACE(edition2016::table1[i].name);
-    EXPECT_NEAR(run2016(pure<Amounts60>(i), 7, tabulated).properties.molar_mass,
-                run2016(pure<Amounts60>(i), 7).properties.molar_mass, 6e-6);
+    EXPECT_NEAR(run2016(pure<Of2016>(i), 7, tabulated).properties.molar_mass,
+                run2016(pure<Of2016>(i), 7).properties.molar_mass, 6e-6);
     const auto& gross = edition2016::table3[i].gross;
     // 60 degF lies where the other temperatures lead: factors on a parabola, gross values on a line.
     const auto& factor = edition2016::table2[i].s;
@@ -122,8 +119,8 @@ TEST(Iso6976, ReferencesSelectTheirTemperatures) {
     EXPECT_GT(at(3).superior_molar, at(5).superior_molar);
     EXPECT_GT(at(5).superior_molar, at(4).superior_molar);
   };
-  walk([](const Amounts22& x, int reference) { return run1995(x, reference); });
-  walk([](const Amounts22& x, int reference) { return run2016(x, reference); });
+  walk([](const Few& x, int reference) { return run1995(x, reference); });
+  walk([](const Few& x, int reference) { return run2016(x, reference); });
   const auto f60 = run2016(natural, 7).properties, c15 = run2016(natural, 1).properties;
   EXPECT_LT(f60.density, c15.density);
   EXPECT_NEAR(f60.density / c15.density, 288.15 / 288.70, 3e-5);
@@ -136,7 +133,7 @@ TEST(Iso6976, ReferencesSelectTheirTemperatures) {
 
 TEST(Iso6976, SumsAreLinearInTheComposition) {
   constexpr double share = 0.3;
-  Amounts22 mixture;
+  Few mixture;
   for (std::size_t i = 0; i < n_common; ++i) mixture[i] = share * natural[i] + (1 - share) * lean[i];
   const auto check = [&](auto run) {
     const Properties a = run(natural).properties, b = run(lean).properties, m = run(mixture).properties;
@@ -160,24 +157,24 @@ TEST(Iso6976, SumsAreLinearInTheComposition) {
   for (auto mass : {atoms, tabulated}) {
     for (int reference = 1; reference <= 6; ++reference)
       for (auto method : {definitive, alternative})
-        check([=](const Amounts22& x) { return run1995(x, reference, mass, method); });
+        check([=](const Few& x) { return run1995(x, reference, mass, method); });
     for (int reference = 1; reference <= 7; ++reference)
-      check([=](const Amounts22& x) { return run2016(x, reference, mass); });
+      check([=](const Few& x) { return run2016(x, reference, mass); });
   }
 }
 
 // Hydrogen's negative factor keeps its sign: with a share of hydrogen the gas is nearer to ideal.
 TEST(Iso6976, HydrogenLowersTheSumOfFactors) {
-  Amounts22 with = lean, without = lean;
+  Few with = lean, without = lean;
   with[13] = 0.05, with[0] = lean[0] - 0.03;
   EXPECT_GT(run1995(with, 1).properties.compressibility, run1995(without, 1).properties.compressibility);
-  EXPECT_DOUBLE_EQ(run1995(pure<Amounts22>(13), 1).properties.compressibility, 1.0 - 0.0048 * 0.0048);
+  EXPECT_DOUBLE_EQ(run1995(pure<Few>(13), 1).properties.compressibility, 1.0 - 0.0048 * 0.0048);
 }
 
 // The full gas with the rare components absent is the gas of 22: both pick the same rows.
 TEST(Iso6976, AllComponentsAgreeWithTheCommonOnes) {
-  Amounts55 x55{};
-  Amounts60 x60{};
+  Of1995 x55{};
+  Of2016 x60{};
   for (std::size_t i = 0; i < n_common; ++i) x55[common_rows[i]] = x60[common_rows[i]] = natural[i];
   for (int reference = 1; reference <= 6; ++reference) {
     const auto few = run1995(natural, reference, tabulated, alternative).properties;
@@ -192,7 +189,7 @@ TEST(Iso6976, AllComponentsAgreeWithTheCommonOnes) {
 TEST(Iso6976, RangeOfApplication) {
   // {component in the order of 22, its limit}: at the limit inside, above it outside; methane the other way round.
   const auto gas = [](std::size_t i, double fraction) {
-    Amounts22 x{};
+    Few x{};
     x[0] = 1.0 - fraction;
     x[i] = fraction;
     return x;
@@ -205,7 +202,7 @@ TEST(Iso6976, RangeOfApplication) {
     EXPECT_EQ(outside.range.limit, limit);
     EXPECT_GT(outside.properties.wobbe, 0.0) << "a warning leaves the results valid";
   }
-  Amounts22 thin{};
+  Few thin{};
   thin[0] = 0.49, thin[1] = 0.15, thin[19] = 0.3, thin[2] = 0.05, thin[21] = 0.01;
   EXPECT_EQ(run1995(thin, 1).range.first_outside, 0);
   EXPECT_EQ(run2016(thin, 1).range.first_outside, 0);
@@ -213,7 +210,7 @@ TEST(Iso6976, RangeOfApplication) {
   EXPECT_EQ(component_name(59), "n-pentadecane");
   EXPECT_EQ(component_name(60), "");
 
-  Amounts60 heavy{};  // every fraction inside its limit, the gas far from ideal
+  Of2016 heavy{};  // every fraction inside its limit, the gas far from ideal
   heavy[0] = 0.5;
   for (std::size_t i : {14, 15, 16, 33, 34, 55, 56, 57, 58, 59}) heavy[i] = 0.05;
   EXPECT_EQ(run2016(heavy, 2).range.first_outside, Range::compressibility);
@@ -221,9 +218,9 @@ TEST(Iso6976, RangeOfApplication) {
 
 // The factors of the heaviest alkanes exceed 1, so that Z of the pure vapour is negative: no numbers, no NaN.
 TEST(Iso6976, NoCompressibilityFails) {
-  EXPECT_EQ(run2016(pure<Amounts60>(59), 2).outcome.status, calculation_error);
-  EXPECT_EQ(run2016(pure<Amounts60>(59), 1).outcome.status, success);
-  EXPECT_EQ(run1995(Amounts22{}, 1).outcome.status, calculation_error) << "no gas at all";
+  EXPECT_EQ(run2016(pure<Of2016>(59), 2).outcome.status, calculation_error);
+  EXPECT_EQ(run2016(pure<Of2016>(59), 1).outcome.status, success);
+  EXPECT_EQ(run1995(Few{}, 1).outcome.status, calculation_error) << "no gas at all";
 }
 
 // ---- Through the call path ---------------------------------------------------------------------------------------
@@ -232,115 +229,34 @@ TEST(Iso6976, NoCompressibilityFails) {
 constexpr std::array<double, 22> eight = {0.9247, 0.0175, 0.0068, 0.035, 0.0098, 0, 0, 0, 0, 0, 0.0034,
                                           0.0022, 0,      0.0006, 0,     0,      0, 0, 0, 0, 0, 0};
 
-class Iso6976Call : public testing::TestWithParam<const char16_t*> {};
-INSTANTIATE_TEST_SUITE_P(Functions, Iso6976Call,
-                         testing::Values(u"ISO6976_1995_M", u"ISO6976_2016_M", u"ISO6976ex_1995_M",
-                                         u"ISO6976ex_2016_M"));
-
-TEST_P(Iso6976Call, PercentIsTheSameGas) {
-  GasCall fractions(GetParam()), percent(GetParam());
-  std::array<double, 22> hundred;
-  for (std::size_t i = 0; i < 22; ++i) hundred[i] = eight[i] * 100.0;
-  EXPECT_EQ(fractions.cells(1, eight).run(), 0.0);
-  EXPECT_EQ(percent.cells(1, hundred).run(), 0.0);
-  for (std::size_t i = 1; i < 13; ++i) EXPECT_NEAR(percent.value(i), fractions.value(i), 1e-13 * fractions.value(i));
-}
-
-TEST_P(Iso6976Call, BadCompositions) {
-  const auto status = [&](auto change) {
-    std::array<double, 22> x = eight;
-    change(x);
-    GasCall call(GetParam());
-    const double result = call.cells(1, x).run();
-    EXPECT_TRUE(call.status_alone());
-    return result;
-  };
-  EXPECT_EQ(status([](auto& x) { x[0] = 0.9; }), 3.0);
-  EXPECT_EQ(status([](auto& x) { x[0] = 1e300; }), 3.0);
-  EXPECT_EQ(status([](auto& x) { x[3] = -0.035; }), 2.0);
-  EXPECT_EQ(status([](auto& x) { x[3] = nan_value; }), 2.0);
-  EXPECT_EQ(status([](auto& x) { x[3] = infinity; }), 2.0);
-  EXPECT_EQ(status([](auto& x) { x[3] = -infinity; }), 2.0);
-  EXPECT_EQ(status([](auto& x) { x = {}; }), 2.0);
-
-  GasCall cut(GetParam());  // 21 cells: the arguments cannot be read, the fallback outputs answer
-  EXPECT_EQ(cut.cells(1, std::span(eight).first(21)).run(), 1.0);
-  EXPECT_TRUE(cut.fell_back());
-  ASSERT_EQ(cut.context().messages.size(), 1u);
-  EXPECT_EQ(cut.context().messages[0], u"E [2] composition (0.9247) needs an array of 22 numbers");
-  std::vector<FUNCTION_ARG> mixed(22, FUNCTION_ARG::Number(0.0));
-  mixed[3] = test::text(u"ethane");
-  GasCall cell(GetParam());
-  EXPECT_EQ(cell.set(1, FUNCTION_ARG::OfArray(22, 1, mixed.data())).run(), 1.0);
-  ASSERT_EQ(cell.context().messages.size(), 1u);
-  EXPECT_EQ(cell.context().messages[0], u"E [2] composition (0) has no number in cell 4");
-  GasCall absent(GetParam());
-  EXPECT_EQ(absent.run(), 1.0);
-  EXPECT_TRUE(absent.fell_back());
-  GasCall word(GetParam());
-  EXPECT_EQ(word.set(1, test::text(u"methane")).run(), 1.0);
-  EXPECT_TRUE(word.fell_back());
-}
-
-TEST_P(Iso6976Call, OptionsOutsideTheirLists) {
-  const std::size_t inputs = catalogue::find(GetParam())->input_count;
-  const std::size_t reference = inputs - 3, mass = inputs - 2, method = inputs - 1;
-  for (double bad : {0.0, 9.0, -1.0, nan_value, infinity, 1e300}) {
-    GasCall a(GetParam()), b(GetParam()), c(GetParam());
-    EXPECT_EQ(a.cells(1, eight).set(reference, bad).run(), 1.0) << bad;
-    EXPECT_EQ(b.cells(1, eight).set(mass, bad).run(), 1.0) << bad;
-    EXPECT_TRUE(b.fell_back()) << bad;
-    EXPECT_FALSE(b.context().messages.empty());
-    EXPECT_EQ(c.cells(1, eight).set(method, bad).run(), 1.0) << bad;
-    EXPECT_TRUE(c.fell_back()) << bad;
+TEST(Iso6976Call, PercentIsTheSameGas) {
+  for (const char16_t* id : {u"ISO6976_1995_M", u"ISO6976_2016_M", u"ISO6976ex_1995_M", u"ISO6976ex_2016_M"}) {
+    test::Call fractions(id), percent(id);
+    std::array<double, 22> hundred;
+    for (std::size_t i = 0; i < 22; ++i) hundred[i] = eight[i] * 100.0;
+    EXPECT_EQ(fractions.list(1, eight).run(), 0);
+    EXPECT_EQ(percent.list(1, hundred).run(), 0);
+    for (std::size_t i = 1; i < 13; ++i)
+      EXPECT_NEAR(percent.value(i), fractions.value(i), 1e-13 * fractions.value(i));
   }
 }
 
-TEST_P(Iso6976Call, OutsideTheRangeIsAWarningAndASuccess) {
-  std::array<double, 22> x{};
-  x[0] = 0.49, x[1] = 0.3, x[3] = 0.15, x[4] = 0.05, x[2] = 0.01;
-  for (bool messages : {true, false}) {
-    GasCall call(GetParam());
-    call.context().EnableMessages(messages);
-    EXPECT_EQ(call.cells(1, x).run(), 0.0);
-    EXPECT_FALSE(call.fell_back());
-    EXPECT_EQ(call.value(12), 1.0);
-    EXPECT_GT(call.value(11), 0.0);
-    ASSERT_EQ(call.context().messages.size(), messages ? 1u : 0u);
-    if (messages) {
-      EXPECT_EQ(call.context().messages[0],
-                u"W The gas is outside the range of application of the standard: methane below 0.5");
-    }
-  }
-  GasCall inside(GetParam());
-  x = {1.0};
-  EXPECT_EQ(inside.cells(1, x).run(), 0.0);
-  EXPECT_EQ(inside.value(12), 0.0);
-  EXPECT_TRUE(inside.context().messages.empty());
-}
-
-TEST(Iso6976ExtendedCall, FurtherArraysAreOptionalAndComplete) {
-  // Each cell of each array moves the molar mass by its own component's.
+// Each cell of each further array moves the molar mass by its own component's; an empty array holds nothing.
+TEST(Iso6976Call, FurtherArraysHoldTheirComponents) {
   const auto walk = [](const char16_t* id,
                        std::initializer_list<std::pair<std::size_t, std::vector<double>>> arrays) {
     for (const auto& [input, masses] : arrays) {
       for (std::size_t k = 0; k < masses.size(); ++k) {
         std::vector<double> cells(masses.size(), 0.0);
         cells[k] = 0.02;
-        std::array<double, 22> x{};
-        x[0] = 0.98;
-        GasCall call(id);
-        call.cells(1, x).cells(input, cells).set(catalogue::find(id)->input_count - 2, 2.0);
-        EXPECT_EQ(call.run(), 0.0);
+        test::Call call(id);
+        call.list(1, std::vector<double>{0.98, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+        EXPECT_EQ(call.list(input, cells).set(u"molar mass method", 2.0).run(), 0);
         const double methane = id[10] == u'1' ? 16.043 : 16.04246;
         EXPECT_NEAR((call.value(5) - 0.98 * methane) / 0.02, masses[k], 0.003) << input << " " << k;
       }
-      GasCall cut(id);
-      cut.cells(1, eight).cells(input, std::vector<double>(masses.size() - 1, 0.0));
-      EXPECT_EQ(cut.run(), 1.0);
-      EXPECT_TRUE(cut.fell_back());
-      GasCall empty(id);
-      EXPECT_EQ(empty.cells(1, eight).cells(input, {}).run(), 0.0);
+      test::Call empty(id);
+      EXPECT_EQ(empty.list(1, eight).list(input, std::vector<double>{}).run(), 0);
     }
   };
   const std::vector<double> alkenes = {28.054, 42.081, 56.108, 56.108, 56.108, 56.108,

@@ -8,14 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "catalogue/catalogue.h"
-#include "tests/framework/test_context.h"
+#include "tests/support/call.h"
 
 namespace norvane::API_11_1_2004 {
 namespace {
 
-constexpr double inf = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+using test::infinite;
+using test::not_a_number;
 
 constexpr Group groups[] = {Group::crude,      Group::refined,  Group::fuel_oil,       Group::jet_fuel,
                             Group::transition, Group::gasoline, Group::lubricating_oil};
@@ -58,13 +57,12 @@ TEST(Api11_1_2004, PrintedIntermediateValues) {  // 11.1.6.1 examples 1 and 4, 1
   EXPECT_NEAR(ipts68_of_its90(-27.7), -27.712499233089, 5e-13);
   EXPECT_NEAR(ipts68_of_its90(85.0), 85.013358222928, 5e-13);
   Correction c;
-  ASSERT_EQ(observed_from_base({Group::crude}, density_of_gravity(17.785), -27.7, 0, Rounding::off, c).status, success);
+  ASSERT_TRUE(observed_from_base({Group::crude}, density_of_gravity(17.785), -27.7, 0, Rounding::off, c).good());
   EXPECT_NEAR(c.alpha, 0.000380407044, 5e-13);
-  ASSERT_EQ(observed_from_base({Group::refined}, density_of_relative(0.7943), 85, 247.3, Rounding::off, c).status,
-            success);
+  ASSERT_TRUE(observed_from_base({Group::refined}, density_of_relative(0.7943), 85, 247.3, Rounding::off, c).good());
   EXPECT_NEAR(c.alpha, 0.000524557068, 5e-13);
-  ASSERT_EQ(base_from_observed({Group::lubricating_oil}, MetricBase::degC15, 734.3, 150, 1, Rounding::off, c).status,
-            success);
+  ASSERT_TRUE(
+      base_from_observed({Group::lubricating_oil}, MetricBase::degC15, 734.3, 150, 1, Rounding::off, c).good());
   EXPECT_NEAR(c.base_density, 820.979105094945, 1e-6);
   EXPECT_NEAR(c.ctl, 0.894250233938, 2e-11);
   EXPECT_NEAR(c.cpl, 1.000189663064, 2e-12);
@@ -84,7 +82,7 @@ TEST(Api11_1_2004, RoundTripsOverTheWholeRange) {
         for (double degF = -58; degF <= 302; degF += 15) {
           for (const double psig : {0.0, 300.0, 1500.0}) {
             Correction there, back, again;
-            ASSERT_EQ(observed_from_base(liquid, rho60, degF, psig, Rounding::off, there).status, success);
+            ASSERT_TRUE(observed_from_base(liquid, rho60, degF, psig, Rounding::off, there).good());
             const double observed = there.observed_density;
             const Outcome outcome = base.to_base(liquid, observed, degF, psig, back);
             if (!outcome.good()) {
@@ -119,9 +117,9 @@ TEST(Api11_1_2004, LowerOfTwoSolutionsIsFlagged) {
         for (const double psig : {100.0, 600.0, 900.0, 1200.0, 1500.0}) {
           SCOPED_TRACE(std::to_string(rho60) + " " + std::to_string(degF) + " " + std::to_string(psig));
           Correction there, back;
-          ASSERT_EQ(observed_from_base(liquid, rho60, degF, psig, Rounding::off, there).status, success);
+          ASSERT_TRUE(observed_from_base(liquid, rho60, degF, psig, Rounding::off, there).good());
           ASSERT_FALSE(there.out_of_range);
-          ASSERT_EQ(base_from_observed(liquid, there.observed_density, degF, psig, Rounding::off, back).status, success);
+          ASSERT_TRUE(base_from_observed(liquid, there.observed_density, degF, psig, Rounding::off, back).good());
           if (std::fabs(back.base_density - rho60) <= 1e-8 * rho60) continue;
           ++lower;
           ASSERT_TRUE(back.out_of_range) << back.base_density;
@@ -141,9 +139,8 @@ TEST(Api11_1_2004, BoundariesOfRefinedGroupsNeverGiveAWrongValue) {
     for (const double degF : {-58.0, 20.0, 59.0, 61.0, 110.0, 302.0}) {
       for (const double psig : {0.0, 1500.0}) {
         Correction below, from;
-        ASSERT_EQ(observed_from_base(liquid, std::nextafter(boundary, 0), degF, psig, Rounding::off, below).status,
-                  success);
-        ASSERT_EQ(observed_from_base(liquid, boundary, degF, psig, Rounding::off, from).status, success);
+        ASSERT_TRUE(observed_from_base(liquid, std::nextafter(boundary, 0), degF, psig, Rounding::off, below).good());
+        ASSERT_TRUE(observed_from_base(liquid, boundary, degF, psig, Rounding::off, from).good());
         ASSERT_NE(below.group, from.group);
         const double jump = from.observed_density - below.observed_density;
         ASSERT_LT(std::fabs(jump), 1e-4);
@@ -160,9 +157,9 @@ TEST(Api11_1_2004, BoundariesOfRefinedGroupsNeverGiveAWrongValue) {
             ASSERT_LT(observed, from.observed_density + edge);
             continue;
           }
-          ASSERT_EQ(outcome.status, success);
+          ASSERT_TRUE(outcome.good());
           ASSERT_TRUE(in_own_band(found.group, found.base_density));
-          ASSERT_EQ(observed_from_base(liquid, found.base_density, degF, psig, Rounding::off, check).status, success);
+          ASSERT_TRUE(observed_from_base(liquid, found.base_density, degF, psig, Rounding::off, check).good());
           ASSERT_NEAR(check.observed_density, observed, 1e-6);
           ASSERT_EQ(check.group, found.group);
         }
@@ -192,22 +189,22 @@ TEST(Api11_1_2004, RangeFlags) {
   for (const Case& c : cases) {
     SCOPED_TRACE(std::to_string(c.rho60) + " " + std::to_string(c.degF) + " " + std::to_string(c.psig));
     Correction there, back;
-    ASSERT_EQ(observed_from_base(c.liquid, c.rho60, c.degF, c.psig, Rounding::off, there).status, success);
+    ASSERT_TRUE(observed_from_base(c.liquid, c.rho60, c.degF, c.psig, Rounding::off, there).good());
     EXPECT_EQ(there.out_of_range, c.out);
-    ASSERT_EQ(base_from_observed(c.liquid, there.observed_density, c.degF, c.psig, Rounding::off, back).status, success);
+    ASSERT_TRUE(base_from_observed(c.liquid, there.observed_density, c.degF, c.psig, Rounding::off, back).good());
     EXPECT_NEAR(back.base_density, c.rho60, 2e-6);
   }
   // Observed densities have limits of their own.
   Correction c;
-  ASSERT_EQ(base_from_observed({Group::crude}, 1201.9, -58, 1500, Rounding::off, c).status, success);
+  ASSERT_TRUE(base_from_observed({Group::crude}, 1201.9, -58, 1500, Rounding::off, c).good());
   EXPECT_TRUE(c.out_of_range);
 }
 
 TEST(Api11_1_2004, NegativePressureCorrectsNothing) {
   for (const Base& base : bases) {
     Correction c, zero;
-    ASSERT_EQ(base.to_base({Group::crude}, 823.7, 80, -7.3, c).status, success);
-    ASSERT_EQ(base.to_base({Group::crude}, 823.7, 80, 0, zero).status, success);
+    ASSERT_TRUE(base.to_base({Group::crude}, 823.7, 80, -7.3, c).good());
+    ASSERT_TRUE(base.to_base({Group::crude}, 823.7, 80, 0, zero).good());
     EXPECT_EQ(c.cpl, 1.0);
     EXPECT_EQ(c.base_density, zero.base_density);
     EXPECT_EQ(c.f, zero.f);
@@ -221,122 +218,62 @@ TEST(Api11_1_2004, SpecialApplicationAgreesWithTheCorrelation) {
   for (const double rho60 : {650.0, 800.0, 1000.0}) {
     for (const double degF : {-40.0, 75.0, 250.0}) {
       Correction crude, special, back;
-      ASSERT_EQ(observed_from_base({Group::crude}, rho60, degF, 900, Rounding::off, crude).status, success);
+      ASSERT_TRUE(observed_from_base({Group::crude}, rho60, degF, 900, Rounding::off, crude).good());
       const Liquid liquid{Group::special, crude.alpha};
-      ASSERT_EQ(observed_from_base(liquid, rho60, degF, 900, Rounding::off, special).status, success);
+      ASSERT_TRUE(observed_from_base(liquid, rho60, degF, 900, Rounding::off, special).good());
       EXPECT_NEAR(special.ctl, crude.ctl, 1e-15);
       EXPECT_NEAR(special.cpl, crude.cpl, 1e-9);
       EXPECT_EQ(special.alpha, crude.alpha);
-      ASSERT_EQ(base_from_observed(liquid, special.observed_density, degF, 900, Rounding::off, back).status, success);
+      ASSERT_TRUE(base_from_observed(liquid, special.observed_density, degF, 900, Rounding::off, back).good());
       EXPECT_NEAR(back.base_density, rho60, 1e-9 * rho60);
     }
   }
 }
 
 TEST(Api11_1_2004, HostileNumbersEndWithAnErrorOrFiniteResults) {
-  const double hostile[] = {0.0, -0.0, nan,    inf,  -inf, 1e-310, 5e-324, -1e-310, 1e-9,  1e-3,
-                            0.1, 1.0,  -850.0, 30.0, 200., 850.0,  1e6,    1e300,   -1e300};
-  for (const Group group : groups) {
-    for (const double rho : hostile) {
-      for (const double t : {60.0, -459.67, 400.0, nan, inf, -inf, 1e-310, 1e300}) {
-        for (const double p : {0.0, 2000.0, nan, inf, -inf, 1e300}) {
-          for (const Base& base : bases) {
-            for (const bool to_base : {true, false}) {
-              Correction c;
-              const Outcome outcome =
-                  to_base ? base.to_base({group}, rho, t, p, c) : base.to_observed({group}, rho, t, p, c);
-              const bool sane = std::isfinite(rho) && std::isfinite(t) && std::isfinite(p);
-              if (!sane || rho == 0.0) {
-                ASSERT_EQ(outcome.status, calculation_error) << rho << ' ' << t << ' ' << p;
-              }
-              if (!outcome.good()) continue;
-              for (const double x : {c.base_density, c.observed_density, c.ctl, c.cpl, c.ctpl, c.alpha, c.f}) {
-                ASSERT_TRUE(std::isfinite(x)) << rho << ' ' << t << ' ' << p;
-              }
-              if (rho < 100 || rho > 1e4) {
-                ASSERT_TRUE(c.out_of_range) << rho << ' ' << t << ' ' << p;
-              }
-            }
-          }
-        }
-      }
+  const double densities[] = {0.0, -0.0, not_a_number, infinite, -infinite, 1e-310, 5e-324, -1e-310, 1e-9,  1e-3,
+                              0.1, 1.0,  -850.0,       30.0,     200.0,     850.0,  1e6,    1e300,   -1e300};
+  const double temperatures[] = {60.0, -459.67, 400.0, not_a_number, infinite, -infinite, 1e-310, 1e300};
+  const double pressures[] = {0.0, 2000.0, not_a_number, infinite, -infinite, 1e300};
+  test::Random random(u"API 11.1", 0, 0);
+  for (int n = 0; n < 40000; ++n) {
+    const Liquid liquid{groups[random.below(std::size(groups))]};
+    const Base& base = bases[random.below(std::size(bases))];
+    const double rho = densities[random.below(std::size(densities))];
+    const double t = temperatures[random.below(std::size(temperatures))];
+    const double p = pressures[random.below(std::size(pressures))];
+    Correction c;
+    const Outcome outcome =
+        random.below(2) != 0 ? base.to_base(liquid, rho, t, p, c) : base.to_observed(liquid, rho, t, p, c);
+    SCOPED_TRACE(testing::Message() << rho << ' ' << t << ' ' << p);
+    if (!std::isfinite(rho) || !std::isfinite(t) || !std::isfinite(p) || rho == 0.0) {
+      ASSERT_EQ(outcome.status, calculation_error);
     }
+    if (!outcome.good()) continue;
+    for (const double x : {c.base_density, c.observed_density, c.ctl, c.cpl, c.ctpl, c.alpha, c.f})
+      ASSERT_TRUE(std::isfinite(x));
+    ASSERT_TRUE(c.out_of_range || (rho >= 100 && rho <= 1e4));
   }
   Correction c;
   EXPECT_EQ(observed_from_base({static_cast<Group>(8)}, 850, 60, 0, Rounding::off, c).status, argument_error);
-  EXPECT_EQ(observed_from_base({Group::special, nan}, 850, 60, 0, Rounding::off, c).status, calculation_error);
+  EXPECT_EQ(observed_from_base({Group::special, not_a_number}, 850, 60, 0, Rounding::off, c).status,
+            calculation_error);
 }
 
-// The function records: options, their report, and which outputs are written.
-class Api11_1_2004Function : public testing::Test {
- protected:
-  const FUNCTION_ARG& call(std::u16string_view id, double value, double t, double p, double product,
-                           double rounding) {
-    const Function_CFunctionSpec* spec = catalogue::find(id);
-    EXPECT_NE(spec, nullptr);
-    const auto number = [](double x) { return FUNCTION_ARG::Number(x); };
-    status_ = context_.Run(
-        *spec, {FUNCTION_ARG::Missing(), number(value), number(t), number(p), number(product), number(rounding)});
-    EXPECT_EQ(context_.output.kind, ARG_ARRAY);
-    return context_.output;
-  }
-  double out(std::size_t index) {
-    const FUNCTION_ARG& element = context_.output.array.elements[index];
-    return element.kind == ARG_INTEGER ? element.integer : element.kind == ARG_NUMBER ? element.number : nan;
-  }
-  test::TestContext context_;
-  std::uint32_t status_ = 0;
-};
-
-TEST_F(Api11_1_2004Function, ProductOptionsSelectAndReportTheirConstants) {
-  struct Case {
-    double product, rho60, reported, k0, k1, k2;
-  };
-  const Case cases[] = {
-      {1, 800, 1, 341.0957, 0, 0},          {2, 700, 3, 192.4571, 0.2438, 0}, {2, 780, 4, 1489.067, 0, -0.0018684},
-      {2, 800, 5, 330.3010, 0, 0},          {2, 900, 6, 103.8720, 0.2701, 0}, {3, 800, 3, 192.4571, 0.2438, 0},
-      {4, 800, 4, 1489.067, 0, -0.0018684}, {5, 900, 5, 330.3010, 0, 0},      {6, 800, 6, 103.8720, 0.2701, 0},
-      {7, 900, 7, 0, 0.34878, 0},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::to_string(c.product) + " " + std::to_string(c.rho60));
-    call(u"API_Table24_2004", c.rho60 / 999.016, 75, 10, c.product, 0);
-    EXPECT_EQ(out(0), 0);
-    EXPECT_EQ(out(5), c.k0);
-    EXPECT_EQ(out(6), c.k1);
-    EXPECT_EQ(out(7), c.k2);
-    EXPECT_EQ(out(10), c.reported);
-  }
-}
-
-TEST_F(Api11_1_2004Function, OptionsOutsideTheirListAreArgumentErrors) {
-  for (const double product : {0.0, 8.0, -1.0, 1.5, nan, inf, 4294967297.0}) {
-    call(u"API_Table54_2004", 850, 25, 0, product, 0);
-    EXPECT_EQ(status_, 0u);
-    EXPECT_EQ(out(0), 1) << product;
-  }
-  call(u"API_Table54_2004", 850, 200.1, 0, 1, 0);
-  EXPECT_EQ(out(0), 1);
-  // A NaN passes the bounds and must not pass the calculation.
-  call(u"API_Table54_2004", nan, 25, 0, 1, 0);
-  EXPECT_EQ(out(0), 2);
-  EXPECT_EQ(context_.output.array.elements[1].kind, ARG_EMPTY);
-}
-
-TEST_F(Api11_1_2004Function, RoundingTouchesCtplOnly) {
-  for (const char16_t* id : {u"API_Table5_2004", u"API_Table60_2004"}) {
-    std::vector<double> plain;
-    call(id, id[9] == u'5' ? 36.3 : 871.3, 87.3, 21, 1, 0);
-    for (std::size_t i = 0; i < 12; ++i) plain.push_back(out(i));
-    call(id, id[9] == u'5' ? 36.3 : 871.3, 87.3, 21, 1, 1);
-    for (std::size_t i = 0; i < 12; ++i) {
-      if (i != 4) {
-        EXPECT_EQ(out(i), plain[i]) << i;
+TEST(Api11_1_2004, RoundingTouchesCtplOnly) {
+  for (const auto& [id, value] : {std::pair{u"API_Table5_2004", 36.3}, {u"API_Table60_2004", 871.3}}) {
+    test::Call plain(id), rounded(id);
+    for (test::Call* call : {&plain, &rounded}) call->set(1, value).set(2, 87.3).set(3, 21.0);
+    ASSERT_EQ(plain.run(), 0);
+    ASSERT_EQ(rounded.set(u"api rnd", 1.0).run(), 0);
+    for (const Function_COutput& output : plain.spec().output_records()) {
+      if (output.key != u"ctpl") {
+        EXPECT_EQ(rounded[output.key], plain[output.key]);
       }
     }
-    EXPECT_NE(out(4), plain[4]);
-    EXPECT_NEAR(out(4), plain[4], 5e-6);
-    EXPECT_EQ(out(4), std::round(out(4) * 1e5) / 1e5);
+    EXPECT_NE(rounded[u"ctpl"], plain[u"ctpl"]);
+    EXPECT_NEAR(rounded[u"ctpl"], plain[u"ctpl"], 5e-6);
+    EXPECT_EQ(rounded[u"ctpl"], std::round(rounded[u"ctpl"] * 1e5) / 1e5);
   }
 }
 
