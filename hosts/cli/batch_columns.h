@@ -1,40 +1,51 @@
-// The columns of a batch: what each cell of a row means.
+// The columns of a batch: what each cell of a row means to the function, and which of them the answer repeats.
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "hosts/cli/session.h"
+#include "hosts/cli/commands.h"
+#include "hosts/cli/target.h"
 
 namespace norvane::cli {
 
-struct BatchColumn {
-  static constexpr std::size_t whole = static_cast<std::size_t>(-1);
-  std::size_t input = 0;
-  std::size_t cell = whole;  // place in a range, or the whole argument
-  std::uint32_t unit = 0;    // of numbers that name none; 0: the input's own
-};
-
 class BatchColumns {
  public:
-  // Reads the header: "pressure", "pressure [psia]", "composition[0]", "methane". `fixed` holds the arguments
-  // that are the same for every row. Throws UsageError naming the column.
-  BatchColumns(const Function_CFunctionSpec& spec, const std::vector<std::string>& header, Session& fixed);
+  // Reads the header: "pressure", "pressure [psia]", "composition[0]", "methane [mol%]"; any other column is passed
+  // on, unless it looks like a slip for an input that nothing else gives. Throws UsageError naming the column.
+  BatchColumns(const Function_CFunctionSpec& spec, const std::vector<std::string>& header,
+               const BatchOptions& options, const Reading& reading);
 
-  std::size_t count() const { return columns_.size(); }
+  std::size_t count() const { return header_.size(); }
+  bool kept(std::size_t column) const { return kept_[column]; }
+  // The header of the answer: kept columns, outputs, messages. An output whose name is taken gets the function's before
+  // it.
+  std::string answer_header(char delimiter) const;
   // Puts one row's cells into a call that was begun. Throws UsageError.
   void read(Session& session, const std::vector<std::string>& cells) const;
 
  private:
-  BatchColumn column(const std::string& title) const;
+  void find_targets(const BatchOptions& options, const std::vector<std::string>& constants, std::size_t first_set);
+  void choose_kept(const BatchOptions& options);
+  std::size_t column_named(std::string_view name, std::string_view option) const;
+  void refuse_slip(const std::string& title) const;
+  void refuse_missing() const;
+
+  struct Use {
+    std::size_t column;
+    std::size_t target;
+  };
 
   const Function_CFunctionSpec& spec_;
-  std::vector<BatchColumn> columns_;
-  std::vector<std::size_t> range_sizes_;  // of each input; 0: none built from cells
-  std::vector<FUNCTION_ARG> fixed_;
-  const Unit_CTypeAndUnitContainer& units_;
+  const Reading& reading_;
+  std::vector<std::string> header_;
+  std::vector<bool> kept_;
+  Session constants_;  // a call of its own, never run, that holds what is the same in every row
+  std::vector<FUNCTION_ARG> constant_values_;
+  Targets targets_;  // the constants first
+  std::vector<Use> uses_;
 };
 
 }  // namespace norvane::cli

@@ -6,6 +6,7 @@
 
 #include "hosts/cli/errors.h"
 #include "hosts/cli/output.h"
+#include "hosts/cli/reading.h"
 
 namespace norvane::cli {
 
@@ -23,14 +24,24 @@ struct DescribeOptions {
 };
 ExitCode describe(const DescribeOptions& options, Output& out);
 
+ExitCode components(bool json, Output& out);
+
 struct CallOptions {
   std::string id;
   std::vector<std::string> inputs;
+  ReadingOptions reading;
+  int precision = 0;  // significant digits; 0: those of the text form
   bool json = false;
+  bool strict = false;
 };
 ExitCode call(const CallOptions& options, Output& out);
 
-ExitCode eval(Output& out);
+struct EvalOptions {
+  ReadingOptions reading;
+  unsigned jobs = 1;
+  bool strict = false;
+};
+ExitCode eval(const EvalOptions& options, Output& out);
 
 struct ConvertOptions {
   std::string value, from, to;
@@ -39,16 +50,23 @@ struct ConvertOptions {
 ExitCode convert(const ConvertOptions& options, Output& out);
 
 struct DocOptions {
-  std::string folder = "docs/functions";
+  std::string folder;
 };
 ExitCode doc(const DocOptions& options, Output& out);
 
 struct BatchOptions {
   std::string id;
   std::vector<std::string> inputs;  // key=value for every row
-  std::string in;                   // empty: standard input
-  std::string out;                  // empty: standard output
-  unsigned jobs = 0;                // 0: one for each processor
+  std::vector<std::string> set;     // the same, in place of a column of that name
+  std::vector<std::string> map;     // key=column
+  std::vector<std::string> keep;    // columns that the answer repeats
+  ReadingOptions reading;
+  std::string in;     // empty: standard input
+  std::string out;    // empty: standard output
+  unsigned jobs = 0;  // 0: one for each processor
+  int precision = 0;  // significant digits; 0: as many as it takes
+  bool only_outputs = false;
+  bool strict = false;
 };
 ExitCode batch(const BatchOptions& options, Output& out);
 

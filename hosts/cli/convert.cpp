@@ -9,9 +9,9 @@
 namespace norvane::cli {
 namespace {
 
-std::vector<const Unit_CEntry*> known_units(const Unit_CTypeAndUnitContainer& units, const std::string& text) {
-  std::vector<const Unit_CEntry*> named = units_named(units, text);
-  if (named.empty()) throw UsageError(in_quotes(text) + " is no unit" + unit_suggestion(units, text));
+std::vector<const Unit_CEntry*> known_units(const std::string& text) {
+  std::vector<const Unit_CEntry*> named = units_named(text);
+  if (named.empty()) throw UsageError(in_quotes(text) + " is no unit" + unit_suggestion(text));
   return named;
 }
 
@@ -23,8 +23,8 @@ ExitCode convert(const ConvertOptions& options, Output& out) {
   if (!parse_number(to_utf16(options.value), value)) throw UsageError(in_quotes(options.value) + " is not a number");
 
   // A symbol may stand for units of several quantities: the first pair of one quantity is meant.
-  const std::vector<const Unit_CEntry*> from = known_units(units, options.from);
-  const std::vector<const Unit_CEntry*> to = known_units(units, options.to);
+  const std::vector<const Unit_CEntry*> from = known_units(options.from);
+  const std::vector<const Unit_CEntry*> to = known_units(options.to);
   const Unit_CEntry* source = nullptr;
   const Unit_CEntry* target = nullptr;
   for (const Unit_CEntry* a : from)
@@ -34,8 +34,8 @@ ExitCode convert(const ConvertOptions& options, Output& out) {
         target = b;
       }
   if (source == nullptr)
-    throw UsageError(to_utf8(from.front()->text) + " is a unit of " + quantity_of(units, from.front()->code) +
-                     ", but " + to_utf8(to.front()->text) + " is one of " + quantity_of(units, to.front()->code));
+    throw UsageError(to_utf8(from.front()->text) + " is a unit of " + quantity_of(from.front()->code) + ", but " +
+                     to_utf8(to.front()->text) + " is one of " + quantity_of(to.front()->code));
   if (const std::uint32_t result = units.Convert(source->code, target->code, value); result != UNIT_OK)
     throw UsageError("the value cannot be converted");
   const bool finite = std::isfinite(value);

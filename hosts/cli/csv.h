@@ -8,7 +8,7 @@
 
 namespace norvane::cli {
 
-// Finds the ends of records in a text that arrives in pieces.
+// Finds the ends of records in a text that arrives in pieces. A record that begins with '#' ends with its line.
 class RecordEnds {
  public:
   explicit RecordEnds(char delimiter = ',') : delimiter_(delimiter) {}
@@ -17,9 +17,9 @@ class RecordEnds {
   std::size_t next(std::string_view text, std::size_t from);
 
  private:
-  enum class State { field_start, plain, quoted, quote_in_quoted };
+  enum class State { record_start, comment, field_start, plain, quoted, quote_in_quoted };
   char delimiter_;
-  State state_ = State::field_start;
+  State state_ = State::record_start;
 };
 
 // The fields of one record (its line end may be there or not). Quoted fields lose their quotation marks.
@@ -29,8 +29,18 @@ bool split_record(std::string_view record, char delimiter, std::vector<std::stri
 // A field as it is written: in quotation marks when it needs them.
 void append_field(std::string& out, std::string_view field, char delimiter);
 
+// True for a line that is kept as it is: it begins with '#' and its first field is no error value such as #N/A.
+bool is_comment(std::string_view record);
+// Lines that a record takes in its file: one more than the line feeds inside it.
+std::size_t lines_of(std::string_view record);
+
 // ',' unless the line has none and has ';' or tabs instead.
 char delimiter_of(std::string_view line);
+
+// "sep=;", with which spreadsheets say the delimiter in a line of its own; 0 for any other line.
+char separator_line(std::string_view line);
+// The delimiter of a text whose first line may say it; that line is taken away. Comments do not count.
+char take_delimiter(std::string_view& text);
 
 inline constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
 

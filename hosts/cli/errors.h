@@ -25,4 +25,10 @@ class InputOutputError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The user has asked the program to stop; see Interruption.
+class Interrupted : public std::runtime_error {
+ public:
+  Interrupted() : std::runtime_error("interrupted") {}
+};
+
 }  // namespace norvane::cli

@@ -9,9 +9,11 @@
 
 #include "catalogue/catalogue.h"
 #include "core/text.h"
+#include "hosts/cli/composition_names.h"
 #include "hosts/cli/errors.h"
 #include "hosts/cli/json_text.h"
 #include "hosts/cli/names.h"
+#include "hosts/cli/values.h"
 
 namespace norvane::cli {
 namespace {
@@ -36,6 +38,7 @@ struct Cell {
 struct Value {
   enum class Shape : std::uint8_t { scalar, list, rows };
   std::string key;
+  std::string gas;  // of {"composition":{"methane":0.9}}: the key around it, else empty
   std::size_t first_cell = 0;
   std::size_t cells = 0;
   std::size_t rows = 0;
@@ -46,13 +49,14 @@ struct Value {
 // Members of a file of check values, which a call does not need.
 constexpr std::array<std::string_view, 6> skipped_members = {"outputs", "rtol", "atol", "rtols", "atols", "source"};
 
-const std::vector<std::string> call_members = {"function", "inputs"};
+const std::vector<std::string> call_members = {"id", "function", "inputs"};
 
 }  // namespace
 
 // Receives the parser's events and keeps what a call needs; its buffers are used again for the next line. An
 // event that no call allows stops the parser at once, so that depth and size of hostile text cost nothing.
 struct JsonCalls::Reader {
+  std::string id;  // as it is to be echoed, empty when there is none
   std::string function;
   std::vector<Value> inputs;  // the first `input_count` belong to this line
   std::size_t input_count = 0;
@@ -61,16 +65,34 @@ struct JsonCalls::Reader {
   std::string problem;
 
   // What may come next. In `list` a row may come too; `error` to `error_end` is the way through {"error":"#N/A"}.
-  enum class Place { start, call, function, inputs, value, list, row, error, error_text, error_end, skipped, end };
+  enum class Place {
+    start,
+    call,
+    id,
+    function,
+    inputs,
+    value,
+    list,
+    row,
+    error,
+    error_text,
+    error_end,
+    skipped,
+    end
+  };
   Place place = Place::start;
   Place around_error = Place::value;
+  std::string gas;  // key of the object that names components
   std::uint32_t error_code = ERROR_OK;
   bool function_given = false;
   bool inputs_given = false;
+  bool in_gas = false;  // within {"composition":{...}}
   std::size_t skipped_depth = 0;
 
   void reset(Place first) {
     place = first;
+    id.clear();
+    in_gas = false;
     function.clear();
     input_count = 0;
     cells.clear();
@@ -84,6 +106,7 @@ struct JsonCalls::Reader {
     if (input_count == inputs.size()) inputs.emplace_back();
     Value& value = inputs[input_count++];
     value.key = key;
+    value.gas.clear();
     value.first_cell = cells.size();
     value.cells = value.rows = value.columns = 0;
     value.shape = Value::Shape::scalar;
@@ -91,17 +114,28 @@ struct JsonCalls::Reader {
   }
   Value& current() { return inputs[input_count - 1]; }
 
-  bool null() { return scalar({}); }
+  bool null() { return place == Place::id ? echo("null") : scalar({}); }
   bool boolean(bool given) {
+    if (place == Place::id) return echo(given ? "true" : "false");
     Cell cell;
     cell.kind = Cell::Kind::boolean;
     cell.boolean = given;
     return scalar(cell);
   }
-  bool number_integer(json::number_integer_t given) { return number(static_cast<double>(given)); }
-  bool number_unsigned(json::number_unsigned_t given) { return number(static_cast<double>(given)); }
-  bool number_float(json::number_float_t given, const std::string&) { return number(given); }
+  bool number_integer(json::number_integer_t given) {
+    return place == Place::id ? echo(std::to_string(given)) : number(static_cast<double>(given));
+  }
+  bool number_unsigned(json::number_unsigned_t given) {
+    return place == Place::id ? echo(std::to_string(given)) : number(static_cast<double>(given));
+  }
+  bool number_float(json::number_float_t given, const std::string& text) {
+    return place == Place::id ? echo(text) : number(given);
+  }
   bool string(std::string& given) {
+    if (place == Place::id) {
+      append_text(id, given);
+      return echo({});
+    }
     if (place == Place::function) {
       function = given;
       place = Place::call;
@@ -139,8 +173,22 @@ struct JsonCalls::Reader {
     switch (place) {
       case Place::skipped: return true;
       case Place::call: return member(given);
-      case Place::inputs: begin_value(given); return true;
-      case Place::error: place = Place::error_text; return given == "error" || refuse_here("");
+      case Place::inputs:
+        begin_value(given);
+        if (in_gas) current().gas = gas;
+        return true;
+      case Place::error:
+        if (given == "error") {
+          place = Place::error_text;
+          return true;
+        }
+        if (around_error != Place::value || in_gas) return refuse_here("");
+        in_gas = true;
+        gas = current().key;
+        --input_count;
+        begin_value(given);
+        current().gas = gas;
+        return true;
       default: return refuse_here("");
     }
   }
@@ -148,7 +196,10 @@ struct JsonCalls::Reader {
     Cell cell;
     switch (place) {
       case Place::skipped: leave_skipped(); return true;
-      case Place::inputs: place = Place::call; return true;
+      case Place::inputs:
+        if (!in_gas) place = Place::call;
+        in_gas = false;
+        return true;
       case Place::call: place = Place::end; return true;
       case Place::error_end:
         place = around_error;
@@ -215,12 +266,21 @@ struct JsonCalls::Reader {
       case Place::start:
       case Place::call:
       case Place::end: return refuse("a call is an object with \"function\" and \"inputs\"");
+      case Place::id: return refuse("\"id\" must be a text or a number");
       case Place::function: return refuse("\"function\" must be a text");
       case Place::inputs: return refuse("\"inputs\" must be an object");
       default: break;
     }
-    return refuse("input " + in_quotes(current().key) + ": " +
-                  (what.empty() ? "the only object that may stand here is {\"error\":\"#N/A\"}" : std::string(what)));
+    return refuse(
+        "input " + in_quotes(current().key) + ": " +
+        (what.empty()
+             ? "the objects that may stand here are {\"error\":\"#N/A\"} and, for a gas, {\"methane\":0.9,...}"
+             : std::string(what)));
+  }
+  bool echo(std::string_view text) {
+    id += text;
+    place = Place::call;
+    return true;
   }
   bool number(double given) {
     Cell cell;
@@ -245,6 +305,10 @@ struct JsonCalls::Reader {
     return true;
   }
   bool member(const std::string& given) {
+    if (given == "id") {
+      place = Place::id;
+      return id.empty() || refuse("\"id\" is given twice");
+    }
     if (given == "function" || given == "inputs") {
       bool& seen = given == "function" ? function_given : inputs_given;
       if (seen) return refuse(in_quotes(given) + " is given twice");
@@ -264,23 +328,32 @@ struct JsonCalls::Reader {
 
 namespace {
 
-FUNCTION_ARG argument_of(Session& session, const Cell& cell, std::string_view pool) {
+FUNCTION_ARG argument_of(Session& session, const Target& target, const Cell& cell, std::string_view pool,
+                         const Reading& reading) {
   switch (cell.kind) {
-    case Cell::Kind::number: return FUNCTION_ARG::Number(cell.number);
+    case Cell::Kind::number: return read_number_cell(session, target, cell.number, reading);
     case Cell::Kind::boolean: return FUNCTION_ARG::Boolean(cell.boolean);
-    case Cell::Kind::text: return session.text(pool.substr(cell.text.offset, cell.text.size));
+    case Cell::Kind::text: {
+      const std::string_view text = pool.substr(cell.text.offset, cell.text.size);
+      const std::uint32_t type = target.record->type;
+      return type == data_type::any || type == data_type::unit ? session.text(text)
+                                                               : read_cell(session, target, text, reading);
+    }
     case Cell::Kind::error: return FUNCTION_ARG::Error(cell.error);
     case Cell::Kind::blank: break;
   }
   return FUNCTION_ARG::Empty();
 }
 
-FUNCTION_ARG argument_of(Session& session, const Value& value, const std::vector<Cell>& cells,
-                         std::string_view pool) {
-  if (value.shape == Value::Shape::scalar) return argument_of(session, cells[value.first_cell], pool);
+FUNCTION_ARG argument_of(Session& session, const Target& target, const Value& value, const std::vector<Cell>& cells,
+                         std::string_view pool, const Reading& reading) {
+  if (value.shape == Value::Shape::scalar)
+    return argument_of(session, target, cells[value.first_cell], pool, reading);
+  if (target.cell != Target::whole)
+    throw UsageError("input " + in_quotes(value.key) + " takes one value, not a list");
   FUNCTION_ARG array = session.array(value.columns, value.rows);
   for (std::size_t i = 0; i < value.cells; ++i)
-    array.array.elements[i] = argument_of(session, cells[value.first_cell + i], pool);
+    array.array.elements[i] = argument_of(session, target, cells[value.first_cell + i], pool, reading);
   return array;
 }
 
@@ -295,7 +368,8 @@ bool parse(JsonCalls::Reader& reader, std::string_view text) {
 
 }  // namespace
 
-JsonCalls::JsonCalls() : reader_(std::make_unique<Reader>()), inputs_(catalogue::specifications().size()) {}
+JsonCalls::JsonCalls(Reading reading)
+    : reading_(std::move(reading)), reader_(std::make_unique<Reader>()), plans_(catalogue::specifications().size()) {}
 JsonCalls::~JsonCalls() = default;
 
 const Function_CFunctionSpec& JsonCalls::function(const std::string& id) {
@@ -306,86 +380,131 @@ const Function_CFunctionSpec& JsonCalls::function(const std::string& id) {
   return spec;
 }
 
-std::size_t JsonCalls::input(const Function_CFunctionSpec& spec, const std::string& key, std::size_t expected) {
-  std::vector<std::string>& keys = inputs_[spec.position];
-  if (keys.empty())
-    for (const Function_CInput& record : spec.input_records()) keys.push_back(to_utf8(record.key));
-  // Callers name the inputs in their order, more often than not.
-  for (std::size_t i = expected; i < keys.size(); ++i)
-    if (equal_names(keys[i], key)) return i;
-  for (std::size_t i = 0; i < keys.size() && i < expected; ++i)
-    if (equal_names(keys[i], key)) return i;
-  return find_input(spec, key);
+// Callers repeat the names of the line before, more often than not.
+const Targets& JsonCalls::targets(const Function_CFunctionSpec& spec) {
+  const std::span<const Value> inputs(reader_->inputs.data(), reader_->input_count);
+  std::unique_ptr<Plan>& plan = plans_[spec.position];
+  const auto same = [](const std::string& name, const Value& value) {
+    // A key and the gas around it make one name; no key holds a zero byte.
+    return value.gas.empty() ? name == value.key : name == value.key + '\0' + value.gas;
+  };
+  if (plan != nullptr && std::equal(plan->names.begin(), plan->names.end(), inputs.begin(), inputs.end(), same))
+    return plan->targets;
+  auto made = std::make_unique<Plan>(spec);
+  for (const Value& value : inputs) {
+    const std::string what = "input " + in_quotes(value.key);
+    if (!value.gas.empty()) {
+      const std::size_t gas = composition_input(spec);
+      if (gas == spec.input_count || !equal_names(to_utf8(spec.inputs[gas].key), value.gas))
+        throw UsageError("input " + in_quotes(value.gas) +
+                         ": the only object that may stand here is {\"error\":\"#N/A\"}");
+      if (component_named(value.key) == component::count && normalised(value.key) == normalised(value.gas))
+        throw UsageError(what + " is no component of the gas");
+    }
+    made->targets.add(value.key, reading_, what);
+    if (!value.gas.empty() && !made->targets.all().back().composition)
+      throw UsageError(what + " is no component of the gas");
+    made->names.push_back(value.gas.empty() ? value.key : value.key + '\0' + value.gas);
+  }
+  plan = std::move(made);
+  return plan->targets;
 }
 
 void JsonCalls::call(std::string_view line) {
   Reader& reader = *reader_;
-  reader.reset(Reader::Place::start);
   if (line.find_first_not_of(" \t\r") == std::string_view::npos) throw UsageError("the line is empty");
   if (!parse(reader, line)) throw UsageError(reader.problem);
   if (!reader.function_given) throw UsageError("\"function\" is missing");
   const Function_CFunctionSpec& spec = function(reader.function);
   session_.begin(spec);
-  std::size_t expected = 0;
+  const Targets& targets = this->targets(spec);
+  targets.prepare(session_);
   for (std::size_t i = 0; i < reader.input_count; ++i) {
-    const Value& value = reader.inputs[i];
-    const std::size_t index = input(spec, value.key, expected);
-    expected = index + 1;
-    FUNCTION_ARG& argument = session_.argument(index);
-    if (argument.kind != ARG_MISSING) throw UsageError("input " + in_quotes(value.key) + " is given twice");
-    argument = argument_of(session_, value, reader.cells, reader.pool);
+    const Target& target = targets.all()[i];
+    targets.put(session_, target,
+                argument_of(session_, target, reader.inputs[i], reader.cells, reader.pool, reading_), reading_);
   }
+  left_to_defaults(session_, defaulted_);
+  if (reading_.no_defaults) refuse_defaults(session_, defaulted_);
   session_.run();
 }
 
 JsonCalls::Answer JsonCalls::answer(std::string_view line, std::string& out) {
+  // What was answered before this line stays, whatever is refused from here on.
+  const std::size_t before = out.size();
+  out.reserve(before + 256);
+  reader_->reset(Reader::Place::start);
   try {
-    call(line);
-    append_answer(out, session_);
-    return session_.good() ? Answer::good : Answer::calculation_failed;
-  } catch (const UsageError& error) {
-    append_failure(out, error.what());
+    try {
+      call(line);
+      append_answer(out, session_, defaulted_, reader_->id);
+      verdict_ = verdict_of(session_);
+      return session_.good() ? Answer::good : Answer::calculation_failed;
+    } catch (const UsageError& error) {
+      append_failure(out, error.what(), reader_->id);
+    }
   } catch (const std::bad_alloc&) {
-    append_failure(out, "not enough memory");
+    out.resize(before);
+    out += R"({"ok":false,"error":"not enough memory"})";
   }
   return Answer::unreadable;
 }
 
-void append_answer(std::string& out, const Session& session) {
+void append_answer(std::string& out, const Session& session, std::span<const std::size_t> defaulted,
+                   std::string_view id) {
   const Function_CFunctionSpec& spec = session.function();
-  out += "{\"function\":";
+  out += '{';
+  if (!id.empty()) out.append("\"id\":").append(id) += ',';
+  out += "\"function\":";
   append_text(out, spec.id);
+  out += session.good() ? ",\"ok\":true" : ",\"ok\":false";
   out += ",\"status\":";
   append_integer(out, session.status());
   out += ",\"flags\":";
   append_integer(out, session.flags());
-  out += ",\"outputs\":{";
+  out += ",\"flag_names\":[";
+  if (session.flags() != 0) {
+    const std::vector<std::string_view> names = flag_names(session.flags());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      if (i != 0) out += ',';
+      append_text(out, names[i]);
+    }
+  }
+  out += "],\"outputs\":{";
   for (std::size_t i = 0; i < spec.output_count; ++i) {
     if (i != 0) out += ',';
     append_text(out, spec.outputs[i].key);
     out += ':';
-    append_value(out, session.output(i));
+    append_value(out, shown_output(session, i));
   }
   out += "},\"messages\":[";
   for (std::size_t i = 0; i < session.messages().size(); ++i) {
     if (i != 0) out += ',';
     append_text(out, session.messages()[i].text);
   }
+  out += "],\"defaulted\":[";
+  for (std::size_t i = 0; i < defaulted.size(); ++i) {
+    if (i != 0) out += ',';
+    append_text(out, spec.inputs[defaulted[i]].key);
+  }
   out += "]}";
 }
 
-void append_failure(std::string& out, std::string_view message) {
-  out += "{\"error\":";
+void append_failure(std::string& out, std::string_view message, std::string_view id) {
+  out += '{';
+  if (!id.empty()) out.append("\"id\":").append(id) += ',';
+  out += "\"ok\":false,\"error\":";
   append_text(out, message);
   out += '}';
 }
 
-bool read_json_value(Session& session, std::string_view text, std::string_view name, FUNCTION_ARG& value) {
+bool read_json_value(Session& session, const Target& target, std::string_view text, const Reading& reading,
+                     FUNCTION_ARG& value) {
   JsonCalls::Reader reader;
   reader.reset(JsonCalls::Reader::Place::value);
-  reader.begin_value(name);
+  reader.begin_value(target.name());
   if (!parse(reader, text)) return false;
-  value = argument_of(session, reader.current(), reader.cells, reader.pool);
+  value = argument_of(session, target, reader.current(), reader.cells, reader.pool, reading);
   return true;
 }
 

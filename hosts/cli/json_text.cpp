@@ -91,6 +91,17 @@ void append_number(std::string& out, double value) {
   out.append(buffer, result.ptr);
 }
 
+void append_number(std::string& out, double value, int precision) {
+  if (precision == 0) {
+    append_number(out, value);
+    return;
+  }
+  char buffer[64];
+  const std::to_chars_result result =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, precision);
+  out.append(buffer, result.ptr);
+}
+
 void append_integer(std::string& out, std::int64_t value) {
   char buffer[24];
   const std::to_chars_result result = std::to_chars(buffer, buffer + sizeof buffer, value);

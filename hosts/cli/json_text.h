@@ -11,6 +11,8 @@ namespace norvane::cli {
 
 // The shortest text that reads back as the same number. The number must be finite.
 void append_number(std::string& out, double value);
+// The same with this number of significant digits; 0: as many as it takes.
+void append_number(std::string& out, double value, int precision);
 void append_integer(std::string& out, std::int64_t value);
 // A JSON string, quotation marks included. Broken UTF-8 and unpaired surrogates become U+FFFD.
 void append_text(std::string& out, std::string_view utf8);

@@ -48,6 +48,13 @@ bool equal_names(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return normal(x) == normal(y); });
 }
 
+bool is_misspelt(std::string_view given, std::string_view known) {
+  if (given.size() > longest_name || known.size() > longest_name) return false;
+  const std::string name = normalised(given), other = normalised(known);
+  return name != other &&
+         edit_distance(name, other) <= std::max<std::size_t>(name.size() < 5 ? 1 : 2, name.size() / 4);
+}
+
 std::vector<std::string> nearest(std::string_view given, std::span<const std::string> known) {
   std::vector<std::string> result;
   if (given.empty() || given.size() > longest_name) return result;
@@ -108,19 +115,6 @@ const Function_CFunctionSpec& find_function(std::string_view id) {
   std::vector<std::string> known;
   for (const Function_CFunctionSpec* spec : catalogue::specifications()) known.push_back(to_utf8(spec->id));
   throw UsageError("there is no function " + in_quotes(id) + did_you_mean(id, known));
-}
-
-std::size_t find_input(const Function_CFunctionSpec& spec, std::string_view key) {
-  std::vector<std::string> known;
-  for (const Function_CInput& input : spec.input_records()) known.push_back(to_utf8(input.key));
-  for (std::size_t i = 0; i < known.size(); ++i)
-    if (equal_names(known[i], key)) return i;
-  std::string text = to_utf8(spec.id) + " has no input " + in_quotes(key) + did_you_mean(key, known);
-  if (nearest(key, known).empty()) {
-    text += "; its inputs are ";
-    for (std::size_t i = 0; i < known.size(); ++i) text.append(i == 0 ? "" : ", ").append(known[i]);
-  }
-  throw UsageError(text);
 }
 
 }  // namespace norvane::cli

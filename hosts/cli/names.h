@@ -15,6 +15,9 @@ namespace norvane::cli {
 std::string normalised(std::string_view text);
 bool equal_names(std::string_view a, std::string_view b);
 
+// True when a slip or two of the pen make one of the other.
+bool is_misspelt(std::string_view given, std::string_view known);
+
 // At most three of the known names, nearest first; empty when none is near.
 std::vector<std::string> nearest(std::string_view given, std::span<const std::string> known);
 // "; did you mean a, b or c?", or nothing.
@@ -27,8 +30,5 @@ std::string printable(std::string_view text, std::size_t limit);
 
 // By identifier or worksheet name, any case. Throws UsageError with the nearest names.
 const Function_CFunctionSpec& find_function(std::string_view id);
-
-// Index of the input with this key. Throws UsageError with the nearest keys.
-std::size_t find_input(const Function_CFunctionSpec& spec, std::string_view key);
 
 }  // namespace norvane::cli

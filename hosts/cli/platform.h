@@ -33,8 +33,31 @@ int open_input(const std::string& path);
 // False when the system reports a late failure of writing.
 bool close_file(int descriptor) noexcept;
 
-// A file that appears under its name only when it is complete: written beside it and renamed. While one
-// exists, an interrupted program removes it.
+// While one lives, the first signal to stop (Ctrl-C and the like) ends reading and writing by the exception
+// Interrupted, so that the program can say how far it came; the second ends the program as ever. On Windows the first
+// one does.
+class Interruption {
+ public:
+  Interruption();
+  ~Interruption();
+  Interruption(const Interruption&) = delete;
+  Interruption& operator=(const Interruption&) = delete;
+  // Throws Interrupted when the signal has come.
+  static void check();
+  // Ends the program by the signal that has come, so that whoever started it sees the reason.
+  [[noreturn]] static void end_program();
+};
+
+// True when a read would not have to wait; false when that cannot be known.
+bool is_readable(int descriptor);
+
+// Width of the terminal in characters; 0 when the descriptor is none.
+std::size_t terminal_width(int descriptor);
+
+// A file that appears under its name only when it is complete: written to a private "name.part" beside it and put in
+// its place when it is safe on the disk. What the caller may not write, a write-protected file or another user's, is
+// refused, and so is a file of several names, whose others would keep the old content. While one exists, an
+// interrupted program removes it; what a killed program left is replaced.
 class ReplacedFile {
  public:
   explicit ReplacedFile(std::string path);

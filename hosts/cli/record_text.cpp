@@ -54,6 +54,17 @@ Description description_of(const Unit_CTypeAndUnitContainer& units, std::string_
   return result;
 }
 
+std::vector<Option> options_of(const Function_CInput& input) {
+  return description_of(Unit_CTypeAndUnitContainer::Instance(), to_utf8(input.description), input.type).options;
+}
+
+std::string label_of(const Function_CInput& input, const Core_CVariant& value) {
+  const std::string number = variant_text(value);
+  for (const Option& option : options_of(input))
+    if (option.value == number) return option.text;
+  return {};
+}
+
 std::string type_text(const Unit_CTypeAndUnitContainer& units, std::uint32_t type) {
   std::u16string_view text;
   return units.TextOfCode(type, text) == UNIT_OK ? to_utf8(text) : std::string();

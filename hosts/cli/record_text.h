@@ -25,6 +25,11 @@ struct Description {
 };
 Description description_of(const Unit_CTypeAndUnitContainer& units, std::string_view description, std::uint32_t type);
 
+// The values of an input that have a name: those of its enumeration, or of a list in its description.
+std::vector<Option> options_of(const Function_CInput& input);
+// "1994" for the edition 1; empty when the value has no name.
+std::string label_of(const Function_CInput& input, const Core_CVariant& value);
+
 // "bar(a)", "int", "Neo-C5 mode"; empty for a value of any type.
 std::string type_text(const Unit_CTypeAndUnitContainer& units, std::uint32_t type);
 // Symbol of a unit; empty for anything else.

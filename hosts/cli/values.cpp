@@ -1,10 +1,13 @@
 #include "hosts/cli/values.h"
 
+#include <algorithm>
 #include <charconv>
 #include <vector>
 
 #include "core/text.h"
+#include "hosts/cli/composition_names.h"
 #include "hosts/cli/csv.h"
+#include "hosts/cli/encoding.h"
 #include "hosts/cli/errors.h"
 #include "hosts/cli/json_call.h"
 #include "hosts/cli/names.h"
@@ -17,13 +20,7 @@ namespace {
 // A range of a million cells takes some twenty million characters.
 constexpr std::size_t longest_range_file = std::size_t{256} << 20;
 
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
-bool read_number(std::string_view text, double& value) {
+bool read_point_number(std::string_view text, double& value) {
   const char* const end = text.data() + text.size();
   const std::from_chars_result result = std::from_chars(text.data(), end, value);
   if (result.ec == std::errc() && result.ptr == end) return true;
@@ -32,8 +29,8 @@ bool read_number(std::string_view text, double& value) {
 }
 
 // "input pressure of AGA8_M" for messages.
-std::string name_of(const Session& session, const Function_CInput& input) {
-  return "input \"" + to_utf8(input.key) + "\" of " + to_utf8(session.function().id);
+std::string name_of(const Session& session, const Target& target) {
+  return "input \"" + target.name() + "\" of " + to_utf8(session.function().id);
 }
 
 bool is_number_type(std::uint32_t type) {
@@ -42,26 +39,64 @@ bool is_number_type(std::uint32_t type) {
          kind_of_code(type) == CodeKind::enumeration || kind_of_code(type) == CodeKind::enumeration_value;
 }
 
-// An option by its key or display text; false when the enumeration has none such.
-bool read_option(const Unit_CTypeAndUnitContainer& units, std::uint32_t type, std::string_view text, double& value) {
-  const std::u16string name = to_utf16(text);
-  std::vector<std::uint32_t> codes;
-  if (units.ListMembers(CodeKind::enumeration_value, type, codes) != UNIT_OK) return false;
-  for (const std::uint32_t code : codes) {
-    const Unit_CEntry* entry = nullptr;
-    if (units.EnumerationValueDetails(code, entry) != UNIT_OK) continue;
-    if (equal_ignoring_case(entry->key, name) || equal_ignoring_case(entry->text, name)) {
-      value = entry->factor;
-      return true;
-    }
+// "12,5" or "1.234,5": numbers of a file with decimal commas.
+bool looks_like_decimal_comma(std::string_view text) {
+  const std::size_t comma = text.find(',');
+  return comma != std::string_view::npos && comma > 0 && comma + 1 < text.size() &&
+         text.find(',', comma + 1) == std::string_view::npos &&
+         text.find_first_not_of("+-0123456789.,eE %") == std::string_view::npos;
+}
+
+[[noreturn]] void refuse_number(const Session& session, const Target& target, std::string_view text,
+                                const Reading& reading) {
+  std::string problem = name_of(session, target) + ": " + in_quotes(text) + " is not a number";
+  if (reading.decimal == ',' && text.find('.') != std::string_view::npos) problem += " with a decimal comma";
+  if (reading.decimal == '.' && looks_like_decimal_comma(text)) problem += "; --decimal=, reads decimal commas";
+  if (!target.options.empty()) {
+    problem += "; the values are ";
+    for (std::size_t i = 0; i < target.options.size(); ++i)
+      problem.append(i == 0 ? "" : ", ").append(target.options[i].value + " = " + target.options[i].text);
   }
+  throw UsageError(problem);
+}
+
+// An option by its key or its text. A number that is an option itself is never taken for a name.
+bool read_option(const Target& target, std::string_view text, double& value) {
+  for (const Option& option : target.options)
+    if (option.value == text && read_point_number(text, value)) return true;
+  for (const Option& option : target.options)
+    if (equal_names(option.text, text) || (!option.key.empty() && equal_names(option.key, text)))
+      return read_point_number(option.value, value);
   return false;
 }
 
-double converted(const Session& session, const Function_CInput& input, double value, std::uint32_t from) {
-  if (session.units().Convert(from, input.type, value) != UNIT_OK)
-    throw UsageError(name_of(session, input) + ": the value cannot be converted");
-  return value;
+// Between a gauge and an absolute unit lies the pressure of the atmosphere.
+double converted(const Session& session, const Target& target, double value, std::uint32_t from,
+                 const Reading& reading) {
+  const std::uint32_t to = target.record->type;
+  const auto fail = [&] { return UsageError(name_of(session, target) + ": the value cannot be converted"); };
+  if (type_number(from) == type_number(to)) {
+    if (session.units().Convert(from, to, value) != UNIT_OK) throw fail();
+    return value;
+  }
+  const Unit_CEntry *source = nullptr, *wanted = nullptr;
+  if (!reading.atmosphere || session.units().UnitDetails(from, source) != UNIT_OK ||
+      session.units().UnitDetails(to, wanted) != UNIT_OK)
+    throw fail();
+  const bool to_absolute = type_number(to) == type_number(quantity::absolutepressure);
+  const double pascals = value * source->factor + (to_absolute ? *reading.atmosphere : -*reading.atmosphere);
+  return pascals / wanted->factor;
+}
+
+// A mole fraction: "0.965", "96.5 %".
+FUNCTION_ARG read_fraction(const Session& session, const Target& target, std::string_view text,
+                           const Reading& reading) {
+  Quantity quantity;
+  if (!read_quantity(text, reading.decimal, quantity)) refuse_number(session, target, text, reading);
+  if (quantity.unit.empty()) return FUNCTION_ARG::Number(quantity.value * target.scale);
+  const double scale = fraction_scale(quantity.unit);
+  if (scale == 0.0) throw UsageError(name_of(session, target) + ": " + in_quotes(text) + " is not a mole fraction");
+  return FUNCTION_ARG::Number(quantity.value * scale);
 }
 
 std::string read_file(const std::string& path) {
@@ -86,107 +121,222 @@ std::string read_file(const std::string& path) {
   return text;
 }
 
-FUNCTION_ARG read_range_file(Session& session, const Function_CInput& input, const std::string& path) {
-  const std::string content = read_file(path);
+// A table of cells as its rows.
+using Rows = std::vector<std::vector<std::string>>;
+
+Rows rows_of_file(const std::string& file) {
+  const std::string path = file == "-" ? "standard input" : file;
+  const std::string content = as_utf8(read_file(file));
   std::string_view text = content;
   if (text.starts_with(byte_order_mark)) text.remove_prefix(byte_order_mark.size());
   while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.remove_suffix(1);
-  if (trimmed(text).empty()) throw UsageError(path + ": the file holds no value");
-  const char delimiter = delimiter_of(text.substr(0, text.find('\n')));
+  const char delimiter = take_delimiter(text);
   RecordEnds ends(delimiter);
-  std::vector<FUNCTION_ARG> cells;
-  std::vector<std::string> fields;
-  std::size_t columns = 0, rows = 0;
+  Rows rows;
+  std::size_t line = 1;
   for (std::size_t from = 0; from < text.size();) {
     std::size_t end = ends.next(text, from);
     if (end == std::string_view::npos) end = text.size();
-    ++rows;
-    if (!split_record(text.substr(from, end - from), delimiter, fields))
-      throw UsageError(path + ", row " + std::to_string(rows) + ": a quoted field is not closed");
-    if (rows == 1) columns = fields.size();
-    if (fields.size() != columns)
-      throw UsageError(path + ", row " + std::to_string(rows) + ": " + std::to_string(fields.size()) +
-                       " values where the first row has " + std::to_string(columns));
-    for (const std::string& field : fields) cells.push_back(read_cell(session, input, field));
+    const std::string_view record = text.substr(from, end - from);
     from = end;
+    const std::size_t first_line = line;
+    line += lines_of(record);
+    if (is_comment(record)) continue;
+    std::vector<std::string> fields;
+    if (!split_record(record, delimiter, fields))
+      throw UsageError(path + ", line " + std::to_string(first_line) + ": a quoted field is not closed");
+    if (!rows.empty() && fields.size() != rows.front().size())
+      throw UsageError(path + ", line " + std::to_string(first_line) + ": " + std::to_string(fields.size()) +
+                       " values where the first row has " + std::to_string(rows.front().size()));
+    rows.push_back(std::move(fields));
   }
-  FUNCTION_ARG array = session.array(columns, rows);
-  std::copy(cells.begin(), cells.end(), array.array.elements);
+  if (rows.empty() || (rows.size() == 1 && rows[0].size() == 1 && trimmed(rows[0][0]).empty()))
+    throw UsageError(path + ": the file holds no value");
+  return rows;
+}
+
+bool is_number(const std::string& text, const Reading& reading) {
+  Quantity quantity;
+  return read_quantity(text, reading.decimal, quantity);
+}
+
+// A gas by the names of its components: lines "methane,0.965", with or without a heading that may tell the unit
+// ("name,amount [mol%]"), or a line of names above one of amounts. False when the file names nothing.
+bool read_named_gas(Session& session, const Target& target, const Rows& rows, const std::string& path,
+                    const Reading& reading, FUNCTION_ARG& gas) {
+  std::vector<std::string> names, amounts;
+  double scale = 1.0;
+  const bool upright = rows[0].size() == 2 && !is_number(rows[0][0], reading) && is_number(rows.back()[1], reading) &&
+                       !is_number(rows.back()[0], reading);
+  if (upright) {
+    std::size_t first = 0;
+    if (!is_number(rows[0][1], reading) && !trimmed(rows[0][1]).empty()) {
+      std::string_view name, unit;
+      if (split_brackets(trimmed(rows[0][1]), name, unit)) scale = fraction_scale(unit);
+      if (scale == 0.0) throw UsageError(path + ": " + in_quotes(unit) + " is no unit of mole fractions");
+      first = 1;
+    }
+    for (std::size_t i = first; i < rows.size(); ++i) {
+      names.push_back(rows[i][0]);
+      amounts.push_back(rows[i][1]);
+    }
+  } else if (rows.size() == 2 && !is_number(rows[0][0], reading)) {
+    names = rows[0];
+    amounts = rows[1];
+  } else {
+    return false;
+  }
+  Targets components(session.function());
+  components.prepare(session);
+  std::vector<Target> found(names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const std::string what = path + ", " + in_quotes(names[i]);
+    if (!components.find(names[i], reading, what, found[i]) || found[i].input != target.input ||
+        found[i].cell == Target::whole)
+      throw UsageError(what + " is no component of the gas" + did_you_mean(names[i], component_names()));
+    found[i].scale *= scale;
+    components.add(found[i], what);
+  }
+  FUNCTION_ARG& argument = session.argument(target.input);
+  const FUNCTION_ARG before = argument;
+  components.prepare(session);
+  for (std::size_t i = 0; i < names.size(); ++i) components.put(session, found[i], amounts[i], reading);
+  gas = argument;
+  argument = before;
+  return true;
+}
+
+FUNCTION_ARG read_range_file(Session& session, const Target& target, const std::string& path,
+                             const Reading& reading) {
+  const Rows rows = rows_of_file(path);
+  FUNCTION_ARG gas;
+  if (target.composition && read_named_gas(session, target, rows, path, reading, gas)) return gas;
+  FUNCTION_ARG array = session.array(rows[0].size(), rows.size());
+  std::size_t cell = 0;
+  for (const std::vector<std::string>& row : rows)
+    for (const std::string& field : row) array.array.elements[cell++] = read_cell(session, target, field, reading);
   return array;
 }
 
 // "[1, 2, 68 degF]": a list that is not JSON, one column of cells.
-FUNCTION_ARG read_plain_list(Session& session, const Function_CInput& input, std::string_view text) {
+FUNCTION_ARG read_plain_list(Session& session, const Target& target, std::string_view text, const Reading& reading) {
   std::string_view inside = text.substr(1, text.size() - 2);
   if (inside.find_first_of("[]") != std::string_view::npos)
-    throw UsageError(name_of(session, input) + ": " + in_quotes(text) + " is not a list");
+    throw UsageError(name_of(session, target) + ": " + in_quotes(text) + " is not a list");
   std::vector<std::string> fields;
-  if (!split_record(inside, ',', fields)) throw UsageError(name_of(session, input) + ": a quoted text is not closed");
+  if (!split_record(inside, reading.decimal == ',' ? ';' : ',', fields))
+    throw UsageError(name_of(session, target) + ": a quoted text is not closed");
   FUNCTION_ARG array = session.array(1, fields.size());
   for (std::size_t i = 0; i < fields.size(); ++i)
-    array.array.elements[i] = read_cell(session, input, trimmed(fields[i]));
+    array.array.elements[i] = read_cell(session, target, trimmed(fields[i]), reading);
   return array;
 }
 
 }  // namespace
 
-bool read_quantity(std::string_view text, Quantity& quantity) {
+std::string_view trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+bool read_number(std::string_view text, char decimal, double& value) {
+  if (decimal == '.') return read_point_number(text, value);
+  if (text.find('.') != std::string_view::npos) return false;
+  std::string point(text);
+  std::replace(point.begin(), point.end(), ',', '.');
+  return read_point_number(point, value);
+}
+
+bool read_quantity(std::string_view text, char decimal, Quantity& quantity) {
   text = trimmed(text);
   quantity.unit = {};
-  if (read_number(text, quantity.value)) return true;
+  if (read_number(text, decimal, quantity.value)) return true;
   if (text.starts_with('+')) text.remove_prefix(1);
   if (text.empty() || !(text[0] == '-' || text[0] == '.' || (text[0] >= '0' && text[0] <= '9'))) return false;
-  const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), quantity.value);
+  std::string point;
+  std::string_view number = text;
+  if (decimal == ',') {
+    // The points of a unit ("kW.h") stand behind the number.
+    point = text;
+    for (char& c : point)
+      if (c == ',' || c == '.') c = c == ',' ? '.' : ',';
+    number = point;
+  }
+  const std::from_chars_result result = std::from_chars(number.data(), number.data() + number.size(), quantity.value);
   if (result.ec != std::errc()) return false;
-  quantity.unit = trimmed(text.substr(static_cast<std::size_t>(result.ptr - text.data())));
+  const std::string_view rest = text.substr(static_cast<std::size_t>(result.ptr - number.data()));
+  // "1,5": what follows a number directly and is no unit.
+  if (rest.starts_with(',') || rest.starts_with('.')) return false;
+  quantity.unit = trimmed(rest);
   return true;
+}
+
+double fraction_scale(std::string_view text) {
+  const std::string name = normalised(text);
+  for (const std::string_view known : {"%", "mol%", "mole%", "%mol", "%mole", "mol_%", "mole_%", "%_mol", "%_mole",
+                                       "mol_percent", "mole_percent", "percent", "%(mol)", "%_(mol)"})
+    if (name == known) return 0.01;
+  for (const std::string_view known : {"mol/mol", "mole/mole", "fraction", "mole_fraction", "mol_fraction", "_", "1"})
+    if (name == known) return 1.0;
+  for (const std::string_view known : {"ppm", "ppm_mol", "molppm", "mol_ppm", "ppm(mol)"})
+    if (name == known) return 1e-6;
+  return 0.0;
 }
 
 bool takes_unit(const Function_CInput& input) { return kind_of_code(input.type) == CodeKind::unit; }
 
-FUNCTION_ARG read_cell(Session& session, const Function_CInput& input, std::string_view text, std::uint32_t unit) {
-  const std::uint32_t type = input.type;
+FUNCTION_ARG read_number_cell(Session& session, const Target& target, double value, const Reading& reading) {
+  if (target.unit != 0) return FUNCTION_ARG::Number(converted(session, target, value, target.unit, reading));
+  if (target.options.empty()) return FUNCTION_ARG::Number(value * target.scale);
+  read_option(target, number_text(value), value);
+  return FUNCTION_ARG::Number(value);
+}
+
+FUNCTION_ARG read_cell(Session& session, const Target& target, std::string_view text, const Reading& reading) {
+  const std::uint32_t type = target.record->type;
   if (type == data_type::text || type == data_type::ipaddr) return session.text(text);
   const std::string_view word = trimmed(text);
   if (word.empty()) return FUNCTION_ARG::Empty();
   double value = 0.0;
-  if (read_number(word, value)) {
-    if (unit != 0) value = converted(session, input, value, unit);
-    return FUNCTION_ARG::Number(value);
-  }
+  if (read_number(word, reading.decimal, value)) return read_number_cell(session, target, value, reading);
   if (const std::uint32_t code = error_of_text(word)) return FUNCTION_ARG::Error(code);
+  if (target.composition) return read_fraction(session, target, word, reading);
+  if (!target.options.empty() && read_option(target, word, value)) return FUNCTION_ARG::Number(value);
   const std::u16string wide = to_utf16(word);
   if (equal_ignoring_case(wide, u"true")) return FUNCTION_ARG::Boolean(true);
   if (equal_ignoring_case(wide, u"false")) return FUNCTION_ARG::Boolean(false);
-  if (kind_of_code(type) == CodeKind::enumeration && read_option(session.units(), type, word, value))
-    return FUNCTION_ARG::Number(value);
   if (!is_number_type(type) && type != data_type::boolean) return session.text(text);
 
   Quantity quantity;
-  if (!read_quantity(word, quantity))
-    throw UsageError(name_of(session, input) + ": " + in_quotes(text) + " is not a number");
-  if (!takes_unit(input))
-    throw UsageError(name_of(session, input) + ": " + in_quotes(text) +
+  if (!read_quantity(word, reading.decimal, quantity)) refuse_number(session, target, text, reading);
+  if (!takes_unit(*target.record)) {
+    if (reading.decimal == '.' && looks_like_decimal_comma(word)) refuse_number(session, target, text, reading);
+    throw UsageError(name_of(session, target) + ": " + in_quotes(text) +
                      " is not a number, and the input has no unit");
-  const std::uint32_t from = unit_like(session.units(), quantity.unit, type,
-                                       name_of(session, input) + " in " + symbol_of(session.units(), type));
-  return FUNCTION_ARG::Number(converted(session, input, quantity.value, from));
+  }
+  const std::uint32_t from = unit_like(quantity.unit, type, reading.atmosphere.has_value(),
+                                       name_of(session, target) + " in " + symbol_of(type));
+  return FUNCTION_ARG::Number(converted(session, target, quantity.value, from, reading));
 }
 
-FUNCTION_ARG read_argument(Session& session, const Function_CInput& input, std::string_view text) {
+FUNCTION_ARG read_argument(Session& session, const Target& target, std::string_view text, const Reading& reading) {
   const std::string_view word = trimmed(text);
   const bool list = word.size() >= 2 && word.front() == '[' && word.back() == ']';
   const bool file = word.size() >= 2 && word.front() == '@';
-  const bool scalar_text = input.type == data_type::text || input.type == data_type::ipaddr;
-  if (!input.is_array()) {
-    if ((list || file) && !scalar_text)
-      throw UsageError(name_of(session, input) + ": the input takes one value, not a range");
-    return read_cell(session, input, text);
+  const std::uint32_t type = target.record->type;
+  if (!target.record->is_array() || target.cell != Target::whole) {
+    if ((list || file) && type != data_type::text && type != data_type::ipaddr)
+      throw UsageError(name_of(session, target) + ": the input takes one value, not a range");
+    return read_cell(session, target, text, reading);
   }
-  if (file) return read_range_file(session, input, std::string(word.substr(1)));
-  if (!list) return read_cell(session, input, text);
+  if (file) return read_range_file(session, target, std::string(word.substr(1)), reading);
+  if (!list) return read_cell(session, target, text, reading);
   FUNCTION_ARG value;
-  return read_json_value(session, word, to_utf8(input.key), value) ? value : read_plain_list(session, input, word);
+  const bool json = reading.decimal == '.' && target.scale == 1.0;
+  return json && read_json_value(session, target, word, reading, value)
+             ? value
+             : read_plain_list(session, target, word, reading);
 }
 
 void split_assignment(std::string_view assignment, std::string_view& key, std::string_view& value) {
@@ -197,14 +347,19 @@ void split_assignment(std::string_view assignment, std::string_view& key, std::s
   value = assignment.substr(equals + 1);
 }
 
-void read_assignments(Session& session, const std::vector<std::string>& assignments) {
+void read_assignments(Session& session, const std::vector<std::string>& assignments, const Reading& reading) {
+  Targets targets(session.function());
+  std::vector<std::string_view> values;
   for (const std::string& assignment : assignments) {
     std::string_view key, value;
     split_assignment(assignment, key, value);
-    const std::size_t index = find_input(session.function(), key);
-    FUNCTION_ARG& argument = session.argument(index);
-    if (argument.kind != ARG_MISSING) throw UsageError("input " + in_quotes(key) + " is given twice");
-    argument = read_argument(session, session.function().inputs[index], value);
+    targets.add(key, reading, "input " + in_quotes(key));
+    values.push_back(value);
+  }
+  targets.prepare(session);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const Target& target = targets.all()[i];
+    targets.put(session, target, read_argument(session, target, values[i], reading), reading);
   }
 }
 

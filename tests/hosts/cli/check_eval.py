@@ -32,9 +32,9 @@ def interpolate(x, table):
 cases = [
     (call("BitTest", number=5, bit=0), {"Test": 1}),
     (call("bittest", NUMBER=True, bit="0"), {"Test": 1}),
-    (call("Bits2Num", bits=[[1, 0, 1]]), {"Num": 7}),
-    (call("Bits2Num", bits=[1, 0, 1]), {"Num": 1}),
-    (call("Bits2Num", bits=[[1, None, False]]), {"Num": 7}),
+    (call("Bits2Num", bits=[[1, 0, 1]], base=10), {"Num": 7}),
+    (call("Bits2Num", bits=[1, 0, 1], base=10), {"Num": 1}),
+    (call("Bits2Num", bits=[[1, None, False]], base=10), {"Num": 7}),
     (call("Num2Num", input_value="ff", **{"INPUT-value base": 16, "output value base": 2, "mini output length": 0}),
      {"Num": "11111111"}),
     (call("CRC32", range=["12"]), None),
@@ -44,11 +44,12 @@ cases = [
     (call("FunctionList", category="general"), None),
     (call("FunctionTest", function_range=[1, "a", {"error": "#N/A"}], reference_range=[1, "a", {"error": "#n/a"}]), None),
 ]
+MEMBERS = {"function", "ok", "status", "flags", "flag_names", "outputs", "messages", "defaulted"}
 code, answers = evaluate([line for line, _ in cases])
 assert code == 0, code
 for (line, want), answer in zip(cases, answers):
-    assert set(answer) == {"function", "status", "flags", "outputs", "messages"}, answer
-    assert answer["status"] == 0, (line, answer)
+    assert set(answer) == MEMBERS, answer
+    assert answer["ok"] and answer["status"] == 0, (line, answer)
     assert want is None or answer["outputs"] == want, (line, answer, want)
 assert answers[6]["outputs"] == answers[7]["outputs"], "a text that is a number counts as the number"
 assert "nvBitTest" in answers[10]["outputs"]["list"]
@@ -65,10 +66,19 @@ for x, answer in zip(numbers, answers):
     got = answer["outputs"]["output value"]
     assert got == float(x) and math.copysign(1, got) == math.copysign(1, x), (x, got)
 
-# A calculation that fails is an answer with exit code 1.
+# A calculation that fails is an answer with exit code 1: a status and a reason, and nothing that looks like a result.
 code, answers = evaluate([call("AGA8_M", composition=[1] + [0] * 21, edition=7)])
-assert code == 1 and answers[0]["outputs"]["status"] == 1 and answers[0]["flags"] & 0x04020000, answers
+outputs = answers[0]["outputs"]
+assert code == 1 and not answers[0]["ok"] and answers[0]["flags"] & 0x04020000, answers
+assert outputs.pop("status") == 1 and set(outputs.values()) == {None}, outputs
+assert answers[0]["flag_names"] == ["calculation failed", "outputs replaced"], answers
 assert any("edition" in message for message in answers[0]["messages"]), answers
+
+# An id is repeated as it was given, in a refusal too.
+for given in ("7", "-1.5e3", '"a\\u00e4\\""', "null", "true"):
+    code, answers = evaluate([b'{"id":%s,"function":"BitTest"}' % given.encode(),
+                              b'{"function":"BitTest","inputs":{"x":1},"id":%s}' % given.encode()])
+    assert all(answer["id"] == json.loads(given) for answer in answers), answers
 
 # Hostile lines are answered in their place; the good line after each is answered as ever.
 good = call("BitTest", number=1, bit=0)
@@ -82,7 +92,12 @@ hostile = [
     (b'{"function":"BitTest","inputs":{"nmber":1}}', "number"),
     (b'{"function":"BitTest","inputs":{"number":1,"NUMBER":2}}', "twice"),
     (b'{"function":"BitTest","inputs":{"number":{"error":"#WHAT"}}}', "error value"),
-    (b'{"function":"BitTest","inputs":{"number":{"err":1}}}', "object"),
+    (b'{"function":"BitTest","inputs":{"number":{"err":1}}}', "object"), (b'{"id":[],"function":"BitTest"}', "id"),
+    (b'{"id":1,"id":2,"function":"BitTest"}', "twice"), (b'{"function":"BitTest","inputs":{"number":null}}', "blank"),
+    (b'{"function":"BitTest","inputs":{"number":"many"}}', "not a number"),
+    (b'{"function":"AGA8_M","inputs":{"composition":{"methane":{"ethane":1}}}}', "object"),
+    (b'{"function":"AGA8_M","inputs":{"composition":{"methane":[1]}}}', "one value"),
+    (b'{"function":"AGA8_M","inputs":{"composition":[0.9,null,0.1]}}', "blank"),
     (b'{"function":"BitTest","inputs":{"number":{}}}', "object"),
     (b'{"function":"BitTest","inputs":{"number":[[[1]]]}}', "list"),
     (b'{"function":"BitTest","inputs":{"number":[[1,2],[3]]}}', "length"),
@@ -99,17 +114,16 @@ lines = [line for entry in hostile for line in (entry[0], good)]
 code, answers = evaluate(lines)
 assert code == 2, code
 for (line, word), bad, after in zip(hostile, answers[0::2], answers[1::2]):
-    assert set(bad) == {"error"} and word in bad["error"] and len(bad["error"]) < 1000, (line[:80], bad)
+    assert set(bad) - {"id"} == {"ok", "error"} and bad["ok"] is False and word in bad["error"] and len(bad["error"]) < 1000, (line[:80], bad)
     assert after["outputs"] == {"Test": 1}, (line[:80], after)
 
-# Values of the wrong kind reach the call and end there, whatever they are.
+# Values of the wrong kind end in the call or before it, whatever they are.
 odd = [None, True, "", "abc", "\u0000", "x" * 70000, "\ud83d\ude00", -1e308, [], [[]], [[], []], [None], {"error": "#REF!"}]
 records = json.loads(subprocess.run([norvane, "list", "--all", "--json"], capture_output=True, check=True).stdout)
 lines = [call(record["id"], **{entry["key"]: value}) for record in records for entry in record["inputs"] for value in odd]
 code, answers = evaluate(lines)
-assert code in (0, 1), code
 for line, answer in zip(lines, answers):
-    assert set(answer) == {"function", "status", "flags", "outputs", "messages"}, (line[:200], answer)
+    assert set(answer) in (MEMBERS, {"ok", "error"}), (line[:200], answer)
 
 # Bytes from nowhere: cut, changed and doubled pieces of good lines.
 seeds = [line for line, _ in cases]

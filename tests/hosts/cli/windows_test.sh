@@ -23,7 +23,7 @@ check() {
   fi
 }
 
-answer='{"function":"BitTest","status":0,"flags":0,"outputs":{"Test":1},"messages":[]}'
+answer='{"function":"BitTest","ok":true,"status":0,"flags":0,"flag_names":[],"outputs":{"Test":1},"messages":[],"defaulted":[]}'
 check 'units beyond ASCII as arguments' '212 °F' "${run[@]}" convert 100 °C °F
 check 'call' "$answer" "${run[@]}" call BitTest number=5 bit=2 --json
 printf '{"function":"BitTest","inputs":{"number":5,"bit":2}}\r\nwrong\n' >lines
@@ -32,7 +32,7 @@ check 'eval writes line feeds' "$answer" eval_lines
 printf 'number,bit\r\n5,2\r\n5,1\r\n' >Größe.csv
 printf 'old' >answers.csv
 batch_rows() { "${run[@]}" batch BitTest --in Größe.csv --out answers.csv; cat answers.csv; ls | grep part; }
-check 'batch replaces a file' $'2 rows, all good\nnumber,bit,Test,messages\n5,2,1,\n5,1,0,' batch_rows
+check 'batch replaces a file' $'2 rows: all good\nnumber,bit,Test,messages\n5,2,1,\n5,1,0,' batch_rows
 version_platform() { "${run[@]}" --version | tail -1; }
 check 'platform' 'platform Windows x86-64' version_platform
 wrong_use() { "${run[@]}" call NoSuchFunction >/dev/null; echo $?; }

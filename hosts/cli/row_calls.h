@@ -1,0 +1,45 @@
+// The calls of a batch: one for every row, answered by a row. Each thread has its own.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "hosts/cli/batch_columns.h"
+#include "hosts/cli/csv.h"
+#include "hosts/cli/tally.h"
+
+namespace norvane::cli {
+
+// How the rows of the answer are written.
+struct RowFormat {
+  char delimiter = ',';
+  char decimal = '.';
+  int precision = 0;  // significant digits; 0: as many as tell the number from every other
+  std::string_view line_end = "\n";
+};
+
+class RowCalls {
+ public:
+  RowCalls(const Function_CFunctionSpec& spec, const BatchColumns& columns, const Reading& reading,
+           const RowFormat& format)
+      : spec_(spec), columns_(columns), reading_(reading), format_(format) {}
+
+  // Answers every record of the block, whose first line has this number in the file. Blank lines and comments stay.
+  void answer(std::string_view records, std::uint64_t first_line, std::string& out, Tally& tally);
+
+ private:
+  void row(std::string_view record, std::uint64_t line, std::string& out, Tally& tally);
+  void append_cell(std::string& out, const FUNCTION_ARG& value);
+
+  const Function_CFunctionSpec& spec_;
+  const BatchColumns& columns_;
+  const Reading& reading_;
+  RowFormat format_;
+  Session session_;
+  std::vector<std::string> cells_;
+  std::vector<std::size_t> defaulted_;
+  std::string text_;
+};
+
+}  // namespace norvane::cli
