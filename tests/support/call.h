@@ -80,16 +80,33 @@ class Call {
   Call& list(Input which, const List& amounts) {
     return set(which, arguments_.numbers({amounts.begin(), amounts.end()}));
   }
+  // What arguments point to.
+  Arguments& arguments() { return arguments_; }
 
-  // The status output, or `refused`; the call itself must succeed.
+  // The status output, 0 without one, or `refused`; the call itself must succeed.
   int run() {
     EXPECT_EQ(context_.Run(*spec_, arguments_.values), ERROR_OK);
-    return (context_.flags & FLAG_OUTPUT_FALLBACK) == FLAG_OUTPUT_FALLBACK ? refused : static_cast<int>(value(0));
+    if ((context_.flags & FLAG_OUTPUT_FALLBACK) == FLAG_OUTPUT_FALLBACK) return refused;
+    return spec_->outputs[0].role == 1 ? static_cast<int>(value(0)) : 0;
   }
 
+  // The worksheet error that the fallback outputs stood in for: of a specification that has none.
+  std::uint32_t error() {
+    for (const catalogue::Line& line : catalogue::lines()) {
+      if (line.record == nullptr || line.id != spec_->id) continue;
+      Function_CFunctionSpec bare(*line.record);
+      bare.flags &= ~std::uint32_t{FUNCTION_FALLBACK};
+      return context_.Run(bare, arguments_.values);
+    }
+    return ERROR_OK;
+  }
+
+  const FUNCTION_ARG& output(std::size_t index) const {
+    return spec_->output_count > 1 ? context_.output.array.elements[index] : context_.output;
+  }
   // An output; NaN when it was not written.
   double value(std::size_t index) const {
-    const FUNCTION_ARG& out = spec_->output_count > 1 ? context_.output.array.elements[index] : context_.output;
+    const FUNCTION_ARG& out = output(index);
     if (out.kind == ARG_INTEGER) return out.integer;
     return out.kind == ARG_NUMBER ? out.number : not_a_number;
   }
