@@ -210,37 +210,41 @@ constexpr record::Output list_outputs[] = {
 constexpr record::Input function_input =
     record::input(u"function", u"Function", u"Name of the function, with its prefix", data_type::text).required();
 
+constexpr record::Option function_properties[] = {
+    {1, u"Category"},        {2, u"Sub-category"}, {3, u"Description"},  {4, u"Prefix"},     {5, u"Volatile-state"},
+    {6, u"Retentive-state"}, {7, u"Input-count"},  {8, u"Output-count"}, {9, u"Name-input"},
+};
+constexpr record::Option input_properties[] = {
+    {1, u"Name"},    {2, u"Description"}, {3, u"Type"},    {4, u"Class"}, {5, u"Optional"},
+    {6, u"Default"}, {7, u"Minimum"},     {8, u"Maximum"}, {9, u"Array"}, {10, u"Scalar"},
+};
+constexpr record::Option output_properties[] = {
+    {1, u"Name"}, {2, u"Description"}, {3, u"Type"}, {4, u"Class"}, {5, u"Fallback"}, {6, u"Scalar"},
+};
+
 constexpr record::Input property_inputs[] = {
     function_input,
-    record::input(u"property", u"Property",
-                  u"Property of the function; 1: Category; 2: Sub-category; 3: Description; 4: Prefix; "
-                  u"5: Volatile-state; 6: Retentive-state; 7: Input-count; 8: Output-count; 9: Name-input",
-                  data_type::integer)
+    record::input(u"property", u"Property", u"Property of the function", data_type::integer)
         .required()
-        .within(1, 9),
+        .options(function_properties),
 };
 constexpr record::Input input_property_inputs[] = {
     function_input,
     record::input(u"input", u"Input", u"Number of the input, counted from 0", data_type::integer)
         .required()
         .at_least(0),
-    record::input(u"property", u"Property",
-                  u"Property of the input; 1: Name; 2: Description; 3: Type; 4: Class; 5: Optional; 6: Default; "
-                  u"7: Minimum; 8: Maximum; 9: Array; 10: Scalar",
-                  data_type::integer)
+    record::input(u"property", u"Property", u"Property of the input", data_type::integer)
         .required()
-        .within(1, 10),
+        .options(input_properties),
 };
 constexpr record::Input output_property_inputs[] = {
     function_input,
     record::input(u"output", u"Output", u"Number of the output, counted from 0", data_type::integer)
         .required()
         .at_least(0),
-    record::input(u"property", u"Property",
-                  u"Property of the output; 1: Name; 2: Description; 3: Type; 4: Class; 5: Fallback; 6: Scalar",
-                  data_type::integer)
+    record::input(u"property", u"Property", u"Property of the output", data_type::integer)
         .required()
-        .within(1, 6),
+        .options(output_properties),
 };
 constexpr record::Output property_outputs[] = {
     record::output(u"value", u"Value", u"Value of the property", data_type::any, u""),

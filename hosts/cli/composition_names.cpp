@@ -47,12 +47,8 @@ std::size_t component_named(std::string_view name) {
 }
 
 std::size_t composition_input(const Function_CFunctionSpec& spec) {
-  for (std::size_t i = 0; i < spec.input_count; ++i) {
-    const Function_CInput& input = spec.inputs[i];
-    if (input.is_array() && input.key == u"composition" &&
-        input.description.find(u"array of 22 numbers") != std::u16string_view::npos)
-      return i;
-  }
+  for (std::size_t i = 0; i < spec.input_count; ++i)
+    if (spec.inputs[i].composition) return i;
   return spec.input_count;
 }
 

@@ -36,7 +36,7 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
   Table inputs;
   inputs.add({"key", "unit", "range", "default", ""});
   for (const Function_CInput& input : spec.input_records()) {
-    const Description description = description_of(units, to_utf8(input.description), input.type);
+    const Description description = description_of(input);
     std::string unit = type_text(units, input.type);
     if (input.is_array()) unit = unit.empty() ? "range" : unit + " (range)";
     std::string fallback = variant_text(input.default_value);
@@ -50,7 +50,7 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
   Table outputs;
   outputs.add({"key", "unit", ""});
   for (const Function_COutput& output : spec.output_records()) {
-    const Description description = description_of(units, to_utf8(output.description), data_type::any);
+    const Description description = description_of(output);
     std::string unit = type_text(units, output.type);
     if (output.unit_input >= 0) unit = "as " + to_utf8(spec.inputs[output.unit_input].key);
     outputs.add({to_utf8(output.key), unit.empty() ? "-" : unit, sentence(output.display_name, description.text)});

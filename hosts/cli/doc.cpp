@@ -52,7 +52,7 @@ std::string inputs_table(const Unit_CTypeAndUnitContainer& units, const Function
   head(out, {"#", "Key", "Unit", "Range", "Default", "Description"});
   for (std::size_t i = 0; i < spec.input_count; ++i) {
     const Function_CInput& input = spec.inputs[i];
-    const Description description = description_of(units, to_utf8(input.description), input.type);
+    const Description description = description_of(input);
     std::string unit = escaped(type_text(units, input.type));
     if (input.is_array()) unit += unit.empty() ? "range" : " (range)";
     std::string fallback = escaped(variant_text(input.default_value));
@@ -68,8 +68,7 @@ std::string outputs_table(const Unit_CTypeAndUnitContainer& units, const Functio
   head(out, {"#", "Key", "Unit", "When the call fails", "Tag", "Description"});
   for (std::size_t i = 0; i < spec.output_count; ++i) {
     const Function_COutput& output = spec.outputs[i];
-    const Description description =
-        description_of(units, to_utf8(output.description), output.role == 1 ? data_type::any : output.type);
+    const Description description = description_of(output);
     std::string unit = escaped(type_text(units, output.type));
     if (output.unit_input >= 0) unit = "as " + code(to_utf8(spec.inputs[output.unit_input].key));
     std::string fallback = variant_text(output.fallback);

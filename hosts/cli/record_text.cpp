@@ -1,6 +1,6 @@
 #include "hosts/cli/record_text.h"
 
-#include <charconv>
+#include <span>
 
 #include "core/text.h"
 #include "hosts/cli/json_text.h"
@@ -14,36 +14,19 @@ std::string trimmed(std::string_view text) {
   return std::string(text.substr(first, text.find_last_not_of(" \n") - first + 1));
 }
 
-// "1: Corner Tappings" as an option; false for other text.
-bool parse_option(std::string_view text, Option& option) {
-  const std::size_t colon = text.find(':');
-  if (colon == std::string_view::npos || colon == 0) return false;
-  double value = 0.0;
-  const std::from_chars_result result = std::from_chars(text.data(), text.data() + colon, value);
-  if (result.ec != std::errc() || result.ptr != text.data() + colon) return false;
-  option = {std::string(text.substr(0, colon)), trimmed(text.substr(colon + 1)), {}};
-  return !option.text.empty();
-}
-
-}  // namespace
-
-Description description_of(const Unit_CTypeAndUnitContainer& units, std::string_view description,
-                           std::uint32_t type) {
+Description description_of(std::u16string_view text, std::span<const record::Option> choices, std::uint32_t type) {
   Description result;
-  for (std::size_t from = 0; from <= description.size();) {
-    std::size_t end = description.find(';', from);
-    if (end == std::string_view::npos) end = description.size();
-    const std::string part = trimmed(description.substr(from, end - from));
-    Option option;
-    if (from > 0 && parse_option(part, option)) {
-      result.options.push_back(option);
-    } else if (!part.empty()) {
-      result.text.append(result.text.empty() ? "" : "; ").append(part);
-    }
-    from = end + 1;
-  }
+  for (const record::Option& choice : choices)
+    result.options.push_back({std::to_string(choice.number), to_utf8(choice.label), {}});
+  // The text has the record's options at its end.
+  result.text = trimmed(to_utf8(text));
+  std::string listed;
+  for (const Option& option : result.options) listed += "; " + option.value + ": " + option.text;
+  if (!listed.empty() && result.text.ends_with(listed)) result.text.resize(result.text.size() - listed.size());
+
+  const Unit_CTypeAndUnitContainer& units = Unit_CTypeAndUnitContainer::Instance();
   std::vector<std::uint32_t> codes;
-  if (kind_of_code(type) == CodeKind::enumeration && result.options.empty() &&
+  if (choices.empty() && kind_of_code(type) == CodeKind::enumeration &&
       units.ListMembers(CodeKind::enumeration_value, type, codes) == UNIT_OK) {
     for (const std::uint32_t code : codes) {
       const Unit_CEntry* entry = nullptr;
@@ -54,9 +37,17 @@ Description description_of(const Unit_CTypeAndUnitContainer& units, std::string_
   return result;
 }
 
-std::vector<Option> options_of(const Function_CInput& input) {
-  return description_of(Unit_CTypeAndUnitContainer::Instance(), to_utf8(input.description), input.type).options;
+}  // namespace
+
+Description description_of(const Function_CInput& input) {
+  return description_of(input.description, input.choices, input.type);
 }
+
+Description description_of(const Function_COutput& output) {
+  return description_of(output.description, output.choices, output.role == 1 ? data_type::any : output.type);
+}
+
+std::vector<Option> options_of(const Function_CInput& input) { return description_of(input).options; }
 
 std::string label_of(const Function_CInput& input, const Core_CVariant& value) {
   const std::string number = variant_text(value);

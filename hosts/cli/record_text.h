@@ -18,14 +18,15 @@ struct Option {
   std::string key;  // name by which a command line may give it; empty when there is none
 };
 
-// A description without its options, and the options.
+// A description without its options, and the options: those that the record lists, or the members of an enumeration.
 struct Description {
   std::string text;
   std::vector<Option> options;
 };
-Description description_of(const Unit_CTypeAndUnitContainer& units, std::string_view description, std::uint32_t type);
+Description description_of(const Function_CInput& input);
+Description description_of(const Function_COutput& output);
 
-// The values of an input that have a name: those of its enumeration, or of a list in its description.
+// The values of an input that have a name: those of its record, or of its enumeration.
 std::vector<Option> options_of(const Function_CInput& input);
 // "1994" for the edition 1; empty when the value has no name.
 std::string label_of(const Function_CInput& input, const Core_CVariant& value);
