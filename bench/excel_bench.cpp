@@ -15,7 +15,7 @@ namespace norvane::bench {
 namespace {
 
 void ExecuteBitTest(benchmark::State& state) {
-  host::set_context_factory(excel::MakeContext);
+  host::set_context_factory(excel::make_context);
   BenchCall call(u"BitTest");
   if (!call.ready(state)) return;
   call[0] = FUNCTION_ARG::Number(5.0);
@@ -28,7 +28,7 @@ BENCHMARK(ExecuteBitTest);
 
 template <class Record, auto Wrapper>
 void WrapperBitTest(benchmark::State& state) {
-  host::set_context_factory(excel::MakeContext);
+  host::set_context_factory(excel::make_context);
   Record number{};
   number.number = 5.0;
   number.type = excel::XL_NUMBER;
@@ -57,7 +57,7 @@ void Excel12ConvertRange(benchmark::State& state) {
   for (auto _ : state) {
     context.Reset();
     FUNCTION_ARG arg;
-    benchmark::DoNotOptimize(excel::ToArg(context, &range, arg));
+    benchmark::DoNotOptimize(excel::to_argument(context, &range, arg));
   }
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }

@@ -60,22 +60,18 @@ class Core_CCIStringMap {
     while (free_ != nullptr) delete std::exchange(free_, free_->next);
   }
 
-  Value* Find(std::u16string_view key) const noexcept {
-    const std::uint32_t hash = case_insensitive_hash(key);
-    for (Node* node = buckets_[hash % buckets_.size()]; node != nullptr; node = node->chain)
-      if (node->hash == hash && equal_ignoring_case(node->key, key)) return &node->value;
-    return nullptr;
-  }
+  Value* Find(std::u16string_view key) const noexcept { return Find(key, case_insensitive_hash(key)); }
 
   Value& Insert(std::u16string_view key, Value value) {
-    if (Value* existing = Find(key)) {
+    const std::uint32_t hash = case_insensitive_hash(key);
+    if (Value* existing = Find(key, hash)) {
       *existing = std::move(value);
       return *existing;
     }
     if (count_ + 1 >= buckets_.size()) Rehash(buckets_.size() * 2);
     Node* node = TakeNode();
     node->key.assign(key);
-    node->hash = case_insensitive_hash(key);
+    node->hash = hash;
     node->value = std::move(value);
     Link(node);
     node->previous = last_;
@@ -116,6 +112,11 @@ class Core_CCIStringMap {
  private:
   static constexpr std::size_t initial_buckets = 4;
 
+  Value* Find(std::u16string_view key, std::uint32_t hash) const noexcept {
+    for (Node* node = buckets_[hash % buckets_.size()]; node != nullptr; node = node->chain)
+      if (node->hash == hash && equal_ignoring_case(node->key, key)) return &node->value;
+    return nullptr;
+  }
   Node* TakeNode() {
     if (free_ == nullptr) return new Node;
     return std::exchange(free_, free_->next);

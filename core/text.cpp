@@ -140,67 +140,69 @@ std::size_t format_integer(std::int32_t value, char16_t (&buffer)[max_number_tex
   return length;
 }
 
+char32_t take_character(std::u16string_view text, std::size_t& position) noexcept {
+  const char32_t unit = text[position++];
+  if (unit < 0xD800 || unit > 0xDFFF) return unit;
+  if (unit > 0xDBFF || position == text.size() || text[position] < 0xDC00 || text[position] > 0xDFFF) return 0xFFFD;
+  return 0x10000 + ((unit - 0xD800) << 10) + (text[position++] - 0xDC00u);
+}
+
+char32_t take_character(std::string_view utf8, std::size_t& position) noexcept {
+  const auto lead = static_cast<unsigned char>(utf8[position]);
+  const std::size_t extra = lead < 0x80   ? 0
+                            : lead < 0xC2 ? 4
+                            : lead < 0xE0 ? 1
+                            : lead < 0xF0 ? 2
+                            : lead < 0xF5 ? 3
+                                          : 4;
+  char32_t character = extra == 0 ? lead : extra < 4 ? lead & (0x3Fu >> extra) : 0xFFFD;
+  bool good = extra < 4 && position + extra < utf8.size();
+  for (std::size_t k = 1; good && k <= extra; ++k) {
+    const auto follow = static_cast<unsigned char>(utf8[position + k]);
+    good = (follow & 0xC0) == 0x80;
+    character = (character << 6) | (follow & 0x3Fu);
+  }
+  constexpr char32_t smallest[] = {0, 0x80, 0x800, 0x10000};
+  good = good && character >= smallest[extra] && character <= 0x10FFFF && (character < 0xD800 || character > 0xDFFF);
+  position += good ? extra + 1 : 1;
+  return good ? character : 0xFFFD;
+}
+
+std::size_t put_character(char32_t character, char (&utf8)[4]) noexcept {
+  if (character < 0x80) {
+    utf8[0] = static_cast<char>(character);
+    return 1;
+  }
+  const std::size_t count = character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
+  constexpr unsigned leads[] = {0, 0, 0xC0, 0xE0, 0xF0};
+  for (std::size_t i = count - 1; i > 0; --i, character >>= 6) utf8[i] = static_cast<char>(0x80 | (character & 0x3F));
+  utf8[0] = static_cast<char>(leads[count] | character);
+  return count;
+}
+
+std::size_t put_character(char32_t character, char16_t (&units)[2]) noexcept {
+  if (character < 0x10000) {
+    units[0] = static_cast<char16_t>(character);
+    return 1;
+  }
+  units[0] = static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10));
+  units[1] = static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
+  return 2;
+}
+
 std::string to_utf8(std::u16string_view text) {
   std::string out;
   out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t point = text[i];
-    if (point >= 0xD800 && point <= 0xDFFF) {
-      const bool paired = point <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
-      point = paired ? 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00u) : 0xFFFD;
-    }
-    if (point < 0x80) {
-      out += static_cast<char>(point);
-    } else if (point < 0x800) {
-      out += static_cast<char>(0xC0 | (point >> 6));
-      out += static_cast<char>(0x80 | (point & 0x3F));
-    } else if (point < 0x10000) {
-      out += static_cast<char>(0xE0 | (point >> 12));
-      out += static_cast<char>(0x80 | ((point >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (point & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (point >> 18));
-      out += static_cast<char>(0x80 | ((point >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((point >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (point & 0x3F));
-    }
-  }
+  char bytes[4];
+  for (std::size_t i = 0; i < text.size();) out.append(bytes, put_character(take_character(text, i), bytes));
   return out;
 }
 
 std::u16string to_utf16(std::string_view text) {
   std::u16string out;
   out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
-    const auto lead = static_cast<unsigned char>(text[i]);
-    const std::size_t extra = lead < 0x80   ? 0
-                              : lead < 0xC2 ? 4
-                              : lead < 0xE0 ? 1
-                              : lead < 0xF0 ? 2
-                              : lead < 0xF5 ? 3
-                                            : 4;
-    char32_t point = extra == 0 ? lead : extra < 4 ? lead & (0x3Fu >> extra) : 0xFFFD;
-    bool good = extra < 4 && i + extra < text.size();
-    for (std::size_t k = 1; good && k <= extra; ++k) {
-      const auto follow = static_cast<unsigned char>(text[i + k]);
-      good = (follow & 0xC0) == 0x80;
-      point = (point << 6) | (follow & 0x3Fu);
-    }
-    constexpr char32_t smallest[] = {0, 0x80, 0x800, 0x10000};
-    good = good && point >= smallest[extra] && point <= 0x10FFFF && (point < 0xD800 || point > 0xDFFF);
-    if (!good) {
-      out += u'\uFFFD';
-      ++i;
-      continue;
-    }
-    i += extra + 1;
-    if (point < 0x10000) {
-      out += static_cast<char16_t>(point);
-    } else {
-      out += static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10));
-      out += static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF));
-    }
-  }
+  char16_t units[2];
+  for (std::size_t i = 0; i < text.size();) out.append(units, put_character(take_character(text, i), units));
   return out;
 }
 

@@ -46,4 +46,11 @@ std::size_t format_integer(std::int32_t value, char16_t (&buffer)[max_number_tex
 std::string to_utf8(std::u16string_view text);
 std::u16string to_utf16(std::string_view text);
 
+// The same a character at a time, for callers with buffers of their own: takes the character at a position, which
+// moves behind it, and puts one into at most four bytes or two units; the number of those.
+char32_t take_character(std::u16string_view text, std::size_t& position) noexcept;
+char32_t take_character(std::string_view utf8, std::size_t& position) noexcept;
+std::size_t put_character(char32_t character, char (&utf8)[4]) noexcept;
+std::size_t put_character(char32_t character, char16_t (&units)[2]) noexcept;
+
 }  // namespace norvane

@@ -145,6 +145,13 @@ std::size_t Function_CDataManager::InUse() const noexcept {
   return count;
 }
 
+void Function_CDataManager::DropUnnamed(std::uint64_t handle) noexcept {
+  Function_CData* data = OfHandle(handle);
+  if (data == nullptr || !data->unnamed) return;
+  Unlink(data);
+  map_.Erase(data->key);
+}
+
 Function_CData* Function_CDataManager::OfHandle(std::uint64_t handle) const noexcept {
   const std::uint64_t index = static_cast<std::uint32_t>(handle) - std::uint64_t{1};
   if (index >= handles_.size() || handles_[index].generation != handle >> 32) return nullptr;
@@ -211,6 +218,7 @@ bool Function_CDataAccessor::Open(Function_CContext& context, const Function_CRe
     }
   }
   KeyBuffer<64> derived;
+  const bool unnamed = name.empty();
   if (slot != nullptr && name.empty()) {
     derived.Append(u"CachedData:");
     derived.AppendAddress(slot);
@@ -230,6 +238,7 @@ bool Function_CDataAccessor::Open(Function_CContext& context, const Function_CRe
     key.Append(name);
   }
   data_ = manager.Open(type, key.view(), name, caller != nullptr ? caller->range_text : std::u16string_view{});
+  if (data_ != nullptr) data_->unnamed = unnamed;
   if (data_ != nullptr && slot != nullptr) *slot = data_->handle;
   return data_ != nullptr;
 }

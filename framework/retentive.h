@@ -91,6 +91,7 @@ class Function_CData {
   std::shared_ptr<Function_CSynchronization> synchronization;
   Function_CData* next_in_use = nullptr;  // list of objects that carry a synchronisation object
   std::uint64_t handle = 0;
+  bool unnamed = false;  // of a calling place, not of a name
 };
 
 // A data object whose payload is one owned byte buffer.
@@ -130,6 +131,8 @@ class Function_CDataManager {
   // and may not be replaced, or when memory is refused.
   Function_CData* Open(const Function_CRegisteredType& type, std::u16string_view key, std::u16string_view name,
                        std::u16string_view caller) noexcept;
+  // Destroys the object of a handle, unless it has a name: a calling place that is given up takes its data along.
+  void DropUnnamed(std::uint64_t handle) noexcept;
   // The living object of a handle, or null for a handle of the past.
   Function_CData* OfHandle(std::uint64_t handle) const noexcept;
 

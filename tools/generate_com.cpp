@@ -7,9 +7,7 @@
 namespace norvane::generate {
 namespace {
 
-using host::Parameter;
 using host::Passing;
-using host::Signature;
 
 const char* input_type(Passing passing, bool idl) {
   switch (passing) {
@@ -35,13 +33,12 @@ std::string parameter(std::string text) {
   return text + ", ";
 }
 
-std::string parameters(const Signature& signature, bool idl) {
+std::string parameters(const Method& method, bool idl) {
   const std::string in = idl ? "[in] " : "";
   const std::string out = idl ? "[out] " : "";
   std::string list;
-  for (const Parameter& input : signature.inputs) list += parameter(in + input_type(input.passing, idl) + input.name);
-  for (const Parameter& output : signature.outputs)
-    list += parameter(out + output_type(output.passing) + output.name);
+  for (const Parameter& input : method.inputs) list += parameter(in + input_type(input.passing, idl) + input.name);
+  for (const Parameter& output : method.outputs) list += parameter(out + output_type(output.passing) + output.name);
   const std::string status = parameter(std::string(idl ? "[out, retval] " : "") + "unsigned long* status");
   return list + status.substr(0, status.size() - 2) + ")";
 }
@@ -55,7 +52,17 @@ std::string help(std::u16string_view text) {
   return quoted;
 }
 
-// A place in the interface whose function this build does not have: its slot is kept, so that no later method moves.
+// Calls use(id, method) for every place of the interface, the method null where this build lacks the function: the
+// slot is kept, so that no later method moves.
+template <class Use>
+void for_every_place(Use use) {
+  const std::vector<Method> list = methods();
+  auto next = list.begin();
+  for (std::uint32_t id = 1; id <= host::interface_order().size(); ++id) {
+    const bool has = next != list.end() && next->id == id;
+    use(id, has ? &*next++ : nullptr);
+  }
+}
 std::string kept_name(std::size_t id) { return "Reserved" + std::to_string(id); }
 
 }  // namespace
@@ -66,16 +73,15 @@ void com_idl(std::ostream& out, Specs) {
       << "  importlib(\"stdole2.tlb\");\n\n"
       << "  [object, uuid(" NORVANE_IID_IFUNCTIONS "), dual, oleautomation, nonextensible, pointer_default(unique),\n"
       << "   helpstring(\"IFunctions Interface\")]\n  interface IFunctions : IDispatch {\n";
-  for (std::uint32_t id = 1; id <= host::interface_order().size(); ++id) {
-    const Signature* signature = host::find_signature(id);
-    if (signature == nullptr) {
+  for_every_place([&out](std::uint32_t id, const Method* method) {
+    if (method == nullptr) {
       out << "    [id(" << id << "), hidden, restricted] HRESULT " << kept_name(id) << "();\n";
-      continue;
+      return;
     }
-    const Function_CFunctionSpec& spec = *signature->spec;
+    const Function_CFunctionSpec& spec = *method->spec;
     out << "    [id(" << id << "), helpstring(\"" << help(spec.display_name) << "\")]\n"
-        << wrapped(parameters(*signature, true) + ";", "    HRESULT " + narrow(spec.id) + "(", "        ");
-  }
+        << wrapped(parameters(*method, true) + ";", "    HRESULT " + narrow(spec.id) + "(", "        ");
+  });
   out << "  };\n\n"
       << "  [uuid(" NORVANE_CLSID_FUNCTIONS "), helpstring(\"Functions Class\")]\n"
       << "  coclass Functions {\n    [default] interface IFunctions;\n  };\n};\n";
@@ -83,14 +89,13 @@ void com_idl(std::ostream& out, Specs) {
 
 void com_methods(std::ostream& out, Specs) {
   out << "// Written by norvane_generate: the methods of IFunctions, inside the class that implements it.\n";
-  for (std::uint32_t id = 1; id <= host::interface_order().size(); ++id) {
-    const Signature* signature = host::find_signature(id);
-    if (signature == nullptr) {
+  for_every_place([&out](std::uint32_t id, const Method* method) {
+    if (method == nullptr) {
       out << "HRESULT STDMETHODCALLTYPE " << kept_name(id) << "() override { return E_NOTIMPL; }\n";
-      continue;
+      return;
     }
     std::string in;
-    for (const Parameter& input : signature->inputs) {
+    for (const Parameter& input : method->inputs) {
       in += in.empty() ? "" : ", ";
       switch (input.passing) {
         case Passing::number: in += "number(" + input.name + ")"; break;
@@ -99,24 +104,24 @@ void com_methods(std::ostream& out, Specs) {
       }
     }
     std::string targets;
-    for (const Parameter& output : signature->outputs) targets += (targets.empty() ? "" : ", ") + output.name;
-    out << wrapped(parameters(*signature, false) + " override {",
-                   "HRESULT STDMETHODCALLTYPE " + narrow(signature->spec->id) + "(", "    ")
+    for (const Parameter& output : method->outputs) targets += (targets.empty() ? "" : ", ") + output.name;
+    out << wrapped(parameters(*method, false) + " override {",
+                   "HRESULT STDMETHODCALLTYPE " + narrow(method->spec->id) + "(", "    ")
         << wrapped(in + "};", "  const TypedValue in[] = {", "      ")
         << wrapped(targets + "};", "  void* const out[] = {", "      ") << "  return Run(" << id
         << ", in, out, status);\n}\n";
-  }
+  });
 }
 
 void com_interface(std::ostream& out, Specs) {
-  for (const Signature* signature : signatures()) {
-    out << signature->id << " " << narrow(signature->spec->id) << "(";
+  for (const Method& method : methods()) {
+    out << method.id << " " << narrow(method.spec->id) << "(";
     const char* separator = "";
-    for (const Parameter& input : signature->inputs) {
+    for (const Parameter& input : method.inputs) {
       out << separator << "in " << host::passing_name(input.passing) << " " << input.name;
       separator = ", ";
     }
-    for (const Parameter& output : signature->outputs) {
+    for (const Parameter& output : method.outputs) {
       out << separator << "out " << host::passing_name(output.passing) << " " << output.name;
       separator = ", ";
     }

@@ -37,7 +37,7 @@ void excel_wrappers(std::ostream& out, Specs specs) {
         for (std::size_t i = 0; i < count; ++i) out << (i > 0 ? ", " : "") << "a" << i;
         out << "};\n";
       }
-      out << "  return norvane::excel::Call" << dialect.digits << "(" << spec->position << ", "
+      out << "  return norvane::excel::call_" << dialect.digits << "(" << spec->position << ", "
           << (count > 0 ? "args" : "nullptr") << ", " << count << ");\n}\n";
     }
   }

@@ -1,19 +1,20 @@
 // The direct exports: their C source, the public header, and the lists of their names.
+#include <nlohmann/json.hpp>
+
+#include "math/common/components.h"
 #include "tools/signatures.h"
 
 namespace norvane::generate {
 namespace {
 
-using host::Parameter;
 using host::Passing;
-using host::Signature;
 
-std::string export_name(const Signature& signature) { return "Norvane_" + narrow(signature.spec->id); }
+std::string export_name(const Method& method) { return "Norvane_" + narrow(method.spec->id); }
 
-std::vector<std::string> parameters(const Signature& signature) {
+std::vector<std::string> parameters(const Method& method) {
   const std::string gap(1, unbroken);
   std::vector<std::string> list;
-  for (const Parameter& input : signature.inputs) {
+  for (const Parameter& input : method.inputs) {
     switch (input.passing) {
       case Passing::number: list.push_back("double" + gap + input.name); break;
       case Passing::option: list.push_back("uint32_t" + gap + input.name); break;
@@ -24,7 +25,7 @@ std::vector<std::string> parameters(const Signature& signature) {
         break;
     }
   }
-  for (const Parameter& output : signature.outputs) {
+  for (const Parameter& output : method.outputs) {
     switch (output.passing) {
       case Passing::text: list.push_back("const char**" + gap + output.name); break;
       case Passing::option: list.push_back("uint32_t*" + gap + output.name); break;
@@ -35,10 +36,10 @@ std::vector<std::string> parameters(const Signature& signature) {
   return list;
 }
 
-std::string prototype(const Signature& signature, const std::string& prefix) {
+std::string prototype(const Method& method, const std::string& prefix) {
   std::string list;
-  for (const std::string& parameter : parameters(signature)) list += (list.empty() ? "" : ", ") + parameter;
-  const std::string start = prefix + "uint32_t " + export_name(signature) + "(";
+  for (const std::string& parameter : parameters(method)) list += (list.empty() ? "" : ", ") + parameter;
+  const std::string start = prefix + "uint32_t " + export_name(method) + "(";
   const std::string indent(start.size(), ' ');
   std::string text = wrapped(list, start, indent);
   text.pop_back();  // the last line end
@@ -53,10 +54,10 @@ std::string sentence(const std::string& form, std::u16string_view display, std::
   return text + says;
 }
 
-void comment(std::ostream& out, const Signature& signature) {
-  const Function_CFunctionSpec& spec = *signature.spec;
+void comment(std::ostream& out, const Method& method) {
+  const Function_CFunctionSpec& spec = *method.spec;
   std::size_t width = 6;
-  for (const auto* list : {&signature.inputs, &signature.outputs})
+  for (const auto* list : {&method.inputs, &method.outputs})
     for (const Parameter& parameter : *list) width = std::max(width, parameter.name.size());
   const std::string indent = " *   " + std::string(width + 7, ' ');
   const auto line = [&](const std::string& name, const char* way, const std::string& text) {
@@ -67,12 +68,17 @@ void comment(std::ostream& out, const Signature& signature) {
   if (!spec.description.empty()) out << wrapped(ascii(spec.description), " * ", " * ");
   if (!spec.notes.empty()) out << wrapped(ascii(spec.notes), " * ", " * ");
   out << " *\n";
-  for (const Parameter& parameter : signature.inputs) {
+  for (const Parameter& parameter : method.inputs) {
     const Function_CInput& input = spec.inputs[parameter.index];
-    const std::string list = parameter.passing == Passing::range ? "list with its count. " : "";
+    const char* list = "";
+    if (input.composition) {
+      list = "list of the amounts of enum norvane_component, with its count. ";
+    } else if (parameter.passing == Passing::range) {
+      list = "list with its count. ";
+    }
     line(parameter.name, "[in]  ", list + sentence(form_of(input), input.display_name, input.description));
   }
-  for (const Parameter& parameter : signature.outputs) {
+  for (const Parameter& parameter : method.outputs) {
     const Function_COutput& output = spec.outputs[parameter.index];
     line(parameter.name, "[out] ", sentence(form_of(output), output.display_name, output.description));
   }
@@ -81,27 +87,37 @@ void comment(std::ostream& out, const Signature& signature) {
   out << " */\n";
 }
 
-std::string quoted(std::u16string_view text) {
-  std::string result = "\"";
-  for (char unit : narrow(text)) {
-    if (unit == '"' || unit == '\\') result += '\\';
-    result += unit == '\n' ? ' ' : unit;
+// The places of the components, the width of a comment behind them.
+void components(std::ostream& out) {
+  out << "\n/* Places in a gas composition: a list of 22 amounts, as fractions or in percent. */\n"
+         "enum norvane_component {\n";
+  for (std::size_t i = 0; i < component::count; ++i) {
+    std::string name = "NORVANE_";
+    for (const char c : component::table[i].name)
+      name += c == ' ' || c == '-' ? '_' : static_cast<char>(fold_ascii_upper(static_cast<unsigned char>(c)));
+    name += " = " + std::to_string(i) + ",";
+    name.resize(std::max<std::size_t>(name.size(), 32), ' ');
+    out << "  " << name << " /* " << component::table[i].formula << " */\n";
   }
-  return result + "\"";
+  out << "  NORVANE_COMPONENTS = " << component::count << "\n};\n";
 }
+
+using Json = nlohmann::ordered_json;
 
 template <class Record>
-void described(std::ostream& out, const Parameter& parameter, const Record& record) {
-  out << "{\"name\": \"" << parameter.name << "\", \"key\": " << quoted(record.key) << ", \"type\": \""
-      << host::passing_name(parameter.passing) << "\", \"form\": " << quoted(to_utf16(form_of(record)));
+Json described(const Parameter& parameter, const Record& record) {
+  return {{"name", parameter.name},
+          {"key", narrow(record.key)},
+          {"type", host::passing_name(parameter.passing)},
+          {"form", form_of(record)}};
 }
 
-void described_default(std::ostream& out, const Core_CVariant& value) {
+void add_default(Json& input, const Core_CVariant& value) {
   double number = 0.0;
   if (value.tag() == Core_CVariant::STRING || value.tag() == Core_CVariant::BORROWED_STRING) {
-    out << ", \"default\": " << quoted(value.AsText());
+    input["default"] = narrow(value.AsText());
   } else if (!value.empty() && value.ToDouble(number) == CORE_RESULT_OK) {
-    out << ", \"default\": " << narrow(format_number(number));
+    input["default"] = number;
   }
 }
 
@@ -114,17 +130,18 @@ void exports_header(std::ostream& out, Specs) {
  * its status: 0 for success, or a number that its comment explains. When the status is not 0 only the status has a
  * meaning; outputs that the function did not write are 0.
  *
- * Two returned values are no status of a function:
- *   NORVANE_NOT_RUN    nothing was calculated and no output was written: a null pointer for an output, a null list,
- *                      a list shorter than the function reads (an empty one, or one of more than 65536 numbers, too),
- *                      an argument outside its range, or no memory.
+ * Two returned values are no status of a function; norvane_last_message() says what was wrong:
+ *   NORVANE_NOT_RUN    nothing was calculated and no output was written: a null pointer for an output, a list that is
+ *                      shorter than the function reads or has more than 65536 numbers, an argument outside its range,
+ *                      no memory, or a call from inside another call of the same thread.
  *   NORVANE_NO_OUTPUT  the function ran, but an output could not be delivered.
  *
  * Numbers are 64-bit floats. Options, range statuses and yes/no values are 32-bit unsigned integers with the numbers
  * that the comments list. A list is a pointer to its first number and the count of its numbers, of which the
- * function reads the first ones. Texts are UTF-8 and end with a zero byte; a null text stands for the default, and a
- * text that was given out lives until the same thread calls a function again. Defaults are those of the worksheet
- * functions, given for orientation: here every input is passed.
+ * function reads the first ones; with a null pointer or the count 0 it is left out, as a function allows that. Texts
+ * are UTF-8 and end with a zero byte; a null text stands for the default, and a text that was given out lives until
+ * the same thread calls a function again. Defaults are those of the worksheet functions, given for orientation: here
+ * every input but lists and texts is passed.
  *
  * All functions may be called from any number of threads at once. Each keeps intermediate results of the calling
  * thread's last call, so calls that share a composition are faster on one thread.
@@ -155,11 +172,22 @@ extern "C" {
 
 /* "1.2.3": the version of the library that is loaded. */
 NORVANE_API const char* norvane_version(void);
+
+/* What there is to say about the calling thread's last call: the refused argument with its value and limit, what
+ * stands behind a status other than 0, or a remark on a good result; an empty text when there is nothing. UTF-8; it
+ * lives until the same thread calls a function or asks again. */
+NORVANE_API const char* norvane_last_message(void);
+
+/* The meaning of a status or of another coded output: norvane_status_text("AGA8_M", 0, status), or output 5 for the
+ * last output, the range status. Empty for a number without a meaning. UTF-8; it lives until the same thread asks
+ * again. */
+NORVANE_API const char* norvane_status_text(const char* function, uint32_t output, uint32_t code);
 )";
-  for (const Signature* signature : signatures()) {
+  components(out);
+  for (const Method& method : methods()) {
     out << "\n";
-    comment(out, *signature);
-    out << prototype(*signature, "NORVANE_API ") << ";\n";
+    comment(out, method);
+    out << prototype(method, "NORVANE_API ") << ";\n";
   }
   out << R"(
 #ifdef __cplusplus
@@ -173,10 +201,10 @@ NORVANE_API const char* norvane_version(void);
 void exports_source(std::ostream& out, Specs) {
   out << "/* Written by norvane_generate. */\n#define NORVANE_BUILD\n#include \"hosts/exports/runner.h\"\n"
          "#include \"norvane.h\"\n";
-  for (const Signature* signature : signatures()) {
-    out << "\n" << prototype(*signature, "") << " {\n";
+  for (const Method& method : methods()) {
+    out << "\n" << prototype(method, "") << " {\n";
     std::string in;
-    for (const Parameter& input : signature->inputs) {
+    for (const Parameter& input : method.inputs) {
       in += in.empty() ? "" : ", ";
       switch (input.passing) {
         case Passing::number: in += "NORVANE_NUMBER(" + input.name + ")"; break;
@@ -186,45 +214,40 @@ void exports_source(std::ostream& out, Specs) {
       }
     }
     std::string targets;
-    for (const Parameter& output : signature->outputs) targets += (targets.empty() ? "" : ", ") + output.name;
+    for (const Parameter& output : method.outputs) targets += (targets.empty() ? "" : ", ") + output.name;
     out << wrapped(in + "};", "  const norvane_value in[] = {", "      ")
-        << wrapped(targets + "};", "  void* const out[] = {", "      ") << "  return NORVANE_RUN(" << signature->id
+        << wrapped(targets + "};", "  void* const out[] = {", "      ") << "  return NORVANE_RUN(" << method.id
         << ", in, out);\n}\n";
   }
 }
 
+// One function a line.
 void exports_json(std::ostream& out, Specs) {
-  out << "[";
-  const char* separator = "\n";
-  for (const Signature* signature : signatures()) {
-    const Function_CFunctionSpec& spec = *signature->spec;
-    out << separator << "{\"function\": \"" << narrow(spec.id) << "\", \"export\": \"" << export_name(*signature)
-        << "\", \"dispatch_id\": " << signature->id << ", \"inputs\": [";
-    const char* comma = "";
-    for (const Parameter& parameter : signature->inputs) {
-      out << comma;
-      described(out, parameter, spec.inputs[parameter.index]);
-      described_default(out, spec.inputs[parameter.index].default_value);
-      out << "}";
-      comma = ", ";
+  const char* separator = "[\n";
+  for (const Method& method : methods()) {
+    const Function_CFunctionSpec& spec = *method.spec;
+    Json inputs = Json::array();
+    for (const Parameter& parameter : method.inputs) {
+      inputs.push_back(described(parameter, spec.inputs[parameter.index]));
+      add_default(inputs.back(), spec.inputs[parameter.index].default_value);
     }
-    out << "], \"outputs\": [";
-    comma = "";
-    for (const Parameter& parameter : signature->outputs) {
-      out << comma;
-      described(out, parameter, spec.outputs[parameter.index]);
-      out << "}";
-      comma = ", ";
-    }
-    out << "]}";
+    Json outputs = Json::array();
+    for (const Parameter& parameter : method.outputs)
+      outputs.push_back(described(parameter, spec.outputs[parameter.index]));
+    const Json function = {{"function", narrow(spec.id)},
+                           {"export", export_name(method)},
+                           {"dispatch_id", method.id},
+                           {"inputs", inputs},
+                           {"outputs", outputs}};
+    out << separator << function.dump();
     separator = ",\n";
   }
   out << "\n]\n";
 }
 
 void exports_names(std::ostream& out, Specs) {
-  out << "norvane_version\n";
-  for (const Signature* signature : signatures()) out << export_name(*signature) << "\n";
+  out << "norvane_last_message\nnorvane_status_text\nnorvane_version\n";
+  for (const Method& method : methods()) out << export_name(method) << "\n";
 }
 
 void exports_def(std::ostream& out, Specs specs) {

@@ -1,14 +1,12 @@
 #include <array>
-#include <stdexcept>
 #include <utility>
 
+#include "hosts/module/meaning.h"
 #include "tools/signatures.h"
 #include "units/unit_catalogue.h"
 
 namespace norvane::generate {
 namespace {
-
-using host::Passing;
 
 std::string number(double value) { return narrow(format_number(value)); }
 
@@ -60,11 +58,23 @@ std::string default_text(const Core_CVariant& value) {
 
 }  // namespace
 
-std::vector<const host::Signature*> signatures() {
-  std::vector<const host::Signature*> list;
+std::vector<Method> methods() {
+  std::vector<Method> list;
   const auto count = static_cast<std::uint32_t>(host::interface_order().size());
-  for (std::uint32_t id = 1; id <= count; ++id)
-    if (const host::Signature* signature = host::find_signature(id)) list.push_back(signature);
+  for (std::uint32_t id = 1; id <= count; ++id) {
+    const host::Signature* signature = host::find_signature(id);
+    if (signature == nullptr) continue;
+    host::ParameterNames names = host::parameter_names(*signature);
+    Method method{signature->spec, id, {}, {}};
+    const auto add = [](std::vector<Parameter>& to, std::span<const host::Parameter> from,
+                        std::vector<std::string>& called) {
+      for (std::size_t i = 0; i < from.size(); ++i)
+        to.push_back({from[i].passing, from[i].index, std::move(called[i])});
+    };
+    add(method.inputs, signature->inputs, names.inputs);
+    add(method.outputs, signature->outputs, names.outputs);
+    list.push_back(std::move(method));
+  }
   return list;
 }
 
@@ -102,9 +112,8 @@ std::string ascii(std::u16string_view text) {
 }
 
 std::string form_of(const Function_CInput& input) {
-  const bool listed =
-      host::passing_of(input) == Passing::option && input.description.find(u';') != input.description.npos;
-  std::string text = listed ? std::string() : type_text(input.type);
+  // Options stand in the description.
+  std::string text = input.choices.empty() ? type_text(input.type) : std::string();
   if (input.has_minimum() && input.has_maximum()) {
     add(text, number(input.minimum) + " to " + number(input.maximum));
   } else if (input.has_minimum()) {
@@ -117,13 +126,11 @@ std::string form_of(const Function_CInput& input) {
 }
 
 std::string form_of(const Function_COutput& output) {
-  std::string text = type_text(output.type);
-  if (output.values().empty()) return text;
-  // The function's own meanings say more than the shared list's.
-  text = "0: success";
-  for (const Function_CStatusValue& value : output.values())
-    text += "; " + number(value.value) + ": " + ascii(value.description);
-  return text;
+  if (!output.choices.empty()) return type_text(output.type);  // they stand in the description
+  std::string text;
+  for (const host::Meaning& meaning : host::meanings_of(output))
+    text += (text.empty() ? "" : "; ") + number(meaning.number) + ": " + ascii(meaning.text);
+  return text.empty() ? type_text(output.type) : text;
 }
 
 std::string wrapped(const std::string& text, const std::string& first_prefix, const std::string& prefix,

@@ -4,13 +4,27 @@
 #include <string>
 #include <vector>
 
-#include "hosts/module/signature.h"
+#include "hosts/module/parameter_names.h"
 #include "tools/generate.h"
 
 namespace norvane::generate {
 
-// The signatures of this build, in the order of the typed interfaces.
-std::vector<const host::Signature*> signatures();
+struct Parameter {
+  host::Passing passing;
+  std::size_t index;  // of its record in the specification
+  std::string name;
+};
+
+// A function as the typed interfaces show it.
+struct Method {
+  const Function_CFunctionSpec* spec;
+  std::uint32_t id;
+  std::vector<Parameter> inputs;
+  std::vector<Parameter> outputs;
+};
+
+// The methods of this build, in the order of the typed interfaces.
+std::vector<Method> methods();
 
 // Text for a comment in a C or IDL file: US-ASCII, and nothing that ends the comment.
 std::string ascii(std::u16string_view text);

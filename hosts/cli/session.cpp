@@ -1,16 +1,15 @@
 #include "hosts/cli/session.h"
 
 #include <limits>
+#include <memory>
 #include <new>
+#include <utility>
 
 #include "catalogue/catalogue.h"
 #include "core/text.h"
 
 namespace norvane::cli {
 namespace {
-
-// A call reports a few messages; a flood would only hold memory.
-constexpr std::size_t most_messages = 1000;
 
 // Named retentive data is a cache, and a long session may use any number of names: beyond this many objects
 // the session starts afresh, which costs time and changes no result.
@@ -26,51 +25,23 @@ const host::Module& catalogues() {
 
 }  // namespace
 
-class Session::Context final : public host::Module_CFunctionContext {
- public:
-  Context(const host::Module& module, Session& session)
-      : Module_CFunctionContext(module.library, module.units), session_(session) {
-    EnableMessages(true);
-  }
-  void ReportMessage(std::uint32_t level, std::u16string_view text) noexcept override {
-    session_.collect(level, text);
-  }
-
- private:
-  Session& session_;
-};
-
-Session::Session()
-    : module_(catalogues()),
-      context_(std::make_unique<Context>(module_, *this)),
-      slots_(catalogue::specifications().size()) {}
-
-Session::~Session() = default;
-
-void Session::collect(std::uint32_t level, std::u16string_view text) noexcept {
-  if (message_count_ == most_messages) return;
-  try {
-    if (message_count_ == messages_.size()) messages_.emplace_back();
-    messages_[message_count_].text.assign(text);
-    messages_[message_count_].level = level;
-    ++message_count_;
-  } catch (const std::bad_alloc&) {
-    // The call goes on without the message.
-  }
+host::ThreadState Session::new_state(const host::Module& module, host::RecordingContext*& context) {
+  auto made = std::make_unique<host::RecordingContext>(module);
+  context = made.get();
+  return {std::move(made), catalogue::specifications().size()};
 }
 
+Session::Session() : module_(catalogues()), state_(new_state(module_, context_)) {}
+
 void Session::begin(const Function_CFunctionSpec& spec) {
-  if (context_->data_manager().Count() > most_retentive_objects) {
-    context_ = std::make_unique<Context>(module_, *this);
-    slots_.assign(slots_.size(), 0);
-  }
+  if (context_->data_manager().Count() > most_retentive_objects) state_ = new_state(module_, context_);
   context_->Reset();
+  context_->Forget();
   spec_ = &spec;
   arguments_.assign(spec.input_count, FUNCTION_ARG::Missing());
   output_ = FUNCTION_ARG::Empty();
   status_ = ERROR_OK;
   flags_ = 0;
-  message_count_ = 0;
 }
 
 FUNCTION_ARG Session::text(std::u16string_view text) {
@@ -92,8 +63,7 @@ FUNCTION_ARG Session::array(std::size_t columns, std::size_t rows) {
 }
 
 void Session::run() {
-  status_ =
-      context_->Execute(*spec_, arguments_.data(), arguments_.size(), output_, flags_, &slots_[spec_->position]);
+  status_ = context_->Execute(*spec_, arguments_.data(), arguments_.size(), output_, flags_, state_.slot(*spec_));
 }
 
 const FUNCTION_ARG& Session::output(std::size_t index) const {

@@ -3,27 +3,22 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "framework/function_spec.h"
-#include "hosts/module/module.h"
+#include "hosts/module/recording_context.h"
 
 namespace norvane::cli {
 
-struct Message {
-  std::uint32_t level = MESSAGE_ERROR;
-  std::u16string text;
-};
+using host::Message;
 
 class Session {
  public:
   // Throws std::bad_alloc when the catalogues cannot be built.
   Session();
-  ~Session();
 
   // Starts a call: every input is omitted until its argument is set. What the arguments refer to lives in the
   // context's arena, from here to the next begin().
@@ -40,7 +35,7 @@ class Session {
   std::uint32_t flags() const { return flags_; }
   // ARG_EMPTY when the output was not written.
   const FUNCTION_ARG& output(std::size_t index) const;
-  std::span<const Message> messages() const { return {messages_.data(), message_count_}; }
+  std::span<const Message> messages() const { return context_->messages(); }
   // The call failed and its outputs are the fallback values of the record.
   bool fallback() const { return (flags_ & (FLAG_OUTPUT_FALLBACK & 0xFFFFFF)) != 0; }
   // False when the call failed, or a status output answered with anything but 0.
@@ -49,19 +44,16 @@ class Session {
   const Unit_CTypeAndUnitContainer& units() const { return module_.units; }
 
  private:
-  class Context;
-  void collect(std::uint32_t level, std::u16string_view text) noexcept;
+  static host::ThreadState new_state(const host::Module& module, host::RecordingContext*& context);
 
   const host::Module& module_;
-  std::unique_ptr<Context> context_;
-  std::vector<std::uint64_t> slots_;
+  host::RecordingContext* context_ = nullptr;  // of the state
+  host::ThreadState state_;
   const Function_CFunctionSpec* spec_ = nullptr;
   std::vector<FUNCTION_ARG> arguments_;
   FUNCTION_ARG output_ = FUNCTION_ARG::Empty();
   std::uint32_t status_ = ERROR_OK;
   std::uint32_t flags_ = 0;
-  std::vector<Message> messages_;  // storage of earlier calls is used again
-  std::size_t message_count_ = 0;
 };
 
 // The worksheet error code of a text such as "#N/A"; 0 for any other text.

@@ -6,8 +6,9 @@
 #include <vector>
 
 #include "core/text.h"
-#include "hosts/com/server.h"
+#include "hosts/com/this_module.h"
 #include "hosts/com/variants.h"
+#include "hosts/module/parameter_names.h"
 
 namespace norvane::com {
 namespace {
@@ -15,6 +16,7 @@ namespace {
 using host::Parameter;
 using host::Passing;
 using host::Signature;
+using host::TypedAnswer;
 using host::TypedCall;
 
 constexpr wchar_t source_name[] = L"Norvane.Functions";
@@ -23,18 +25,9 @@ BSTR to_bstr(std::u16string_view text) noexcept {
   return SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
 }
 
-// "[4] composition is not a list of numbers": arguments are numbered as everywhere, from 1 with the name first.
-std::u16string refused(const Signature& signature, const Parameter& input) {
-  const Function_CFunctionSpec& spec = *signature.spec;
-  std::u16string text(spec.id);
-  text += u": [" + to_utf16(std::to_string(input.index + 1)) + u"] ";
-  text += spec.inputs[input.index].key;
-  text += input.passing == Passing::range ? u" is not a list of numbers" : u" is not a value that can be used";
-  return text;
-}
-
-// Leaves the text for the caller's GetErrorInfo.
-HRESULT fail(std::u16string_view text) noexcept {
+// Leaves what the last call said for the client's GetErrorInfo, and answers with the result.
+HRESULT fail(HRESULT outcome) {
+  const std::u16string text = host::last_message();
   ICreateErrorInfo* made = nullptr;
   if (SUCCEEDED(CreateErrorInfo(&made))) {
     BSTR description = to_bstr(text);
@@ -49,47 +42,35 @@ HRESULT fail(std::u16string_view text) noexcept {
     }
     made->Release();
   }
-  return E_INVALIDARG;
+  return outcome;
 }
 
-bool take(TypedCall& call, const Parameter& input, const TypedValue& value) noexcept {
-  switch (input.passing) {
-    case Passing::number: call.set_number(input, value.number); return true;
-    case Passing::option: call.set_option(input, value.option); return true;
-    case Passing::range: {
-      FUNCTION_ARG list;
-      if (!to_argument(call.context(), static_cast<const SAFEARRAY*>(value.data), list)) return false;
-      call.argument(input) = list;
-      return true;
-    }
-    case Passing::text: {
-      auto* text = static_cast<const OLECHAR*>(value.data);
-      if (text == nullptr) return true;  // its default
-      return call.set_text(input, {reinterpret_cast<const char16_t*>(text), SysStringLen(const_cast<BSTR>(text))});
-    }
-  }
-  return false;
-}
+// Early bound: lists are safe arrays, texts BSTRs.
+class MethodCaller final : public host::ValueCaller {
+ public:
+  using ValueCaller::ValueCaller;
 
-bool give(TypedCall& call, const Parameter& output, void* target) noexcept {
-  switch (output.passing) {
-    case Passing::number: return call.fetch(output.index, *static_cast<double*>(target));
-    case Passing::option: {
-      std::uint32_t value = 0;
-      if (!call.fetch(output.index, value)) return false;
-      *static_cast<unsigned long*>(target) = value;
-      return true;
-    }
-    case Passing::text: {
-      std::u16string_view text;
-      if (!call.fetch(output.index, text)) return false;
-      *static_cast<BSTR*>(target) = to_bstr(text);
-      return *static_cast<BSTR*>(target) != nullptr;
-    }
-    case Passing::range: break;  // outputs are single values
+ private:
+  static_assert(sizeof(unsigned long) == sizeof(std::uint32_t), "options leave as what the interface calls them");
+  bool take_list(TypedCall& call, const Parameter& input, const TypedValue& value) override {
+    const auto* list = static_cast<const SAFEARRAY*>(value.data);
+    if (is_empty_list(list)) return true;  // left out
+    FUNCTION_ARG argument;
+    if (!to_argument(call.context(), list, argument)) return false;
+    call.argument(input) = argument;
+    return true;
   }
-  return false;
-}
+  bool take_text(TypedCall& call, const Parameter& input, const TypedValue& value) override {
+    const auto* text = static_cast<const OLECHAR*>(value.data);
+    if (text == nullptr) return true;  // its default
+    return call.set_text(input, {reinterpret_cast<const char16_t*>(text), SysStringLen(const_cast<BSTR>(text))});
+  }
+  bool give_text(TypedCall&, std::u16string_view text, void* target) override {
+    BSTR copy = to_bstr(text);
+    *static_cast<BSTR*>(target) = copy;
+    return copy != nullptr;
+  }
+};
 
 // Unsigned results as the integers that scripts can calculate with.
 void set_unsigned(VARIANT& value, std::uint32_t number) noexcept {
@@ -102,45 +83,37 @@ void set_unsigned(VARIANT& value, std::uint32_t number) noexcept {
   }
 }
 
-bool give(TypedCall& call, std::size_t output, Passing passing, VARIANT& value) noexcept {
-  if (passing == Passing::number) {
-    value.vt = VT_R8;
-    return call.fetch(output, value.dblVal);
-  }
-  if (passing == Passing::option) {
-    std::uint32_t number = 0;
-    if (!call.fetch(output, number)) return false;
-    set_unsigned(value, number);
-    return true;
-  }
-  std::u16string_view text;
-  if (!call.fetch(output, text)) return false;
-  value.bstrVal = to_bstr(text);
-  value.vt = VT_BSTR;
-  return value.bstrVal != nullptr;
-}
+// What a late-bound call answers beside its result.
+struct LateFailure {
+  std::u16string message;
+  SCODE code = E_INVALIDARG;
+  UINT bad_argument = 0;
+};
 
 // One late-bound call. The client's objects are asked for their values before, and its variables written
 // after, the thread's context is in use: both can run the client's code, which may call this library again.
-class LateCall {
+class LateCall final : public host::TypedCaller {
  public:
   LateCall(const Signature& signature, DISPPARAMS& parameters) : signature_(signature), parameters_(parameters) {}
 
-  HRESULT Run(VARIANT* status, std::u16string& message, UINT& bad_argument) {
-    if (const HRESULT result = Arrange(bad_argument); FAILED(result)) return result;
-    if (const HRESULT result = ReadObjects(bad_argument); FAILED(result)) return result;
-    if (const HRESULT result = Calculate(message, bad_argument); FAILED(result)) return result;
-    for (std::size_t i = 0; i < signature_.outputs.size(); ++i) {
-      const Given& target = given_[signature_.inputs.size() + i];
-      if (target.value == nullptr) continue;
-      const HRESULT result = store(*target.value, *outputs_[i + 1]);
-      if (FAILED(result)) {
-        bad_argument = target.number;
-        return result;
-      }
+  HRESULT run(VARIANT* status, LateFailure& failure) {
+    if (const HRESULT result = arrange(failure.bad_argument); FAILED(result)) return result;
+    if (const HRESULT result = find_values(failure.bad_argument); FAILED(result)) return result;
+    outputs_ = std::make_unique<OwnedVariant[]>(signature_.outputs.size());
+    std::uint32_t number = 0;
+    const TypedAnswer answer = TypedCall::make(signature_, *this, number);
+    if (refused_ != nullptr) {
+      failure.bad_argument = refused_->number;
+      return DISP_E_TYPEMISMATCH;
     }
-    if (status != nullptr) copy(status, *outputs_[0]);
-    return S_OK;
+    if (answer == TypedAnswer::refused || answer == TypedAnswer::unavailable) {
+      failure.message = host::last_message();
+      failure.code = answer == TypedAnswer::refused ? E_INVALIDARG : E_UNEXPECTED;
+      return DISP_E_EXCEPTION;
+    }
+    // The status first: it is true whatever becomes of the outputs.
+    if (status != nullptr) set_unsigned(*status, number);
+    return answer == TypedAnswer::delivered ? store_outputs(failure.bad_argument) : E_INVALIDARG;
   }
 
  private:
@@ -150,7 +123,7 @@ class LateCall {
   };
 
   // Places the arguments: named ones first in the array, then the others from last to first.
-  HRESULT Arrange(UINT& bad_argument) {
+  HRESULT arrange(UINT& bad_argument) {
     const std::size_t count = signature_.inputs.size() + signature_.outputs.size();
     given_.assign(count, {});
     const UINT named = parameters_.cNamedArgs;
@@ -174,56 +147,64 @@ class LateCall {
     return S_OK;
   }
 
-  HRESULT ReadObjects(UINT& bad_argument) {
+  HRESULT find_values(UINT& bad_argument) {
+    held_ = std::make_unique<OwnedVariant[]>(signature_.inputs.size());
     for (std::size_t i = 0; i < signature_.inputs.size(); ++i) {
-      if (given_[i].value == nullptr) continue;
-      bad_argument = given_[i].number;
-      const VARIANT* value = referred(*given_[i].value);
-      if (value == nullptr) return DISP_E_TYPEMISMATCH;
-      const bool object = (value->vt & ~VT_BYREF) == VT_DISPATCH;
-      if (!object) continue;
-      IDispatch* dispatch = nullptr;
-      if ((value->vt & VT_BYREF) == 0) {
-        dispatch = value->pdispVal;
-      } else if (value->ppdispVal != nullptr) {
-        dispatch = *value->ppdispVal;
-      }
-      auto held = std::make_unique<OwnedVariant>();
-      if (const HRESULT result = value_of_object(dispatch, *held->get()); FAILED(result)) return result;
-      given_[i].value = held->get();
-      values_.push_back(std::move(held));
+      Given& given = given_[i];
+      if (given.value == nullptr) continue;
+      bad_argument = given.number;
+      if (const HRESULT result = resolve_objects(*given.value, held_[i], given.value); FAILED(result)) return result;
     }
     return S_OK;
   }
 
-  HRESULT Calculate(std::u16string& message, UINT& bad_argument) {
-    TypedCall call;
-    if (!call.begin(signature_)) return E_UNEXPECTED;
-    for (std::size_t i = 0; i < signature_.inputs.size(); ++i) {
-      const Parameter& input = signature_.inputs[i];
-      if (given_[i].value != nullptr && !to_argument(call.context(), *given_[i].value, call.argument(input))) {
-        bad_argument = given_[i].number;
-        return DISP_E_TYPEMISMATCH;
+  bool take(TypedCall& call, const Parameter& input, std::size_t place) override {
+    const Given& given = given_[place];
+    if (given.value == nullptr || (input.passing == Passing::range && is_empty_list(*given.value))) return true;
+    if (to_argument(call.context(), *given.value, call.argument(input))) return true;
+    refused_ = &given;
+    return false;
+  }
+
+  bool give(TypedCall& call, const Parameter& output, std::size_t place) override {
+    VARIANT& value = *outputs_[place].get();
+    switch (output.passing) {
+      case Passing::number: value.vt = VT_R8; return call.fetch(output, value.dblVal);
+      case Passing::option: {
+        std::uint32_t number = 0;
+        if (!call.fetch(output, number)) return false;
+        set_unsigned(value, number);
+        return true;
       }
+      default: break;
     }
-    if (!call.run()) {
-      message = call.failure();
-      return DISP_E_EXCEPTION;
-    }
-    outputs_ = std::make_unique<OwnedVariant[]>(signature_.outputs.size() + 1);
-    if (!give(call, 0, Passing::option, *outputs_[0].get())) return E_INVALIDARG;
+    std::u16string_view text;
+    if (!call.fetch(output, text)) return false;
+    value.bstrVal = to_bstr(text);
+    value.vt = VT_BSTR;
+    return value.bstrVal != nullptr;
+  }
+
+  // All that can be stored; the first that cannot is the failure.
+  HRESULT store_outputs(UINT& bad_argument) {
+    HRESULT first = S_OK;
     for (std::size_t i = 0; i < signature_.outputs.size(); ++i) {
-      const Parameter& output = signature_.outputs[i];
-      if (!give(call, output.index, output.passing, *outputs_[i + 1].get())) return E_INVALIDARG;
+      const Given& target = given_[signature_.inputs.size() + i];
+      if (target.value == nullptr) continue;
+      const HRESULT result = store(*target.value, *outputs_[i]);
+      if (SUCCEEDED(result) || FAILED(first)) continue;
+      first = result;
+      bad_argument = target.number;
     }
-    return S_OK;
+    return first;
   }
 
   const Signature& signature_;
   DISPPARAMS& parameters_;
-  std::vector<Given> given_;                           // one a parameter
-  std::vector<std::unique_ptr<OwnedVariant>> values_;  // of objects
+  std::vector<Given> given_;              // one a parameter
+  std::unique_ptr<OwnedVariant[]> held_;  // what the values of objects need
   std::unique_ptr<OwnedVariant[]> outputs_;
+  const Given* refused_ = nullptr;
 };
 
 }  // namespace
@@ -302,13 +283,15 @@ HRESULT CCOMFunctions::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LC
     const Signature* signature = host::find_signature(wide(0));
     if (signature == nullptr) return DISP_E_UNKNOWNNAME;
     ids[0] = static_cast<DISPID>(signature->id);
+    if (count == 1) return S_OK;
     // Then names of parameters: their places, outputs behind the inputs.
     HRESULT result = S_OK;
+    const host::ParameterNames parameters = host::parameter_names(*signature);
     for (UINT i = 1; i < count; ++i) {
       DISPID place = 0;
-      for (const auto* list : {&signature->inputs, &signature->outputs}) {
-        for (const Parameter& parameter : *list) {
-          if (equal_ignoring_case(to_utf16(parameter.name), wide(i))) ids[i] = place;
+      for (const auto* list : {&parameters.inputs, &parameters.outputs}) {
+        for (const std::string& name : *list) {
+          if (equal_ignoring_case(to_utf16(name), wide(i))) ids[i] = place;
           ++place;
         }
       }
@@ -328,15 +311,15 @@ HRESULT CCOMFunctions::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAM
   if (signature == nullptr || (flags & DISPATCH_METHOD) == 0) return DISP_E_MEMBERNOTFOUND;
   if (result != nullptr) VariantInit(result);
   try {
-    std::u16string message;
-    UINT bad = 0;
-    const HRESULT outcome = LateCall(*signature, *parameters).Run(result, message, bad);
-    if (bad_argument != nullptr) *bad_argument = bad;
+    SetErrorInfo(0, nullptr);  // what an earlier call left behind
+    LateFailure failure;
+    const HRESULT outcome = LateCall(*signature, *parameters).run(result, failure);
+    if (bad_argument != nullptr) *bad_argument = failure.bad_argument;
     if (outcome == DISP_E_EXCEPTION && exception != nullptr) {
       *exception = {};
-      exception->scode = E_INVALIDARG;
+      exception->scode = failure.code;
       exception->bstrSource = SysAllocString(source_name);
-      exception->bstrDescription = to_bstr(message);
+      exception->bstrDescription = to_bstr(failure.message);
     }
     return outcome;
   } catch (...) {
@@ -346,24 +329,24 @@ HRESULT CCOMFunctions::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAM
 
 HRESULT CCOMFunctions::RunMethod(std::uint32_t id, const TypedValue* in, std::size_t inputs, void* const* out,
                                  std::size_t outputs, unsigned long* status) noexcept {
+  SetErrorInfo(0, nullptr);  // what an earlier call left behind
   if (status == nullptr) return E_POINTER;
-  for (std::size_t i = 0; i < outputs; ++i)
-    if (out[i] == nullptr) return E_POINTER;
   try {
     const Signature* signature = host::find_signature(id);
     if (signature == nullptr || signature->inputs.size() != inputs || signature->outputs.size() != outputs)
       return E_UNEXPECTED;
-    TypedCall call;
-    if (!call.begin(*signature)) return E_UNEXPECTED;
-    for (std::size_t i = 0; i < inputs; ++i)
-      if (!take(call, signature->inputs[i], in[i])) return fail(refused(*signature, signature->inputs[i]));
-    if (!call.run()) return fail(call.failure());
-    std::uint32_t value = 0;
-    if (!call.fetch(0, value)) return E_INVALIDARG;
-    *status = value;
-    for (std::size_t i = 0; i < outputs; ++i)
-      if (!give(call, signature->outputs[i], out[i])) return E_INVALIDARG;
-    return S_OK;
+    for (std::size_t i = 0; i < outputs; ++i) {
+      if (out[i] != nullptr) continue;
+      host::note_null_output(*signature, i);
+      return fail(E_POINTER);
+    }
+    MethodCaller caller(in, out);
+    std::uint32_t number = 0;
+    const TypedAnswer answer = TypedCall::make(*signature, caller, number);
+    if (answer == TypedAnswer::unavailable) return fail(E_UNEXPECTED);
+    if (answer == TypedAnswer::refused) return fail(E_INVALIDARG);
+    *status = number;
+    return answer == TypedAnswer::delivered ? S_OK : E_INVALIDARG;
   } catch (...) {
     return E_OUTOFMEMORY;
   }

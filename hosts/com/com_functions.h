@@ -14,7 +14,7 @@
 
 namespace norvane::com {
 
-using host::TypedValue;
+using TypedValue = ::norvane_value;
 
 class CCOMFunctions final : public IFunctions, public ISupportErrorInfo {
  public:

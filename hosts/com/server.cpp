@@ -1,12 +1,11 @@
-#include "hosts/com/server.h"
-
-#include <atomic>
+// The module as an automation server: its class factory, its registration, and the entry points that the system calls.
 #include <stdexcept>
-#include <string_view>
+#include <string>
 
 #include "hosts/com/com_functions.h"
 #include "hosts/com/identity.h"
 #include "hosts/com/registrar.h"
+#include "hosts/com/this_module.h"
 
 #define NORVANE_WIDE_(text) L##text
 #define NORVANE_WIDE(text) NORVANE_WIDE_(text)
@@ -17,15 +16,6 @@ namespace {
 // Resources with the registry scripts.
 constexpr int appid_script = 101;
 constexpr int class_script = 103;
-
-std::atomic<long> locks{0};
-
-HMODULE this_module() noexcept {
-  HMODULE module = nullptr;
-  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                     reinterpret_cast<const wchar_t*>(&this_module), &module);
-  return module;
-}
 
 class ClassFactory final : public IClassFactory {
  public:
@@ -68,11 +58,11 @@ ClassFactory class_factory;
 // The module of the library: its identifiers and how it registers.
 class CNorvaneXLLModule {
  public:
-  explicit CNorvaneXLLModule(bool per_user) : per_user_(per_user) {
-    std::wstring path = module_path();
-    if (path.empty()) throw std::runtime_error("the module's path cannot be had");
+  // Throws rather than register a module without a path.
+  explicit CNorvaneXLLModule(bool per_user) : path_(module_path()), per_user_(per_user) {
+    if (path_.empty()) throw std::runtime_error("the module's path cannot be had");
     registrar_.Replace(L"APPID", L"{" NORVANE_WIDE(NORVANE_APPID) L"}");
-    registrar_.Replace(L"MODULE", std::move(path));
+    registrar_.Replace(L"MODULE", path_);
   }
 
   HRESULT Register() {
@@ -112,11 +102,10 @@ class CNorvaneXLLModule {
     ITypeLib* library = nullptr;
     HRESULT result = load_type_library(&library);
     if (FAILED(result)) return result;
-    std::wstring path = module_path();
     using Routine = HRESULT(WINAPI*)(ITypeLib*, OLECHAR*, OLECHAR*);
     const auto for_user = per_user_ ? Optional<Routine>("RegisterTypeLibForUser") : nullptr;
-    result = for_user != nullptr ? for_user(library, path.data(), nullptr)
-                                 : RegisterTypeLib(library, path.data(), nullptr);
+    result = for_user != nullptr ? for_user(library, path_.data(), nullptr)
+                                 : RegisterTypeLib(library, path_.data(), nullptr);
     library->Release();
     return result;
   }
@@ -134,6 +123,7 @@ class CNorvaneXLLModule {
                                : UnRegisterTypeLib(LIBID_Norvane, 1, 0, 0, SYS_WIN64);
   }
 
+  std::wstring path_;
   Registrar registrar_;
   bool per_user_;
 };
@@ -201,32 +191,6 @@ HRESULT change_user_registration(bool install) noexcept {
 
 }  // namespace
 
-void module_lock() noexcept { locks.fetch_add(1, std::memory_order_relaxed); }
-
-void module_unlock() noexcept { locks.fetch_sub(1, std::memory_order_release); }
-
-std::wstring module_path() {
-  std::wstring path(MAX_PATH, L'\0');
-  while (path.size() < 65536) {
-    const DWORD length = GetModuleFileNameW(this_module(), path.data(), static_cast<DWORD>(path.size()));
-    if (length < path.size()) {
-      path.resize(length);
-      return path;
-    }
-    path.resize(path.size() * 2);
-  }
-  return {};
-}
-
-HRESULT load_type_library(ITypeLib** library) noexcept {
-  *library = nullptr;
-  try {
-    return LoadTypeLibEx(module_path().c_str(), REGKIND_NONE, library);
-  } catch (...) {
-    return E_OUTOFMEMORY;
-  }
-}
-
 }  // namespace norvane::com
 
 using norvane::com::change_registration;
@@ -241,7 +205,7 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
   return norvane::com::class_factory.QueryInterface(iid, object);
 }
 
-STDAPI DllCanUnloadNow() { return norvane::com::locks.load(std::memory_order_acquire) == 0 ? S_OK : S_FALSE; }
+STDAPI DllCanUnloadNow() { return norvane::com::module_locked() ? S_FALSE : S_OK; }
 
 STDAPI DllRegisterServer() { return change_registration(true, false); }
 

@@ -1,9 +1,12 @@
 #include "hosts/com/variants.h"
 
 #include <cstring>
+#include <iterator>
 #include <string>
+#include <utility>
 
 #include "core/text.h"
+#include "hosts/module/typed_call.h"
 
 namespace norvane::com {
 namespace {
@@ -30,7 +33,23 @@ std::uint32_t worksheet_error(SCODE code) noexcept {
   }
 }
 
+// Only numbers: the system would ask an object for its value.
 bool converted(const VARIANT& value, FUNCTION_ARG& argument) noexcept {
+  switch (value.vt) {
+    case VT_I1:
+    case VT_I2:
+    case VT_I8:
+    case VT_UI1:
+    case VT_UI2:
+    case VT_UI4:
+    case VT_UI8:
+    case VT_UINT:
+    case VT_R4:
+    case VT_CY:
+    case VT_DATE:
+    case VT_DECIMAL: break;
+    default: return false;
+  }
   OwnedVariant number;
   if (FAILED(change_type(number.get(), value, VT_R8))) return false;
   argument = FUNCTION_ARG::Number(number->dblVal);
@@ -133,6 +152,112 @@ HRESULT elements_of_script_array(IDispatch* object, std::uint32_t length, VARIAN
   return S_OK;
 }
 
+HRESULT value_of_object(IDispatch* object, VARIANT& value) noexcept {
+  if (object == nullptr) return DISP_E_TYPEMISMATCH;
+  DISPID id = DISPID_UNKNOWN;
+  OwnedVariant length;
+  if (find_name(object, L"length", id) && SUCCEEDED(get_property(object, id, length.get())) &&
+      SUCCEEDED(change_type(length.get(), *length, VT_I4))) {
+    if (length->lVal < 0 || length->lVal > static_cast<LONG>(host::TypedCall::longest_list)) return DISP_E_OVERFLOW;
+    return elements_of_script_array(object, static_cast<std::uint32_t>(length->lVal), value);
+  }
+  const HRESULT result = get_property(object, DISPID_VALUE, &value);
+  return SUCCEEDED(result) ? S_OK : DISP_E_TYPEMISMATCH;
+}
+
+bool is_object(const VARIANT& value) noexcept {
+  const int type = value.vt & ~VT_BYREF;
+  return type == VT_DISPATCH || type == VT_UNKNOWN;
+}
+
+// The object of a variant, its own reference; null when there is none or it has no values.
+IDispatch* object_of(const VARIANT& value) noexcept {
+  IUnknown* unknown = nullptr;
+  if ((value.vt & VT_BYREF) == 0) {
+    unknown = value.punkVal;
+  } else if (value.ppunkVal != nullptr) {
+    unknown = *value.ppunkVal;
+  }
+  IDispatch* object = nullptr;
+  if (unknown != nullptr) unknown->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&object));
+  return object;
+}
+
+// Puts an object's value in its place, and the value of that when it is an object again.
+HRESULT replace_object(OwnedVariant& held) noexcept {
+  for (int i = 0; is_object(*held); ++i) {
+    if (i == longest_chain) return DISP_E_TYPEMISMATCH;
+    IDispatch* object = object_of(*held);
+    OwnedVariant value;
+    HRESULT result = value_of_object(object, *value.get());
+    if (object != nullptr) object->Release();
+    if (FAILED(result)) return result;
+    // What the value refers to is the object's, and may go with it.
+    OwnedVariant own;
+    if (FAILED(result = copy_value(own.get(), *value))) return result;
+    held.swap(own);
+  }
+  return S_OK;
+}
+
+const SAFEARRAY* array_of(const VARIANT& value) noexcept {
+  if ((value.vt & VT_ARRAY) == 0) return nullptr;
+  if ((value.vt & VT_BYREF) == 0) return value.parray;
+  return value.pparray != nullptr ? *value.pparray : nullptr;
+}
+
+// Number of elements of an array that may hold objects, and does; 0 for any other.
+std::int64_t count_with_objects(const SAFEARRAY& array) noexcept {
+  VARTYPE type = VT_EMPTY;
+  const std::int64_t count = element_count(array);
+  if (count <= 0 || FAILED(SafeArrayGetVartype(const_cast<SAFEARRAY*>(&array), &type))) return 0;
+  if (type == VT_DISPATCH || type == VT_UNKNOWN) return count;
+  if (type != VT_VARIANT) return 0;
+  const auto* elements = static_cast<const VARIANT*>(array.pvData);
+  for (std::int64_t i = 0; i < count; ++i) {
+    const VARIANT* end = referred(elements[i]);
+    if (end != nullptr && is_object(*end)) return count;
+  }
+  return 0;
+}
+
+// A copy of the array, of the same shape, that the objects' code cannot change; then the objects' values in it.
+HRESULT copy_with_values(const SAFEARRAY& array, std::int64_t count, OwnedVariant& held) noexcept {
+  auto* source = const_cast<SAFEARRAY*>(&array);
+  VARTYPE type = VT_EMPTY;
+  HRESULT result = SafeArrayGetVartype(source, &type);
+  if (FAILED(result)) return result;
+  SAFEARRAYBOUND bounds[64];
+  if (array.cDims > std::size(bounds)) return DISP_E_TYPEMISMATCH;
+  // In the array the bounds stand with the last dimension first.
+  for (USHORT d = 0; d < array.cDims; ++d) bounds[d] = array.rgsabound[array.cDims - 1 - d];
+  OwnedVariant made;
+  made->parray = SafeArrayCreate(VT_VARIANT, array.cDims, bounds);
+  if (made->parray == nullptr) return E_OUTOFMEMORY;
+  made->vt = VT_ARRAY | VT_VARIANT;
+  auto* elements = static_cast<VARIANT*>(made->parray->pvData);
+  auto* memory = static_cast<unsigned char*>(array.pvData);
+  for (std::int64_t i = 0; i < count; ++i) {
+    VARIANT reference;
+    VariantInit(&reference);
+    reference.vt = static_cast<VARTYPE>(type | VT_BYREF);
+    reference.byref = memory + i * array.cbElements;
+    const VARIANT* end = referred(reference);
+    if (end == nullptr) return DISP_E_TYPEMISMATCH;
+    if (FAILED(result = copy_value(&elements[i], *end))) return result;
+  }
+  for (std::int64_t i = 0; i < count; ++i) {
+    if (!is_object(elements[i])) continue;
+    OwnedVariant element;
+    std::swap(*element.get(), elements[i]);
+    result = replace_object(element);
+    std::swap(*element.get(), elements[i]);
+    if (FAILED(result)) return result;
+  }
+  held.swap(made);
+  return S_OK;
+}
+
 // Size of what a typed reference points at; 0 for types that take no number.
 std::size_t target_size(VARTYPE type) noexcept {
   switch (type) {
@@ -158,7 +283,7 @@ std::size_t target_size(VARTYPE type) noexcept {
 
 HRESULT store_typed(void* target, VARTYPE type, const VARIANT& value) noexcept {
   const std::size_t size = target_size(type);
-  if (size == 0) return DISP_E_TYPEMISMATCH;
+  if (size == 0 && type != VT_DECIMAL) return DISP_E_TYPEMISMATCH;
   OwnedVariant wanted;
   const HRESULT result = change_type(wanted.get(), value, type);
   if (FAILED(result)) return result;
@@ -166,6 +291,11 @@ HRESULT store_typed(void* target, VARTYPE type, const VARIANT& value) noexcept {
     SysFreeString(*static_cast<BSTR*>(target));
     *static_cast<BSTR*>(target) = wanted->bstrVal;
     wanted->vt = VT_EMPTY;
+  } else if (type == VT_DECIMAL) {
+    // It fills the variant, whose type stands in a field that a decimal keeps for later.
+    auto* decimal = static_cast<DECIMAL*>(target);
+    *decimal = wanted->decVal;
+    decimal->wReserved = 0;
   } else {
     std::memcpy(target, &wanted->llVal, size);
   }
@@ -192,17 +322,30 @@ const VARIANT* referred(const VARIANT& value) noexcept {
   return end;
 }
 
-HRESULT value_of_object(IDispatch* object, VARIANT& value) noexcept {
-  if (object == nullptr) return DISP_E_TYPEMISMATCH;
-  DISPID id = DISPID_UNKNOWN;
-  OwnedVariant length;
-  if (find_name(object, L"length", id) && SUCCEEDED(get_property(object, id, length.get())) &&
-      SUCCEEDED(change_type(length.get(), *length, VT_I4))) {
-    if (length->lVal < 0 || length->lVal > static_cast<LONG>(host::TypedCall::longest_list)) return DISP_E_OVERFLOW;
-    return elements_of_script_array(object, static_cast<std::uint32_t>(length->lVal), value);
+HRESULT resolve_objects(const VARIANT& given, OwnedVariant& held, const VARIANT*& value) noexcept {
+  value = referred(given);
+  if (value == nullptr) return DISP_E_TYPEMISMATCH;
+  if (is_object(*value)) {
+    HRESULT result = copy_value(held.get(), *value);
+    if (SUCCEEDED(result)) result = replace_object(held);
+    if (FAILED(result)) return result;
+    value = held.get();
   }
-  const HRESULT result = get_property(object, DISPID_VALUE, &value);
-  return SUCCEEDED(result) ? S_OK : DISP_E_TYPEMISMATCH;
+  const SAFEARRAY* array = array_of(*value);
+  const std::int64_t count = array != nullptr ? count_with_objects(*array) : 0;
+  if (count == 0) return S_OK;
+  OwnedVariant copied;
+  const HRESULT result = copy_with_values(*array, count, copied);
+  held.swap(copied);
+  value = held.get();
+  return result;
+}
+
+bool is_empty_list(const SAFEARRAY* array) noexcept { return array == nullptr || element_count(*array) == 0; }
+
+bool is_empty_list(const VARIANT& value) noexcept {
+  if ((value.vt & VT_ARRAY) != 0) return is_empty_list(array_of(value));
+  return value.vt == VT_EMPTY || value.vt == VT_NULL || is_omitted(value);
 }
 
 bool to_argument(Function_CContext& context, const SAFEARRAY* array, FUNCTION_ARG& argument) noexcept {
@@ -231,8 +374,7 @@ bool to_argument(Function_CContext& context, const VARIANT& value, FUNCTION_ARG&
   const VARIANT* end = referred(value);
   if (end == nullptr) return false;
   if ((end->vt & VT_ARRAY) == 0) return scalar_to_argument(context, *end, argument);
-  if ((end->vt & VT_BYREF) == 0) return to_argument(context, end->parray, argument);
-  return end->pparray != nullptr && to_argument(context, *end->pparray, argument);
+  return to_argument(context, array_of(*end), argument);
 }
 
 HRESULT store(const VARIANT& target, const VARIANT& value) noexcept {

@@ -5,7 +5,9 @@
 
 #include <oleauto.h>
 
-#include "hosts/module/typed_call.h"
+#include <utility>
+
+#include "framework/context.h"
 
 namespace norvane::com {
 
@@ -17,6 +19,7 @@ class OwnedVariant {
   OwnedVariant(const OwnedVariant&) = delete;
   OwnedVariant& operator=(const OwnedVariant&) = delete;
   VARIANT* get() noexcept { return &value_; }
+  void swap(OwnedVariant& other) noexcept { std::swap(value_, other.value_); }
   VARIANT* operator->() noexcept { return &value_; }
   const VARIANT& operator*() const noexcept { return value_; }
 
@@ -39,13 +42,19 @@ inline HRESULT change_type(VARIANT* to, const VARIANT& from, VARTYPE type) noexc
 // The variant that a chain of references to variants ends in; null for a null or an endless one.
 const VARIANT* referred(const VARIANT& value) noexcept;
 
-// An object stands for its value: the elements of a script's array, or the default property of anything else.
-// This runs the object's code, which may call this library, so it must come before the call's own memory is in use.
-HRESULT value_of_object(IDispatch* object, VARIANT& value) noexcept;
+// Finds what a caller means: the value behind references, with every object replaced by its value (the elements of a
+// script's array, or the default property of anything else), also inside an array. What had to be made for that is
+// held. This runs the objects' code, which may call this library, so it comes before a call takes its context.
+HRESULT resolve_objects(const VARIANT& given, OwnedVariant& held, const VARIANT*& value) noexcept;
 
-// A call value in the context's memory. Arrays of any element type, base and rank give their elements row by
-// row; texts stay texts, whose numbers are read as in a cell whatever the locale; Empty is a blank cell, a
-// missing optional argument is left to its default. False for what is no value (objects, Null) or too much.
+// A list that is none: Empty, Null, a missing argument, an array without memory or elements.
+bool is_empty_list(const VARIANT& value) noexcept;
+bool is_empty_list(const SAFEARRAY* array) noexcept;
+
+// A call value in the context's memory; runs no code of a client. Arrays of any element type, base and rank give
+// their elements row by row; texts stay texts, whose numbers are read as in a cell whatever the locale; Empty is a
+// blank cell, a missing optional argument is left to its default. False for what is no value (objects, Null) or too
+// much.
 bool to_argument(Function_CContext& context, const VARIANT& value, FUNCTION_ARG& argument) noexcept;
 bool to_argument(Function_CContext& context, const SAFEARRAY* array, FUNCTION_ARG& argument) noexcept;
 

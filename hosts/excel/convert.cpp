@@ -27,22 +27,23 @@ struct Dialect12 {
   static constexpr std::uint32_t multi_reference = ARG_MULTI_REFERENCE12;
   static constexpr std::uint32_t max_count = 0x7FFFFFFF;
 
-  static bool ReadText(Function_CContext& context, const Record& record, FUNCTION_ARG& arg) noexcept {
+  static bool read_text(Function_CContext& context, const Record& record, FUNCTION_ARG& arg) noexcept {
     const std::size_t length = record.string[0];
     if (length > max_text12) return false;
     return context.SetText(arg, {record.string + 1, length});
   }
 
   // A text beyond the longest cell is cut there, not inside a pair of surrogates.
-  static bool WriteText(Function_CContext& context, std::u16string_view text, Record& record) noexcept {
+  static bool write_text(Function_CContext& context, std::u16string_view text, Record& record) noexcept {
     if (text.size() > max_text12) {
       const bool pair = text[max_text12 - 1] >= 0xD800 && text[max_text12 - 1] <= 0xDBFF;
       text = text.substr(0, pair ? max_text12 - 1 : max_text12);
     }
-    char16_t* counted = context.arena().AllocateArray<char16_t>(text.size() + 1);
+    char16_t* counted = context.arena().AllocateArray<char16_t>(text.size() + 2);
     if (counted == nullptr) return false;
     counted[0] = static_cast<char16_t>(text.size());
     if (!text.empty()) std::memcpy(counted + 1, text.data(), text.size() * sizeof(char16_t));
+    counted[text.size() + 1] = u'\0';  // not counted, for hosts that read on to it
     record.string = counted;
     return true;
   }
@@ -56,40 +57,27 @@ struct Dialect4 {
   static constexpr std::uint32_t multi_reference = ARG_MULTI_REFERENCE4;
   static constexpr std::uint32_t max_count = 0xFFFF;
 
-  static bool ReadText(Function_CContext& context, const Record& record, FUNCTION_ARG& arg) noexcept {
+  static bool read_text(Function_CContext& context, const Record& record, FUNCTION_ARG& arg) noexcept {
     const std::size_t length = record.string[0];
-    // One unit a byte in every usual code page; once more with room for two.
-    for (const std::size_t room : {length + 1, 2 * length + 2}) {
-      char16_t* text = context.arena().AllocateArray<char16_t>(room);
-      if (text == nullptr) return false;
-      const std::ptrdiff_t written = platform::FromCodePage(record.string + 1, length, text, room - 1);
-      if (written < 0) continue;
-      text[written] = u'\0';
-      arg = FUNCTION_ARG::String(text, static_cast<std::uint64_t>(written));
-      return true;
-    }
-    return false;
+    char16_t* text = context.arena().AllocateArray<char16_t>(length + 1);
+    std::size_t written = 0;
+    if (text == nullptr || !platform::from_code_page(record.string + 1, length, text, written)) return false;
+    text[written] = u'\0';
+    arg = FUNCTION_ARG::String(text, written);
+    return true;
   }
 
   // The older dialect's cells are cut to 254 characters, one less than their count could say: worksheets rely on it.
-  static bool WriteText(Function_CContext& context, std::u16string_view text, Record& record) noexcept {
+  // Where characters take several bytes, as many are kept as fit.
+  static bool write_text(Function_CContext& context, std::u16string_view text, Record& record) noexcept {
     constexpr std::size_t longest = 254;
-    constexpr std::size_t whole_buffer = 255;
-    text = text.substr(0, longest);
-    std::size_t room = text.size() + 1 < whole_buffer ? text.size() + 1 : whole_buffer;
-    for (;;) {
-      unsigned char* counted = context.arena().AllocateArray<unsigned char>(room);
-      if (counted == nullptr) return false;
-      const std::ptrdiff_t written = platform::ToCodePage(text.data(), text.size(), counted + 1, room - 1);
-      if (written >= 0) {
-        counted[0] = static_cast<unsigned char>(written);
-        record.string = counted;
-        return true;
-      }
-      // Characters of several bytes: once more with all the room there is, unless that was it.
-      if (room == whole_buffer || text.size() >= longest) return false;
-      room = whole_buffer;
-    }
+    unsigned char* counted = context.arena().AllocateArray<unsigned char>(longest + 2);
+    if (counted == nullptr) return false;
+    const std::size_t written = platform::to_code_page(text.substr(0, longest), counted + 1, longest);
+    counted[0] = static_cast<unsigned char>(written);
+    counted[written + 1] = '\0';  // not counted, for hosts that read on to it
+    record.string = counted;
+    return true;
   }
 };
 
@@ -100,29 +88,29 @@ class Reader {
 
   explicit Reader(Function_CContext& context) noexcept : context_(context) {}
 
-  bool Read(const Record& record, FUNCTION_ARG& arg, int depth = 0) noexcept {
+  bool read(const Record& record, FUNCTION_ARG& arg, int depth = 0) noexcept {
     switch (record.type & ~ownership_flags) {
       case XL_NUMBER: arg = FUNCTION_ARG::Number(record.number); return true;
-      case XL_STRING: return record.string != nullptr && Dialect::ReadText(context_, record, arg);
+      case XL_STRING: return record.string != nullptr && Dialect::read_text(context_, record, arg);
       case XL_BOOLEAN: arg = FUNCTION_ARG::Boolean(record.boolean != 0); return true;
       case XL_ERROR: arg = FUNCTION_ARG::Error(code_of_error(record.error)); return true;
       case XL_MISSING: arg = FUNCTION_ARG::Missing(); return true;
       case XL_NIL: arg = FUNCTION_ARG::Empty(); return true;
       case XL_INTEGER: arg = FUNCTION_ARG::Integer(record.integer); return true;
-      case XL_ARRAY: return depth < max_nesting && ReadArray(record, arg, depth);
+      case XL_ARRAY: return depth < max_nesting && read_array(record, arg, depth);
       case XL_REFERENCE: {
         arg = FUNCTION_ARG::Empty();
         arg.kind = Dialect::reference;
         std::memcpy(arg.payload, &record.reference, sizeof record.reference);
         return true;
       }
-      case XL_MULTI_REFERENCE: return ReadAreas(record, arg);
+      case XL_MULTI_REFERENCE: return read_areas(record, arg);
       default: return false;
     }
   }
 
  private:
-  bool ReadArray(const Record& record, FUNCTION_ARG& arg, int depth) noexcept {
+  bool read_array(const Record& record, FUNCTION_ARG& arg, int depth) noexcept {
     const std::int64_t rows = record.array.rows;
     const std::int64_t columns = record.array.columns;
     if (rows < 0 || columns < 0 || rows > sheet_rows || columns > sheet_columns) return false;
@@ -132,13 +120,13 @@ class Reader {
     auto* elements = context_.arena().template AllocateArray<FUNCTION_ARG>(static_cast<std::size_t>(count));
     if (elements == nullptr) return false;
     for (std::uint64_t i = 0; i < count; ++i)
-      if (!Read(record.array.elements[i], elements[i], depth + 1)) return false;
+      if (!read(record.array.elements[i], elements[i], depth + 1)) return false;
     arg = FUNCTION_ARG::OfArray(static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows), elements);
     return true;
   }
 
   // The area list is copied: it may come back as a result, after the host has let go of its arguments.
-  bool ReadAreas(const Record& record, FUNCTION_ARG& arg) noexcept {
+  bool read_areas(const Record& record, FUNCTION_ARG& arg) noexcept {
     using Areas = typename Dialect::Areas;
     const Areas* from = record.multi.areas;
     if (from == nullptr || from->count == 0) return false;
@@ -159,7 +147,7 @@ class Reader {
 };
 
 template <class Dialect>
-bool Reference(const FUNCTION_ARG& arg, typename Dialect::Record& record) noexcept {
+bool write_reference(const FUNCTION_ARG& arg, typename Dialect::Record& record) noexcept {
   if (arg.kind == Dialect::reference) {
     std::memcpy(&record.reference, arg.payload, sizeof record.reference);
     record.type = XL_REFERENCE;
@@ -174,7 +162,7 @@ bool Reference(const FUNCTION_ARG& arg, typename Dialect::Record& record) noexce
 }
 
 template <class Dialect>
-bool Write(Function_CContext& context, const FUNCTION_ARG& arg, typename Dialect::Record& record,
+bool write(Function_CContext& context, const FUNCTION_ARG& arg, typename Dialect::Record& record,
            int depth = 0) noexcept {
   using Record = typename Dialect::Record;
   record = Record{};
@@ -199,7 +187,7 @@ bool Write(Function_CContext& context, const FUNCTION_ARG& arg, typename Dialect
       record.boolean = arg.boolean != 0 ? 1 : 0;
       record.type = XL_BOOLEAN;
       return true;
-    case ARG_STRING: record.type = XL_STRING; return Dialect::WriteText(context, arg.text(), record);
+    case ARG_STRING: record.type = XL_STRING; return Dialect::write_text(context, arg.text(), record);
     case ARG_ARRAY: {
       const std::uint64_t count = arg.count();
       if (arg.array.columns > Dialect::max_count || arg.array.rows > Dialect::max_count || depth == max_nesting)
@@ -207,7 +195,7 @@ bool Write(Function_CContext& context, const FUNCTION_ARG& arg, typename Dialect
       auto* elements = context.arena().template AllocateArray<Record>(static_cast<std::size_t>(count));
       if (elements == nullptr) return false;
       for (std::uint64_t i = 0; i < count; ++i)
-        if (!Write<Dialect>(context, arg.array.elements[i], elements[i], depth + 1)) return false;
+        if (!write<Dialect>(context, arg.array.elements[i], elements[i], depth + 1)) return false;
       record.array.elements = elements;
       record.array.rows = static_cast<decltype(record.array.rows)>(arg.array.rows);
       record.array.columns = static_cast<decltype(record.array.columns)>(arg.array.columns);
@@ -222,7 +210,7 @@ bool Write(Function_CContext& context, const FUNCTION_ARG& arg, typename Dialect
       return true;
     case ARG_MISSING: record.type = XL_MISSING; return true;
     case ARG_EMPTY: record.type = XL_NIL; return true;
-    default: return Reference<Dialect>(arg, record);
+    default: return write_reference<Dialect>(arg, record);
   }
 }
 
@@ -238,26 +226,28 @@ std::int32_t error_of_code(std::uint32_t code) noexcept {
   return code >= 1 && code <= std::size(host_errors) ? host_errors[code - 1] : XL_ERROR_VALUE;
 }
 
-bool ToArg(Function_CContext& context, const XlRecord12* record, FUNCTION_ARG& arg) noexcept {
-  return record != nullptr && Reader<Dialect12>(context).Read(*record, arg);
+bool to_argument(Function_CContext& context, const XlRecord12* record, FUNCTION_ARG& arg) noexcept {
+  return record != nullptr && Reader<Dialect12>(context).read(*record, arg);
 }
 
-bool ToArg(Function_CContext& context, const XlRecord4* record, FUNCTION_ARG& arg) noexcept {
-  return record != nullptr && Reader<Dialect4>(context).Read(*record, arg);
+bool to_argument(Function_CContext& context, const XlRecord4* record, FUNCTION_ARG& arg) noexcept {
+  return record != nullptr && Reader<Dialect4>(context).read(*record, arg);
 }
 
-bool ToRecord(Function_CContext& context, const FUNCTION_ARG& arg, XlRecord12& record) noexcept {
-  return Write<Dialect12>(context, arg, record);
+bool to_record(Function_CContext& context, const FUNCTION_ARG& arg, XlRecord12& record) noexcept {
+  return write<Dialect12>(context, arg, record);
 }
 
-bool ToRecord(Function_CContext& context, const FUNCTION_ARG& arg, XlRecord4& record) noexcept {
-  return Write<Dialect4>(context, arg, record);
+bool to_record(Function_CContext& context, const FUNCTION_ARG& arg, XlRecord4& record) noexcept {
+  return write<Dialect4>(context, arg, record);
 }
 
-bool ReferenceRecord(const FUNCTION_ARG& arg, XlRecord12& record) noexcept {
-  return Reference<Dialect12>(arg, record);
+bool reference_record(const FUNCTION_ARG& arg, XlRecord12& record) noexcept {
+  return write_reference<Dialect12>(arg, record);
 }
 
-bool ReferenceRecord(const FUNCTION_ARG& arg, XlRecord4& record) noexcept { return Reference<Dialect4>(arg, record); }
+bool reference_record(const FUNCTION_ARG& arg, XlRecord4& record) noexcept {
+  return write_reference<Dialect4>(arg, record);
+}
 
 }  // namespace norvane::excel

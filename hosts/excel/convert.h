@@ -23,15 +23,15 @@ std::int32_t error_of_code(std::uint32_t code) noexcept;
 
 // Host record to call value. False for an unknown type, a null pointer where one is needed,
 // counts that no sheet has, or when memory is refused.
-bool ToArg(Function_CContext& context, const XlRecord12* record, FUNCTION_ARG& arg) noexcept;
-bool ToArg(Function_CContext& context, const XlRecord4* record, FUNCTION_ARG& arg) noexcept;
+bool to_argument(Function_CContext& context, const XlRecord12* record, FUNCTION_ARG& arg) noexcept;
+bool to_argument(Function_CContext& context, const XlRecord4* record, FUNCTION_ARG& arg) noexcept;
 
 // Call value to host record, without flag bits: the memory is the thread's.
-bool ToRecord(Function_CContext& context, const FUNCTION_ARG& arg, XlRecord12& record) noexcept;
-bool ToRecord(Function_CContext& context, const FUNCTION_ARG& arg, XlRecord4& record) noexcept;
+bool to_record(Function_CContext& context, const FUNCTION_ARG& arg, XlRecord12& record) noexcept;
+bool to_record(Function_CContext& context, const FUNCTION_ARG& arg, XlRecord4& record) noexcept;
 
 // The host's reference in a call value of that dialect.
-bool ReferenceRecord(const FUNCTION_ARG& arg, XlRecord12& record) noexcept;
-bool ReferenceRecord(const FUNCTION_ARG& arg, XlRecord4& record) noexcept;
+bool reference_record(const FUNCTION_ARG& arg, XlRecord12& record) noexcept;
+bool reference_record(const FUNCTION_ARG& arg, XlRecord4& record) noexcept;
 
 }  // namespace norvane::excel

@@ -1,8 +1,5 @@
 #include "hosts/excel/excel_context.h"
 
-#include <cstring>
-#include <type_traits>
-
 #include "hosts/excel/host.h"
 #include "hosts/excel/platform.h"
 #include "hosts/excel/sinks.h"
@@ -10,44 +7,19 @@
 namespace norvane::excel {
 namespace {
 
-// Text in a given room; what does not fit makes it invalid.
-class PlaceText {
- public:
-  PlaceText(char16_t* buffer, std::size_t room) noexcept : buffer_(buffer), room_(room) {}
-  void Append(std::u16string_view text) noexcept {
-    if (text.size() > room_ - length_) {
-      good_ = false;
-      return;
-    }
-    std::memcpy(buffer_ + length_, text.data(), text.size() * sizeof(char16_t));
-    length_ += text.size();
-  }
-  void AppendCell(std::int32_t row, std::int32_t column) noexcept {
-    char16_t digits[max_number_text + 1];
-    Append(u"R");
-    Append({digits, format_integer(row + 1, digits)});
-    Append(u"C");
-    Append({digits, format_integer(column + 1, digits)});
-  }
-  bool good() const noexcept { return good_; }
-  std::u16string_view view() const noexcept { return {buffer_, length_}; }
-
- private:
-  char16_t* buffer_;
-  std::size_t room_;
-  std::size_t length_ = 0;
-  bool good_ = true;
-};
-
-// Length of a sheet's name in the place's buffer, or -1.
-std::ptrdiff_t SheetText(const XlRecord12& record, char16_t* out, std::size_t room) noexcept {
-  const std::size_t length = record.string[0];
-  if (length > room) return -1;
-  std::memcpy(out, record.string + 1, length * sizeof(char16_t));
-  return static_cast<std::ptrdiff_t>(length);
+// The text of a record, which begins with its length. False when it is longer than the buffer.
+template <std::size_t Size>
+bool append_text(TextBuffer<Size>& buffer, const XlRecord12& record) noexcept {
+  buffer << std::u16string_view{record.string + 1, record.string[0]};
+  return !buffer.cut();
 }
-std::ptrdiff_t SheetText(const XlRecord4& record, char16_t* out, std::size_t room) noexcept {
-  return platform::FromCodePage(record.string + 1, record.string[0], out, room);
+template <std::size_t Size>
+bool append_text(TextBuffer<Size>& buffer, const XlRecord4& record) noexcept {
+  char16_t text[max_text4];
+  std::size_t length = 0;
+  if (!platform::from_code_page(record.string + 1, record.string[0], text, length)) return false;
+  buffer << std::u16string_view{text, length};
+  return !buffer.cut();
 }
 
 }  // namespace
@@ -55,7 +27,7 @@ std::ptrdiff_t SheetText(const XlRecord4& record, char16_t* out, std::size_t roo
 Excel_CFunctionContext::Excel_CFunctionContext(const Function_CLibrary& library,
                                                const Unit_CTypeAndUnitContainer& units)
     : Function_CContext(library, units) {
-  EnableMessages(platform::DebugAsked());
+  EnableMessages(platform::debug_asked());
 }
 
 bool Excel_CFunctionContext::NoteAnswer(int answer) noexcept {
@@ -67,13 +39,13 @@ bool Excel_CFunctionContext::NoteAnswer(int answer) noexcept {
 template <class Record>
 bool Excel_CFunctionContext::Coerce(const FUNCTION_ARG& reference, FUNCTION_ARG* value) noexcept {
   Record record{};
-  if (!ReferenceRecord(reference, record)) return FailConversion(ERROR_VALUE);
+  if (!reference_record(reference, record)) return FailConversion(ERROR_VALUE);
   Record* args[] = {&record};
   HostResult<Record> cells;
-  if (!NoteAnswer(cells.Call(XL_COERCE, 1, args))) return FailConversion(host_closed_ ? ERROR_NA : ERROR_VALUE);
+  if (!NoteAnswer(cells.call(XL_COERCE, 1, args))) return FailConversion(host_closed_ ? ERROR_NA : ERROR_VALUE);
   if (value == nullptr) return true;
   // A host that answers a reference with a reference would be asked for ever.
-  if (!ToArg(*this, &cells.record(), *value) || is_reference(value->kind)) return FailConversion(ERROR_VALUE);
+  if (!to_argument(*this, &cells.record(), *value) || is_reference(value->kind)) return FailConversion(ERROR_VALUE);
   return true;
 }
 
@@ -98,17 +70,15 @@ bool Excel_CFunctionContext::ConvertArgument(FUNCTION_ARG& out, const FUNCTION_A
 }
 
 void Excel_CFunctionContext::ReportMessage(std::uint32_t level, std::u16string_view text) noexcept {
-  char16_t line[600];
-  PlaceText message(line, std::size(line));
-  message.Append(level == MESSAGE_ERROR ? u"Norvane: error: " : u"Norvane: warning: ");
-  message.Append(text.substr(0, 560));
-  sinks().debug(message.view());
+  TextBuffer<600> line;
+  line << (level == MESSAGE_ERROR ? u"Norvane: error: " : u"Norvane: warning: ") << text;
+  sinks().debug(line.view());
 }
 
 template <class Record>
 void Excel_CFunctionContext::FindCaller() noexcept {
   HostResult<Record> caller;
-  if (!NoteAnswer(caller.Call(XLF_CALLER))) return;
+  if (!NoteAnswer(caller.call(XLF_CALLER))) return;
   const auto take = [this](const auto& area) {
     const std::int32_t last_row = area.last_row;
     const std::int32_t last_column = area.last_column;
@@ -128,7 +98,7 @@ void Excel_CFunctionContext::FindCaller() noexcept {
   };
   const Record& record = caller.record();
   // Anything else is a menu, a toolbar or another add-in.
-  const std::uint32_t type = record.type & XL_TYPE_MASK;
+  const std::uint32_t type = caller.type();
   if (type == XL_REFERENCE)
     take(record.reference.area);
   else if (type == XL_MULTI_REFERENCE && record.multi.areas != nullptr && record.multi.areas->count >= 1)
@@ -136,7 +106,7 @@ void Excel_CFunctionContext::FindCaller() noexcept {
 }
 
 template <class Record>
-bool Excel_CFunctionContext::FindSheet(std::u16string_view& sheet) noexcept {
+bool Excel_CFunctionContext::FindSheet() noexcept {
   Record place{};
   place.reference.count = 1;
   auto& area = place.reference.area;
@@ -149,12 +119,10 @@ bool Excel_CFunctionContext::FindSheet(std::u16string_view& sheet) noexcept {
   place.type = XL_REFERENCE;
   Record* args[] = {&place};
   HostResult<Record> name;
-  if (!NoteAnswer(name.Call(XL_SHEET_NAME, 1, args))) return false;
-  if ((name.record().type & XL_TYPE_MASK) != XL_STRING || name.record().string == nullptr) return false;
-  const std::ptrdiff_t length = SheetText(name.record(), place_, longest_sheet);
-  if (length <= 0) return false;
-  sheet = {place_, static_cast<std::size_t>(length)};
-  return true;
+  if (!NoteAnswer(name.call(XL_SHEET_NAME, 1, args))) return false;
+  if (name.type() != XL_STRING || name.record().string == nullptr) return false;
+  place_.clear();
+  return append_text(place_, name.record()) && !place_.view().empty() && place_.view().size() <= longest_sheet;
 }
 
 // The rectangle only: the text costs two more calls of the host and is wanted by retentive functions alone.
@@ -162,9 +130,9 @@ const Function_CCallerInfo* Excel_CFunctionContext::FetchCallerInfo() noexcept {
   if (!caller_asked_ && !host_closed_) {
     caller_asked_ = true;
     switch (dialect_) {
-      case DIALECT::excel12: FindCaller<XlRecord12>(); break;
-      case DIALECT::excel4: FindCaller<XlRecord4>(); break;
-      case DIALECT::none: break;
+      case Dialect::excel12: FindCaller<XlRecord12>(); break;
+      case Dialect::excel4: FindCaller<XlRecord4>(); break;
+      case Dialect::none: break;
     }
   }
   return &caller_;
@@ -173,35 +141,37 @@ const Function_CCallerInfo* Excel_CFunctionContext::FetchCallerInfo() noexcept {
 // A thread-safe function may not ask the host for the text of its caller, so it is put together here. A
 // caller without a sheet's name keeps the data slot that it was started with.
 void Excel_CFunctionContext::HostNotify1() noexcept {
-  if (dialect_ == DIALECT::none || place_asked_) return;
+  if (dialect_ == Dialect::none || place_asked_) return;
   FetchCallerInfo();
   if (!caller_known_ || host_closed_) return;
   place_asked_ = true;
-  std::u16string_view sheet;
-  if (!(dialect_ == DIALECT::excel12 ? FindSheet<XlRecord12>(sheet) : FindSheet<XlRecord4>(sheet))) return;
-  PlaceText place(place_, longest_place);
-  place.Append(sheet);
-  place.Append(u"!");
-  place.AppendCell(caller_.first_row, caller_.first_column);
-  if (caller_.end_row >= 0) {
-    place.Append(u":");
-    place.AppendCell(caller_.end_row, caller_.end_column);
-  }
-  if (!place.good()) return;
-  caller_.range_text = place.view();
-  caller_.scope_text = sheet;
-  std::uint64_t* slot = slots_.Find(caller_.range_text);
-  if (slot == nullptr) {
-    try {
-      slot = &slots_.Insert(caller_.range_text, 0);
-    } catch (...) {
-      return;
-    }
-  }
+  if (!(dialect_ == Dialect::excel12 ? FindSheet<XlRecord12>() : FindSheet<XlRecord4>())) return;
+  const std::size_t sheet = place_.view().size();
+  place_ << u"!R" << caller_.first_row + 1 << u"C" << caller_.first_column + 1;
+  if (caller_.end_row >= 0) place_ << u":R" << caller_.end_row + 1 << u"C" << caller_.end_column + 1;
+  std::uint64_t* slot = SlotOf(place_.view());
+  if (slot == nullptr) return;
+  caller_.range_text = place_.view();
+  caller_.scope_text = caller_.range_text.substr(0, sheet);
   SetDataSlot(slot);
 }
 
-std::uint32_t Excel_CFunctionContext::Run(DIALECT dialect, const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
+// Null when memory is refused.
+std::uint64_t* Excel_CFunctionContext::SlotOf(std::u16string_view cell) noexcept {
+  if (std::uint64_t* slot = slots_.Find(cell)) return slot;
+  if (slots_.Count() >= most_cells) {
+    const auto oldest = slots_.begin();
+    data_manager().DropUnnamed(oldest->value);
+    slots_.Erase(oldest->key);
+  }
+  try {
+    return &slots_.Insert(cell, 0);
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+std::uint32_t Excel_CFunctionContext::Run(Dialect dialect, const Function_CFunctionSpec& spec, FUNCTION_ARG* args,
                                           std::size_t count, FUNCTION_ARG& output,
                                           std::uint64_t* data_slot) noexcept {
   dialect_ = dialect;
@@ -220,13 +190,13 @@ std::uint32_t Excel_CFunctionContext::Run(DIALECT dialect, const Function_CFunct
   }
   // Also when a cell turned out to be uncalculated while it was read, and whatever the fallback outputs say.
   if (host_closed_) status = ERROR_NA;
-  dialect_ = DIALECT::none;
+  dialect_ = Dialect::none;
   caller_ = {};
   return status;
 }
 
-std::unique_ptr<Function_CContext> MakeContext(const host::Module& module) {
-  return std::make_unique<XLL_CFunctionContext>(module.library, module.units, platform::ThreadId());
+std::unique_ptr<Function_CContext> make_context(const host::Module& module) {
+  return std::make_unique<XLL_CFunctionContext>(module.library, module.units, platform::thread_number());
 }
 
 }  // namespace norvane::excel

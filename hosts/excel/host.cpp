@@ -13,28 +13,28 @@ std::atomic<bool> bound{false};
 std::atomic<XlEntry4> entry4{nullptr};
 std::atomic<XlEntry12> entry12{nullptr};
 
-Sinks current_sinks{platform::ShowMessage, platform::DebugOutput, platform::ShowAbout};
+Sinks current_sinks{platform::show_message, platform::debug_output, platform::show_about};
 
 }  // namespace
 
-int BindHost() noexcept {
+int bind_host() noexcept {
   if (bound.load(std::memory_order_acquire)) return BIND_ALREADY;
   platform::HostEntries entries;
-  if (!platform::FindHostEntries(entries)) return BIND_NOT_FOUND;
+  if (!platform::find_host_entries(entries)) return BIND_NOT_FOUND;
   entry4.store(entries.entry4, std::memory_order_release);
   entry12.store(entries.entry12, std::memory_order_release);
   bound.store(true, std::memory_order_release);
   return BIND_OK;
 }
 
-bool HostSpeaks12() noexcept { return entry12.load(std::memory_order_acquire) != nullptr; }
+bool host_speaks_12() noexcept { return entry12.load(std::memory_order_acquire) != nullptr; }
 
-int CallHost(int function, XlRecord12* result, int count, XlRecord12** args) noexcept {
+int call_host(int function, XlRecord12* result, int count, XlRecord12** args) noexcept {
   const XlEntry12 entry = entry12.load(std::memory_order_acquire);
   return entry != nullptr ? entry(function, count, args, result) : XL_RETURN_FAILED;
 }
 
-int CallHost(int function, XlRecord4* result, int count, XlRecord4** args) noexcept {
+int call_host(int function, XlRecord4* result, int count, XlRecord4** args) noexcept {
   const XlEntry4 entry = entry4.load(std::memory_order_acquire);
   return entry != nullptr ? entry(function, result, count, args) : XL_RETURN_FAILED;
 }

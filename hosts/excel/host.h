@@ -12,15 +12,15 @@ enum BIND_RESULT : int {
 };
 
 // Finds the host's entry points, once for the life of the process.
-int BindHost() noexcept;
+int bind_host() noexcept;
 
 // Whether the host offers the newer dialect.
-bool HostSpeaks12() noexcept;
+bool host_speaks_12() noexcept;
 
 // A call of the host; a bit mask of XlReturn. The result pointer may be null. Without
 // the entry point the answer is XL_RETURN_FAILED.
-int CallHost(int function, XlRecord12* result, int count, XlRecord12** args) noexcept;
-int CallHost(int function, XlRecord4* result, int count, XlRecord4** args) noexcept;
+int call_host(int function, XlRecord12* result, int count, XlRecord12** args) noexcept;
+int call_host(int function, XlRecord4* result, int count, XlRecord4** args) noexcept;
 
 // A record that a call of the host fills, given back to the host exactly once.
 template <class Record>
@@ -30,16 +30,17 @@ class HostResult {
   ~HostResult() {
     if (!called_) return;
     Record* arg = &record_;
-    CallHost(XL_FREE, static_cast<Record*>(nullptr), 1, &arg);
+    call_host(XL_FREE, static_cast<Record*>(nullptr), 1, &arg);
   }
   HostResult(const HostResult&) = delete;
   HostResult& operator=(const HostResult&) = delete;
 
-  int Call(int function, int count = 0, Record** args = nullptr) noexcept {
+  int call(int function, int count = 0, Record** args = nullptr) noexcept {
     called_ = true;
-    return CallHost(function, &record_, count, args);
+    return call_host(function, &record_, count, args);
   }
   const Record& record() const noexcept { return record_; }
+  std::uint32_t type() const noexcept { return record_.type & XL_TYPE_MASK; }
 
  private:
   Record record_;

@@ -14,24 +14,28 @@ struct HostEntries {
   XlEntry12 entry12 = nullptr;  // null: the host speaks the older dialect only
 };
 
-// The host's two entry points. False when the library that carries the first cannot be loaded (elsewhere than
-// on Windows: when the process has neither symbol).
-bool FindHostEntries(HostEntries& entries) noexcept;
+// The host's two entry points. False when the library that carries the first is neither in the process nor in its
+// program's folder (elsewhere than on Windows: when the process has neither symbol).
+bool find_host_entries(HostEntries& entries) noexcept;
 
-// Between the code page of the older dialect (elsewhere than on Windows: 1252) and UTF-16, without terminators.
-// The number of units written, or -1 when the room does not suffice. A character without counterpart becomes '?'.
-std::ptrdiff_t FromCodePage(const unsigned char* text, std::size_t length, char16_t* out, std::size_t room) noexcept;
-std::ptrdiff_t ToCodePage(const char16_t* text, std::size_t length, unsigned char* out, std::size_t room) noexcept;
+// Between the older dialect's text and UTF-16, without terminators: the system's code page on Windows, elsewhere the
+// locale's encoding (UTF-8 in the "C" locale, as every other locale has it today). A character without counterpart
+// becomes '?' there and U+FFFD here.
+//
+// All of the text, whose units are at most as many as its bytes; false when the system cannot read it.
+bool from_code_page(const unsigned char* text, std::size_t length, char16_t* out, std::size_t& written) noexcept;
+// As many whole characters as fit the room; the number of bytes.
+std::size_t to_code_page(std::u16string_view text, unsigned char* out, std::size_t room) noexcept;
 
-std::uint32_t ThreadId() noexcept;
+std::uint32_t thread_number() noexcept;
 
 // Whether the environment variable NORVANE_DEBUG asks for the messages of calls in the debugger's output.
-bool DebugAsked() noexcept;
+bool debug_asked() noexcept;
 
 // A modal error box; a line of the debugger's output; the modal about box. On systems
 // without boxes all three write to the error stream.
-void ShowMessage(std::u16string_view title, std::u16string_view text) noexcept;
-void DebugOutput(std::u16string_view line) noexcept;
-void ShowAbout() noexcept;
+void show_message(std::u16string_view title, std::u16string_view text) noexcept;
+void debug_output(std::u16string_view line) noexcept;
+void show_about() noexcept;
 
 }  // namespace norvane::excel::platform

@@ -1,7 +1,9 @@
 #include <windows.h>
 
 #include <iterator>
+#include <string>
 
+#include "core/text_buffer.h"
 #include "hosts/excel/about.h"
 #include "hosts/excel/platform.h"
 #include "hosts/excel/resource.h"
@@ -12,15 +14,6 @@ namespace {
 static_assert(sizeof(wchar_t) == sizeof(char16_t));
 
 const wchar_t* wide(const char16_t* text) noexcept { return reinterpret_cast<const wchar_t*>(text); }
-
-// A terminated copy of a text, cut to the buffer.
-template <std::size_t N>
-const wchar_t* terminated(std::u16string_view text, wchar_t (&buffer)[N]) noexcept {
-  const std::size_t length = text.size() < N - 1 ? text.size() : N - 1;
-  for (std::size_t i = 0; i < length; ++i) buffer[i] = static_cast<wchar_t>(text[i]);
-  buffer[length] = L'\0';
-  return buffer;
-}
 
 // The image this code is part of: the process's main module is the host's.
 HINSTANCE this_module() noexcept {
@@ -50,52 +43,75 @@ Entry entry_of(HMODULE module, const char* name) noexcept {
   return reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
+// The host's library: what the process has loaded, or the one beside its program. The folders that the system searches
+// (the current one among them) may hold another's. Kept for the life of the process, as the binding is.
+HMODULE host_library() noexcept {
+  constexpr wchar_t name[] = L"XLCall32.DLL";
+  HMODULE library = nullptr;
+  if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN, name, &library)) return library;
+  try {
+    std::wstring path(32768, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    const std::size_t folder = path.rfind(L'\\');
+    if (folder == path.npos) return nullptr;
+    path.replace(folder + 1, path.npos, name);
+    return LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+  } catch (...) {
+    return nullptr;
+  }
+}
+
 }  // namespace
 
-bool FindHostEntries(HostEntries& entries) noexcept {
-  // Kept for the life of the process, as the binding is.
-  const HMODULE library = LoadLibraryW(L"XLCall32.DLL");
+bool find_host_entries(HostEntries& entries) noexcept {
+  const HMODULE library = host_library();
   if (library == nullptr) return false;
   entries.entry4 = entry_of<XlEntry4>(library, "Excel4v");
   entries.entry12 = entry_of<XlEntry12>(GetModuleHandleW(nullptr), "MdCallBack12");
   return true;
 }
 
-std::ptrdiff_t FromCodePage(const unsigned char* text, std::size_t length, char16_t* out, std::size_t room) noexcept {
-  if (length == 0) return 0;
-  const int written = MultiByteToWideChar(CP_ACP, 0, reinterpret_cast<const char*>(text), static_cast<int>(length),
-                                          reinterpret_cast<wchar_t*>(out), static_cast<int>(room));
-  return written > 0 ? written : -1;
+bool from_code_page(const unsigned char* text, std::size_t length, char16_t* out, std::size_t& written) noexcept {
+  const auto size = static_cast<int>(length);
+  const int units = length == 0 ? 0
+                                : MultiByteToWideChar(CP_ACP, 0, reinterpret_cast<const char*>(text), size,
+                                                      reinterpret_cast<wchar_t*>(out), size);
+  written = static_cast<std::size_t>(units);
+  return units > 0 || length == 0;
 }
 
-std::ptrdiff_t ToCodePage(const char16_t* text, std::size_t length, unsigned char* out, std::size_t room) noexcept {
-  if (length == 0) return 0;
-  const int written = WideCharToMultiByte(CP_ACP, 0, wide(text), static_cast<int>(length),
+std::size_t to_code_page(std::u16string_view text, unsigned char* out, std::size_t room) noexcept {
+  for (std::size_t length = text.size() < room ? text.size() : room; length > 0; --length) {
+    // Not inside a pair of surrogates.
+    if (text[length - 1] >= 0xD800 && text[length - 1] <= 0xDBFF && length < text.size()) continue;
+    const int bytes = WideCharToMultiByte(CP_ACP, 0, wide(text.data()), static_cast<int>(length),
                                           reinterpret_cast<char*>(out), static_cast<int>(room), nullptr, nullptr);
-  return written > 0 ? written : -1;
+    if (bytes > 0) return static_cast<std::size_t>(bytes);
+  }
+  return 0;
 }
 
-std::uint32_t ThreadId() noexcept { return GetCurrentThreadId(); }
+std::uint32_t thread_number() noexcept { return GetCurrentThreadId(); }
 
-bool DebugAsked() noexcept {
+bool debug_asked() noexcept {
   wchar_t value[8];
   const DWORD length = GetEnvironmentVariableW(L"NORVANE_DEBUG", value, std::size(value));
   return length > 1 || (length == 1 && value[0] != L'0');
 }
 
-void ShowMessage(std::u16string_view title, std::u16string_view text) noexcept {
-  wchar_t title_text[128];
-  wchar_t message[1024];
-  MessageBoxW(GetActiveWindow(), terminated(text, message), terminated(title, title_text), MB_OK | MB_ICONERROR);
+void show_message(std::u16string_view title, std::u16string_view text) noexcept {
+  TextBuffer<127> caption;
+  TextBuffer<1023> message;
+  MessageBoxW(GetActiveWindow(), wide((message << text).c_str()), wide((caption << title).c_str()),
+              MB_OK | MB_ICONERROR);
 }
 
-void DebugOutput(std::u16string_view line) noexcept {
-  wchar_t buffer[1024];
-  OutputDebugStringW(terminated(line, buffer));
-  OutputDebugStringW(L"\n");
+void debug_output(std::u16string_view line) noexcept {
+  TextBuffer<1023> text;
+  OutputDebugStringW(wide((text << line << u"\n").c_str()));
 }
 
-void ShowAbout() noexcept {
+void show_about() noexcept {
   DialogBoxParamW(this_module(), MAKEINTRESOURCEW(NORVANE_DIALOG_ABOUT), GetActiveWindow(), AboutDialog, 0);
 }
 

@@ -19,12 +19,12 @@ std::u16string decimal(std::size_t value) {
   return {digits, format_integer(static_cast<std::int32_t>(value), digits)};
 }
 
-std::size_t ArgumentCount(const Function_CFunctionSpec& spec, const Limits& limits) {
+std::size_t argument_count(const Function_CFunctionSpec& spec, const Limits& limits) {
   return spec.has(FUNCTION_VARIABLE_INPUTS) && spec.input_count > 0 ? limits.variable_arguments : spec.input_count;
 }
 
 // "a,b,[c]"; a repeated last input "comp" reads comp1,[comp2],[comp3].
-std::u16string ArgumentText(const Function_CFunctionSpec& spec, std::size_t count) {
+std::u16string argument_text(const Function_CFunctionSpec& spec, std::size_t count) {
   std::u16string text;
   for (std::size_t i = 0; i < count; ++i) {
     if (i > 0) text += u',';
@@ -43,7 +43,7 @@ std::u16string ArgumentText(const Function_CFunctionSpec& spec, std::size_t coun
 }
 
 // "[bar(a)][0..2000] Absolute pressure."
-std::u16string ArgumentHelp(const Function_CInput& input, const Unit_CTypeAndUnitContainer& units) {
+std::u16string argument_help(const Function_CInput& input, const Unit_CTypeAndUnitContainer& units) {
   std::u16string text;
   std::u16string_view unit;
   if (input.type != 0 && units.TextOfCode(input.type, unit) == UNIT_OK && !unit.empty())
@@ -59,14 +59,14 @@ std::u16string ArgumentHelp(const Function_CInput& input, const Unit_CTypeAndUni
 }
 
 // An argument text that is too long ends after a whole argument.
-std::u16string CutArguments(std::u16string text) {
+std::u16string cut_arguments(std::u16string text) {
   if (text.size() <= max_registration_text) return text;
   const std::size_t comma = text.rfind(u',', max_registration_text);
   text.resize(comma != std::u16string::npos ? comma : max_registration_text);
   return text;
 }
 
-// Argument records of one call of the host, with the memory of their texts.
+// Argument records of one call of the host, with the memory of their texts, which end with a NUL beyond their length.
 template <class Record>
 class Arguments;
 
@@ -74,9 +74,9 @@ template <>
 class Arguments<XlRecord12> {
  public:
   using Record = XlRecord12;
-  static void SetText(Record& record, std::u16string_view text, std::vector<std::unique_ptr<char16_t[]>>& memory) {
+  static void set_text(Record& record, std::u16string_view text, std::vector<std::unique_ptr<char16_t[]>>& memory) {
     if (text.size() > max_text12) text = text.substr(0, max_text12);
-    auto counted = std::make_unique<char16_t[]>(text.size() + 1);
+    auto counted = std::make_unique<char16_t[]>(text.size() + 2);
     counted[0] = static_cast<char16_t>(text.size());
     text.copy(counted.get() + 1, text.size());
     record.string = counted.get();
@@ -90,16 +90,11 @@ template <>
 class Arguments<XlRecord4> {
  public:
   using Record = XlRecord4;
-  static void SetText(Record& record, std::u16string_view text,
-                      std::vector<std::unique_ptr<unsigned char[]>>& memory) {
-    auto counted = std::make_unique<unsigned char[]>(max_text4 + 1);
-    std::ptrdiff_t written = -1;
+  static void set_text(Record& record, std::u16string_view text,
+                       std::vector<std::unique_ptr<unsigned char[]>>& memory) {
+    auto counted = std::make_unique<unsigned char[]>(max_text4 + 2);
     // Characters of several bytes in the code page: as many as fit.
-    for (std::size_t length = text.size() < max_text4 ? text.size() : max_text4;; --length) {
-      written = platform::ToCodePage(text.data(), length, counted.get() + 1, max_text4);
-      if (written >= 0 || length == 0) break;
-    }
-    counted[0] = static_cast<unsigned char>(written < 0 ? 0 : written);
+    counted[0] = static_cast<unsigned char>(platform::to_code_page(text, counted.get() + 1, max_text4));
     record.string = counted.get();
     record.type = XL_STRING;
     memory.push_back(std::move(counted));
@@ -111,45 +106,45 @@ template <class Record>
 class HostCall {
  public:
   explicit HostCall(std::size_t room) { records_.reserve(room); }
-  HostCall& Text(std::u16string_view text) {
-    Arguments<Record>::SetText(Add(), text, memory_);
+  HostCall& text(std::u16string_view text) {
+    Arguments<Record>::set_text(add(), text, memory_);
     return *this;
   }
-  HostCall& Missing() {
-    Add().type = XL_MISSING;
+  HostCall& missing() {
+    add().type = XL_MISSING;
     return *this;
   }
-  HostCall& Number(double value) {
-    Record& record = Add();
+  HostCall& number(double value) {
+    Record& record = add();
     record.number = value;
     record.type = XL_NUMBER;
     return *this;
   }
-  HostCall& Given(const Record& record) {
-    Add() = record;
+  HostCall& given(const Record& record) {
+    add() = record;
     return *this;
   }
   // One row of texts.
   template <std::size_t N>
-  HostCall& TextRow(const std::u16string_view (&texts)[N]) {
+  HostCall& text_row(const std::u16string_view (&texts)[N]) {
     row_.assign(N, Record{});
-    for (std::size_t i = 0; i < N; ++i) Arguments<Record>::SetText(row_[i], texts[i], memory_);
-    Record& record = Add();
+    for (std::size_t i = 0; i < N; ++i) Arguments<Record>::set_text(row_[i], texts[i], memory_);
+    Record& record = add();
     record.array.elements = row_.data();
     record.array.rows = 1;
     record.array.columns = N;
     record.type = XL_ARRAY;
     return *this;
   }
-  int Call(int function, HostResult<Record>& result) {
+  int call(int function, HostResult<Record>& result) {
     std::vector<Record*> args;
     args.reserve(records_.size());
     for (Record& record : records_) args.push_back(&record);
-    return result.Call(function, static_cast<int>(args.size()), args.data());
+    return result.call(function, static_cast<int>(args.size()), args.data());
   }
 
  private:
-  Record& Add() { return records_.emplace_back(); }
+  Record& add() { return records_.emplace_back(); }
   std::vector<Record> records_;
   std::vector<Record> row_;
   std::vector<std::unique_ptr<typename Arguments<Record>::Unit[]>> memory_;
@@ -157,37 +152,55 @@ class HostCall {
 
 // The answer of a registration lies in its result (a number), whatever the return code says.
 template <class Record>
-void NoteRegistration(int answer, const HostResult<Record>& result, std::u16string_view function) {
-  if (answer == XL_RETURN_SUCCESS && (result.record().type & XL_TYPE_MASK) == XL_NUMBER) return;
+bool registered(HostCall<Record>& call, std::u16string_view function) {
+  HostResult<Record> result;
+  if (call.call(XLF_REGISTER, result) == XL_RETURN_SUCCESS && result.type() == XL_NUMBER) return true;
   std::u16string line = u"Norvane: the host refused to register ";
   line.append(function);
   sinks().debug(line);
+  return false;
+}
+
+// The entry in the host's Help menu; newer hosts have no such menu, the command can be called by its name there.
+constexpr double menu_bar = 10;
+constexpr std::u16string_view menu = u"Help";
+constexpr std::u16string_view about_entry = u"About Norvane";
+constexpr std::u16string_view about_command = u"AboutBox";
+
+// Whether the menu has the entry. Opening and closing run on the host's main thread.
+bool about_in_menu = false;
+
+template <class Record>
+void add_about(const Record& module) {
+  HostCall<Record> command(8);
+  command.given(module).text(about_command).text(u"A").text(about_command).text(u"").text(u"2");
+  command.text(addin_name).missing();
+  if (!registered(command, about_command) || about_in_menu) return;
+  HostCall<Record> call(3);
+  HostResult<Record> result;
+  call.number(menu_bar).text(menu).text_row({about_entry, about_command, u"", u"", u""});
+  about_in_menu = call.call(XLF_ADD_COMMAND, result) == XL_RETURN_SUCCESS && result.type() != XL_ERROR;
 }
 
 template <class Record>
-void RegisterAllWith(const Function_CLibrary& library, const Unit_CTypeAndUnitContainer& units,
-                     const Limits& limits) {
+void remove_about() {
+  HostCall<Record> call(3);
+  HostResult<Record> result;
+  call.number(menu_bar).text(menu).text(about_entry);
+  call.call(XLF_DELETE_COMMAND, result);
+}
+
+template <class Record>
+void register_all_with(const Function_CLibrary& library, const Unit_CTypeAndUnitContainer& units,
+                       const Limits& limits) {
   HostResult<Record> module;
-  if (module.Call(XL_GET_NAME) != XL_RETURN_SUCCESS) {
+  if (module.call(XL_GET_NAME) != XL_RETURN_SUCCESS) {
     sinks().debug(u"Norvane: the host does not tell the add-in's name");
     return;
   }
-  {
-    HostCall<Record> call(8);
-    HostResult<Record> result;
-    call.Given(module.record()).Text(u"AboutBox").Text(u"A").Text(u"AboutBox").Text(u"").Text(u"2");
-    call.Text(addin_name).Missing();
-    NoteRegistration(call.Call(XLF_REGISTER, result), result, u"AboutBox");
-  }
-  {
-    // Newer hosts have no such menu; the command can be called by its name there.
-    HostCall<Record> call(3);
-    HostResult<Record> result;
-    call.Number(10).Text(u"Help").TextRow({u"About Norvane", u"AboutBox", u"", u"", u""});
-    call.Call(XLF_ADD_COMMAND, result);
-  }
+  add_about(module.record());
   for (const auto& entry : library.Entries()) {
-    const Registration texts = DescribeFunction(*entry.value, units, limits);
+    const Registration texts = describe_function(*entry.value, units, limits);
     if (texts.names_length > max_names_text) {
       std::u16string message = u"The argument-names string for function '";
       message.append(texts.function).append(u"' + the name-length (total=").append(decimal(texts.names_length));
@@ -195,16 +208,15 @@ void RegisterAllWith(const Function_CLibrary& library, const Unit_CTypeAndUnitCo
       sinks().developer_message(u"MESSAGE FOR DEVELOPER", message);
     }
     HostCall<Record> call(10 + limits.help_slots);
-    HostResult<Record> result;
-    call.Given(module.record()).Text(texts.procedure).Text(texts.type).Text(texts.function).Text(texts.arguments);
-    call.Text(texts.macro_type).Text(addin_name).Missing().Missing().Text(texts.help);
+    call.given(module.record()).text(texts.procedure).text(texts.type).text(texts.function).text(texts.arguments);
+    call.text(texts.macro_type).text(addin_name).missing().missing().text(texts.help);
     for (std::size_t i = 0; i < limits.help_slots; ++i) {
       if (i < texts.argument_helps.size())
-        call.Text(texts.argument_helps[i]);
+        call.text(texts.argument_helps[i]);
       else
-        call.Missing();
+        call.missing();
     }
-    NoteRegistration(call.Call(XLF_REGISTER, result), result, texts.function);
+    registered(call, texts.function);
   }
 }
 
@@ -216,7 +228,7 @@ const Limits& limits_of(bool excel12) noexcept {
   return excel12 ? excel12_limits : excel4_limits;
 }
 
-std::u16string CutText(std::u16string_view text, std::size_t longest) {
+std::u16string cut_text(std::u16string_view text, std::size_t longest) {
   if (text.size() <= longest) return std::u16string(text);
   // The blank may stand right behind the last character that fits.
   const std::size_t blank = text.rfind(u' ', longest);
@@ -226,10 +238,10 @@ std::u16string CutText(std::u16string_view text, std::size_t longest) {
   return std::u16string(text.substr(0, end));
 }
 
-Registration DescribeFunction(const Function_CFunctionSpec& spec, const Unit_CTypeAndUnitContainer& units,
-                              const Limits& limits) {
+Registration describe_function(const Function_CFunctionSpec& spec, const Unit_CTypeAndUnitContainer& units,
+                               const Limits& limits) {
   Registration texts;
-  const std::size_t count = ArgumentCount(spec, limits);
+  const std::size_t count = argument_count(spec, limits);
   texts.procedure = limits.excel12 ? u"xlWrapper12_" : u"xlWrapper4_";
   texts.procedure.append(spec.group->name).append(u"_").append(spec.id);
 
@@ -245,27 +257,33 @@ Registration DescribeFunction(const Function_CFunctionSpec& spec, const Unit_CTy
   if (limits.excel12) texts.type += u'$';
   if (spec.has(FUNCTION_VOLATILE)) texts.type += u'!';
 
-  const std::u16string arguments = ArgumentText(spec, count);
+  const std::u16string arguments = argument_text(spec, count);
   texts.names_length = arguments.size() + texts.function.size();
-  texts.arguments = CutArguments(arguments);
-  texts.help = CutText(spec.description);
+  texts.arguments = cut_arguments(arguments);
+  texts.help = cut_text(spec.description);
 
   const std::size_t helps = count < limits.help_slots ? count : limits.help_slots;
   for (std::size_t i = 0; i < helps; ++i) {
-    std::u16string help = ArgumentHelp(*spec.input_of(i), units);
+    std::u16string help = argument_help(*spec.input_of(i), units);
     // The host's wizard swallows up to two characters at the end of the last text it is given.
-    texts.argument_helps.push_back(i + 1 == helps ? CutText(help, max_registration_text - 2).append(u"  ")
-                                                  : CutText(help));
+    texts.argument_helps.push_back(i + 1 == helps ? cut_text(help, max_registration_text - 2).append(u"  ")
+                                                  : cut_text(help));
   }
   return texts;
 }
 
-void RegisterAll(const Function_CLibrary& library, const Unit_CTypeAndUnitContainer& units) {
-  const bool excel12 = HostSpeaks12();
+void register_all(const Function_CLibrary& library, const Unit_CTypeAndUnitContainer& units) {
+  const bool excel12 = host_speaks_12();
   if (excel12)
-    RegisterAllWith<XlRecord12>(library, units, limits_of(true));
+    register_all_with<XlRecord12>(library, units, limits_of(true));
   else
-    RegisterAllWith<XlRecord4>(library, units, limits_of(false));
+    register_all_with<XlRecord4>(library, units, limits_of(false));
+}
+
+void remove_menu_entry() {
+  if (!about_in_menu) return;
+  about_in_menu = false;
+  host_speaks_12() ? remove_about<XlRecord12>() : remove_about<XlRecord4>();
 }
 
 }  // namespace norvane::excel

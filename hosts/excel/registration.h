@@ -33,14 +33,17 @@ struct Registration {
   std::vector<std::u16string> argument_helps;  // at most as many as there are slots
   std::size_t names_length = 0;                // of argument text and function text, before anything was cut
 };
-Registration DescribeFunction(const Function_CFunctionSpec& spec, const Unit_CTypeAndUnitContainer& units,
-                              const Limits& limits);
+Registration describe_function(const Function_CFunctionSpec& spec, const Unit_CTypeAndUnitContainer& units,
+                               const Limits& limits);
 
 // At most so many characters, the last word whole where possible.
-std::u16string CutText(std::u16string_view text, std::size_t longest = max_registration_text);
+std::u16string cut_text(std::u16string_view text, std::size_t longest = max_registration_text);
 
-// Registers the about command and every function of the library with the bound host. A refused function is
-// reported to the debugger's output and does not stop the others.
-void RegisterAll(const Function_CLibrary& library, const Unit_CTypeAndUnitContainer& units);
+// Registers the about command, with its entry in the Help menu, and every function of the library with the bound host.
+// A refused function is reported to the debugger's output and does not stop the others; a refused command has no entry.
+void register_all(const Function_CLibrary& library, const Unit_CTypeAndUnitContainer& units);
+
+// Takes the entry out of the menu, when it is there.
+void remove_menu_entry();
 
 }  // namespace norvane::excel

@@ -8,23 +8,23 @@ namespace norvane::excel {
 namespace {
 
 template <class Record>
-Record* Run(DIALECT dialect, std::size_t position, Record* const* args, std::size_t count) noexcept {
+Record* run(Dialect dialect, std::size_t position, Record* const* args, std::size_t count) noexcept {
   const host::FloatingPointGuard guard;
-  host::ThreadState* state = host::thread_state();
+  // A host may recalculate cells of this thread while a call asks it for others.
+  host::HeldContext held(nullptr);
   const auto specs = catalogue::specifications();
-  if (state == nullptr || position >= specs.size()) return nullptr;
+  if (!held || position >= specs.size()) return nullptr;
   const Function_CFunctionSpec& spec = *specs[position];
-  // Every context of this image comes from MakeContext.
-  auto& context = static_cast<XLL_CFunctionContext&>(state->context());
-  context.Reset();
+  // Every context of this image comes from make_context.
+  auto& context = static_cast<XLL_CFunctionContext&>(held.context());
   Record* result = context.arena().AllocateArray<Record>(1);
   FUNCTION_ARG* values = context.arena().AllocateArray<FUNCTION_ARG>(count);
   if (result == nullptr || values == nullptr) return nullptr;
   for (std::size_t i = 0; i < count; ++i)
-    if (!ToArg(context, args[i], values[i])) return nullptr;
+    if (!to_argument(context, args[i], values[i])) return nullptr;
   FUNCTION_ARG output = FUNCTION_ARG::Empty();
-  const std::uint32_t status = context.Run(dialect, spec, values, count, output, state->slot(spec));
-  if (status == ERROR_OK) return ToRecord(context, output, *result) ? result : nullptr;
+  const std::uint32_t status = context.Run(dialect, spec, values, count, output, held.state().slot(spec));
+  if (status == ERROR_OK) return to_record(context, output, *result) ? result : nullptr;
   *result = Record{};
   result->error = static_cast<decltype(result->error)>(error_of_code(status));
   result->type = XL_ERROR;
@@ -33,12 +33,12 @@ Record* Run(DIALECT dialect, std::size_t position, Record* const* args, std::siz
 
 }  // namespace
 
-XlRecord12* Call12(std::size_t position, XlRecord12* const* args, std::size_t count) noexcept {
-  return Run(DIALECT::excel12, position, args, count);
+XlRecord12* call_12(std::size_t position, XlRecord12* const* args, std::size_t count) noexcept {
+  return run(Dialect::excel12, position, args, count);
 }
 
-XlRecord4* Call4(std::size_t position, XlRecord4* const* args, std::size_t count) noexcept {
-  return Run(DIALECT::excel4, position, args, count);
+XlRecord4* call_4(std::size_t position, XlRecord4* const* args, std::size_t count) noexcept {
+  return run(Dialect::excel4, position, args, count);
 }
 
 }  // namespace norvane::excel

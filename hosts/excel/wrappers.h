@@ -8,10 +8,10 @@
 
 namespace norvane::excel {
 
-// The record to hand to the host, valid until the same thread calls again; null when there is no context, an
-// argument cannot be converted or the result cannot. The host shows a null as #NUM!.
-XlRecord12* Call12(std::size_t position, XlRecord12* const* args, std::size_t count) noexcept;
-XlRecord4* Call4(std::size_t position, XlRecord4* const* args, std::size_t count) noexcept;
+// The record to hand to the host, valid until the same thread calls again; null when the thread has no context or is
+// inside another call, an argument cannot be converted or the result cannot. The host shows a null as #NUM!.
+XlRecord12* call_12(std::size_t position, XlRecord12* const* args, std::size_t count) noexcept;
+XlRecord4* call_4(std::size_t position, XlRecord4* const* args, std::size_t count) noexcept;
 
 // Arguments that a function of any number of inputs is registered with: the dialect's limit.
 inline constexpr std::size_t variable_arguments12 = 30;

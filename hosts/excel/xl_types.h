@@ -53,7 +53,8 @@ enum XlFunction : int {
   XL_GET_NAME = 0x4009,
   XLF_CALLER = 89,
   XLF_REGISTER = 149,
-  XLF_ADD_COMMAND = 153
+  XLF_ADD_COMMAND = 153,
+  XLF_DELETE_COMMAND = 159
 };
 
 struct XlArea4 {

@@ -4,71 +4,70 @@
 
 #include "core/text.h"
 #include "hosts/module/export.h"
+#include "hosts/module/meaning.h"
 #include "hosts/module/typed_call.h"
 
 namespace norvane::exports {
 namespace {
 
 using host::Parameter;
-using host::Passing;
 using host::Signature;
+using host::TypedAnswer;
 using host::TypedCall;
 
 constexpr std::uint32_t not_run = 0xFFFFFFFF;
 constexpr std::uint32_t no_output = 0xFFFFFFFE;
 constexpr std::size_t longest_text = 32767;
 
-bool take_text(TypedCall& call, const Parameter& input, const char* text) {
-  if (text == nullptr) return true;  // its default
-  const void* end = std::memchr(text, '\0', longest_text + 1);
-  if (end == nullptr) return false;
-  return call.set_text(input, to_utf16({text, static_cast<std::size_t>(static_cast<const char*>(end) - text)}));
-}
+// Lists are pointers with a count, texts are UTF-8 and end with a NUL.
+class Caller final : public host::ValueCaller {
+ public:
+  using ValueCaller::ValueCaller;
 
-bool take(TypedCall& call, const Parameter& input, const norvane_value& value) {
-  switch (input.passing) {
-    case Passing::number: call.set_number(input, value.number); return true;
-    case Passing::option: call.set_option(input, value.option); return true;
-    case Passing::range: return call.set_list(input, static_cast<const double*>(value.data), value.option);
-    case Passing::text: return take_text(call, input, static_cast<const char*>(value.data));
+ private:
+  bool take_list(TypedCall& call, const Parameter& input, const norvane_value& value) override {
+    return call.set_list(input, static_cast<const double*>(value.data), value.option);
   }
-  return false;
-}
-
-bool give_text(TypedCall& call, std::size_t output, const char** target) {
-  std::u16string_view wide;
-  if (!call.fetch(output, wide)) return false;
-  const std::string text = to_utf8(wide);
-  char* copy = call.context().arena().AllocateArray<char>(text.size() + 1);
-  if (copy == nullptr) return false;
-  std::memcpy(copy, text.c_str(), text.size() + 1);
-  *target = copy;
-  return true;
-}
-
-bool give(TypedCall& call, const Parameter& output, void* target) {
-  switch (output.passing) {
-    case Passing::number: return call.fetch(output.index, *static_cast<double*>(target));
-    case Passing::option: return call.fetch(output.index, *static_cast<std::uint32_t*>(target));
-    case Passing::text: return give_text(call, output.index, static_cast<const char**>(target));
-    case Passing::range: break;  // outputs are single values
+  bool take_text(TypedCall& call, const Parameter& input, const norvane_value& value) override {
+    const auto* text = static_cast<const char*>(value.data);
+    if (text == nullptr) return true;  // its default
+    const void* end = std::memchr(text, '\0', longest_text + 1);
+    if (end == nullptr) return false;
+    return call.set_text(input, to_utf16({text, static_cast<std::size_t>(static_cast<const char*>(end) - text)}));
   }
-  return false;
-}
+  bool give_text(TypedCall& call, std::u16string_view wide, void* target) override {
+    const std::string text = to_utf8(wide);
+    char* copy = call.context().arena().AllocateArray<char>(text.size() + 1);
+    if (copy == nullptr) return false;
+    std::memcpy(copy, text.c_str(), text.size() + 1);
+    *static_cast<const char**>(target) = copy;
+    return true;
+  }
+};
 
 std::uint32_t run(const Signature& signature, const norvane_value* in, void* const* out) {
-  for (std::size_t i = 0; i < signature.outputs.size(); ++i)
-    if (out[i] == nullptr) return not_run;
-  TypedCall call;
-  if (!call.begin(signature)) return not_run;
-  for (std::size_t i = 0; i < signature.inputs.size(); ++i)
-    if (!take(call, signature.inputs[i], in[i])) return not_run;
-  if (!call.run()) return not_run;
+  for (std::size_t i = 0; i < signature.outputs.size(); ++i) {
+    if (out[i] != nullptr) continue;
+    host::note_null_output(signature, i);
+    return not_run;
+  }
+  Caller caller(in, out);
   std::uint32_t status = 0;
-  if (!call.fetch(0, status)) return no_output;
-  for (std::size_t i = 0; i < signature.outputs.size(); ++i)
-    if (!give(call, signature.outputs[i], out[i])) return no_output;
-  return status;
+  switch (TypedCall::make(signature, caller, status)) {
+    case TypedAnswer::delivered: return status;
+    case TypedAnswer::undelivered: return no_output;
+    default: return not_run;
+  }
+}
+
+// Text that lives until the thread asks for the next of its kind.
+const char* kept(std::string host::ThreadState::*place, std::u16string_view text) noexcept {
+  try {
+    host::ThreadState* state = host::thread_state();
+    if (state != nullptr) return (state->*place = to_utf8(text)).c_str();
+  } catch (...) {
+  }
+  return "not enough memory for a text";
 }
 
 }  // namespace
@@ -87,3 +86,27 @@ std::uint32_t norvane_run(std::uint32_t id, const norvane_value* in, std::size_t
 }
 
 NORVANE_EXPORT const char* norvane_version(void) { return NORVANE_VERSION; }
+
+NORVANE_EXPORT const char* norvane_last_message(void) {
+  try {
+    return norvane::exports::kept(&norvane::host::ThreadState::last_message, norvane::host::last_message());
+  } catch (...) {
+    return "not enough memory for a text";
+  }
+}
+
+NORVANE_EXPORT const char* norvane_status_text(const char* function, std::uint32_t output, std::uint32_t code) {
+  using namespace norvane;
+  constexpr std::size_t longest_id = 63;
+  if (function == nullptr || std::memchr(function, '\0', longest_id + 1) == nullptr) return "";
+  try {
+    const host::Signature* signature = host::find_signature(to_utf16(function));
+    if (signature == nullptr || output >= signature->spec->output_count) return "";
+    if (output == 0 && code == exports::not_run) return "nothing was calculated";
+    if (output == 0 && code == exports::no_output) return "an output could not be delivered";
+    const auto number = static_cast<std::int32_t>(code);
+    return exports::kept(&host::ThreadState::status_text, host::meaning_of(signature->spec->outputs[output], number));
+  } catch (...) {
+    return "not enough memory for a text";
+  }
+}

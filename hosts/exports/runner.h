@@ -3,18 +3,12 @@
 #pragma once
 
 #include <stddef.h>
-#include <stdint.h>
+
+#include "hosts/module/typed_value.h"
 
 #ifdef __cplusplus
 extern "C" {
 #endif
-
-/* An input in the form that its parameter takes; layout of norvane::host::TypedValue. */
-typedef struct norvane_value {
-  const void* data;
-  double number;
-  uint32_t option;
-} norvane_value;
 
 #define NORVANE_NUMBER(value) \
   { 0, (value), 0 }

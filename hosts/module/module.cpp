@@ -4,6 +4,8 @@
 #include <mutex>
 #include <new>
 
+#include "hosts/module/recording_context.h"
+
 #if defined(_WIN32)
 #include <windows.h>
 #else
@@ -112,6 +114,32 @@ ThreadState* make_thread_state() noexcept {
 }
 
 }  // namespace
+
+ThreadState::ThreadState(std::unique_ptr<Function_CContext> context, std::size_t functions)
+    : context_(std::move(context)), slots_(std::make_unique<std::uint64_t[]>(functions)) {}
+ThreadState::~ThreadState() = default;
+ThreadState::ThreadState(ThreadState&&) noexcept = default;
+ThreadState& ThreadState::operator=(ThreadState&&) noexcept = default;
+
+RecordingContext* ThreadState::recorder() noexcept {
+  try {
+    if (recorder_ == nullptr) recorder_ = std::make_unique<RecordingContext>(*module());
+  } catch (...) {
+    // Whoever asked goes without.
+  }
+  return recorder_.get();
+}
+
+HeldContext::HeldContext(const Function_CCallerInfo* caller) noexcept : state_(thread_state()) {
+  if (state_ == nullptr) return;
+  if (state_->busy_) {
+    state_->last_call = {.end = LastCall::End::busy};
+    return;
+  }
+  held_ = state_->busy_ = true;
+  state_->last_call = {};
+  state_->context().Reset(caller);
+}
 
 const Module* module() noexcept {
   static const std::unique_ptr<Module> instance = make_module();

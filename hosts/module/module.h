@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "catalogue/catalogue.h"
@@ -28,18 +29,41 @@ class Module_CFunctionContext : public Function_CContext {
   Function_CCallerInfo caller_{};
 };
 
+class RecordingContext;
+
+// How the last typed call of a thread ended, to be told when somebody asks.
+struct LastCall {
+  enum class End : std::uint8_t { none, ran, busy, no_memory, null_output, bad_argument };
+  End end = End::none;
+  const Function_CFunctionSpec* spec = nullptr;
+  FUNCTION_ARG* arguments = nullptr;  // ran: in the memory of the context, until the thread's next call
+  std::size_t index = 0;              // null_output, bad_argument: of its record
+};
+
 // What one thread owns: its context, and one data slot a function for callers without cells.
 class ThreadState {
  public:
-  ThreadState(std::unique_ptr<Function_CContext> context, std::size_t functions)
-      : context_(std::move(context)), slots_(std::make_unique<std::uint64_t[]>(functions)) {}
+  ThreadState(std::unique_ptr<Function_CContext> context, std::size_t functions);
+  ~ThreadState();
+  ThreadState(ThreadState&&) noexcept;
+  ThreadState& operator=(ThreadState&&) noexcept;
 
   Function_CContext& context() noexcept { return *context_; }
   std::uint64_t* slot(const Function_CFunctionSpec& spec) noexcept { return &slots_[spec.position]; }
+  // A second context that takes down messages, made on first use; null when memory is refused.
+  RecordingContext* recorder() noexcept;
+
+  LastCall last_call;
+  // Texts handed out to callers that want a pointer, one a kind: each until the thread asks for the next.
+  std::string last_message;
+  std::string status_text;
 
  private:
+  friend class HeldContext;
   std::unique_ptr<Function_CContext> context_;
   std::unique_ptr<std::uint64_t[]> slots_;
+  std::unique_ptr<RecordingContext> recorder_;
+  bool busy_ = false;
 };
 
 // Makes the contexts of this image; the spreadsheet host sets its own before the first call.
@@ -53,6 +77,29 @@ void detach() noexcept;
 
 // The calling thread's state, made on its first call; null when it cannot be had.
 ThreadState* thread_state() noexcept;
+
+// The calling thread's context, held for one call from before its arguments are converted until its outputs have
+// left. A call that arrives on the same thread meanwhile (a host that recalculates while it is asked for a cell) gets
+// none: it would run over the memory of the call that it interrupts.
+class HeldContext {
+ public:
+  // Resets the context for a caller at this place; null lets the context ask for it.
+  explicit HeldContext(const Function_CCallerInfo* caller) noexcept;
+  ~HeldContext() {
+    if (held_) state_->busy_ = false;
+  }
+  HeldContext(const HeldContext&) = delete;
+  HeldContext& operator=(const HeldContext&) = delete;
+
+  // False when the thread can have no context, or has one in use.
+  explicit operator bool() const noexcept { return held_; }
+  ThreadState& state() noexcept { return *state_; }
+  Function_CContext& context() noexcept { return state_->context(); }
+
+ private:
+  ThreadState* state_;
+  bool held_ = false;
+};
 
 // Destroys the calling thread's state: from DllMain's thread detach, by itself on other systems.
 void thread_ended() noexcept;

@@ -37,28 +37,15 @@ constexpr std::u16string_view order[] = {
 // clang-format on
 static_assert(std::size(order) == 106);
 
-constexpr bool is_digit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
-
-// "Method.; 1: Observed->standard; 2: Standard->observed" lists meanings after its semicolons.
-bool lists_options(std::u16string_view description) noexcept {
-  for (std::size_t at = description.find(u';'); at != description.npos; at = description.find(u';', at + 1)) {
-    std::size_t i = at + 1;
-    while (i < description.size() && description[i] == u' ') ++i;
-    const std::size_t digits = i;
-    while (i < description.size() && is_digit(description[i])) ++i;
-    if (i > digits && i < description.size() && description[i] == u':') return true;
-  }
-  return false;
-}
-
-Passing passing_of(std::uint32_t type, std::u16string_view description) noexcept {
-  switch (kind_of_code(type)) {
+template <class Record>
+Passing passing_of_record(const Record& record) noexcept {
+  switch (kind_of_code(record.type)) {
     case CodeKind::unit: return Passing::number;
     case CodeKind::enumeration:
     case CodeKind::enumeration_value: return Passing::option;
     default: break;
   }
-  switch (type) {
+  switch (record.type) {
     case data_type::text:
     case data_type::ipaddr: return Passing::text;
     case data_type::boolean:
@@ -66,55 +53,8 @@ Passing passing_of(std::uint32_t type, std::u16string_view description) noexcept
     case data_type::unit:
     case data_type::enumeration: return Passing::option;
     case data_type::date: return Passing::number;
-    default: return lists_options(description) ? Passing::option : Passing::number;
+    default: return record.choices.empty() ? Passing::number : Passing::option;
   }
-}
-
-// Words that C, C++, IDL or the headers of Windows keep for themselves.
-constexpr std::u16string_view reserved[] = {
-    u"auto",     u"bool",      u"break",    u"byte",    u"case",      u"char",   u"class",  u"const",    u"default",
-    u"delete",   u"do",        u"double",   u"else",    u"enum",      u"error",  u"export", u"extern",   u"far",
-    u"float",    u"for",       u"goto",     u"hyper",   u"id",        u"if",     u"import", u"in",       u"inline",
-    u"int",      u"interface", u"library",  u"linux",   u"long",      u"module", u"near",   u"new",      u"object",
-    u"operator", u"out",       u"pascal",   u"private", u"protected", u"public", u"range",  u"ref",      u"register",
-    u"retval",   u"return",    u"short",    u"signed",  u"sizeof",    u"small",  u"source", u"static",   u"string",
-    u"struct",   u"switch",    u"template", u"this",    u"typedef",   u"union",  u"unix",   u"unsigned", u"version",
-    u"void",     u"volatile",  u"while"};
-
-std::string identifier(std::u16string_view key, const char* what, std::size_t index) {
-  std::string name;
-  for (char16_t unit : key) {
-    const char16_t upper = fold_ascii_upper(unit);
-    if (is_digit(unit) || (upper >= u'A' && upper <= u'Z')) {
-      name += static_cast<char>(unit);
-    } else if (!name.empty() && name.back() != '_') {
-      name += '_';
-    }
-  }
-  while (!name.empty() && name.back() == '_') name.pop_back();
-  if (name.empty()) return what + std::to_string(index);
-  if (is_digit(static_cast<char16_t>(name[0]))) name.insert(0, what);
-  for (std::u16string_view word : reserved)
-    if (equal_ignoring_case(to_utf16(name), word)) return name + "_";
-  return name;
-}
-
-bool taken(const Signature& signature, std::string_view name) {
-  const std::u16string wide = to_utf16(name);
-  const auto clash = [&wide](std::string_view other) { return equal_ignoring_case(wide, to_utf16(other)); };
-  if (clash("status")) return true;  // the result's name
-  for (const Parameter& input : signature.inputs) {
-    if (clash(input.name) || (input.passing == Passing::range && clash(input.name + "_count"))) return true;
-  }
-  for (const Parameter& output : signature.outputs)
-    if (clash(output.name)) return true;
-  return false;
-}
-
-std::string unique(const Signature& signature, std::string name, const char* suffix, std::size_t index) {
-  if (taken(signature, name)) name += suffix;
-  if (taken(signature, name)) name += std::to_string(index);
-  return name;
 }
 
 struct Signatures {
@@ -147,10 +87,10 @@ const Signatures* all() noexcept {
 }  // namespace
 
 Passing passing_of(const Function_CInput& input) noexcept {
-  return input.is_array() ? Passing::range : passing_of(input.type, input.description);
+  return input.is_array() ? Passing::range : passing_of_record(input);
 }
 
-Passing passing_of(const Function_COutput& output) noexcept { return passing_of(output.type, output.description); }
+Passing passing_of(const Function_COutput& output) noexcept { return passing_of_record(output); }
 
 const char* passing_name(Passing passing) noexcept {
   switch (passing) {
@@ -166,17 +106,13 @@ std::span<const std::u16string_view> interface_order() noexcept { return order; 
 
 Signature make_signature(const Function_CFunctionSpec& spec) {
   Signature signature{&spec, 0, {}, {}};
+  signature.inputs.reserve(spec.input_count);
+  signature.outputs.reserve(spec.output_count);
   for (std::size_t i = 0; i < spec.input_count; ++i) {
     if (static_cast<std::int32_t>(i) == spec.name_input) continue;
-    const Function_CInput& input = spec.inputs[i];
-    std::string name = unique(signature, identifier(input.key, "input", i), "_in", i);
-    signature.inputs.push_back({std::move(name), passing_of(input), i});
+    signature.inputs.push_back({passing_of(spec.inputs[i]), i});
   }
-  for (std::size_t i = 1; i < spec.output_count; ++i) {
-    const Function_COutput& output = spec.outputs[i];
-    std::string name = unique(signature, identifier(output.key, "output", i), "_out", i);
-    signature.outputs.push_back({std::move(name), passing_of(output), i});
-  }
+  for (std::size_t i = 1; i < spec.output_count; ++i) signature.outputs.push_back({passing_of(spec.outputs[i]), i});
   return signature;
 }
 

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -26,7 +25,6 @@ Passing passing_of(const Function_COutput& output) noexcept;
 const char* passing_name(Passing passing) noexcept;
 
 struct Parameter {
-  std::string name;  // identifier for C, IDL and script callers, unique in its function whatever the case
   Passing passing;
   std::size_t index;  // of its record in the specification
 };

@@ -8,6 +8,7 @@
 #include "core/crc32.h"
 #include "core/result.h"
 #include "core/string_map.h"
+#include "core/text_buffer.h"
 
 namespace norvane {
 namespace {
@@ -137,6 +138,20 @@ TEST(Result, NamesAndMisuse) {
     EXPECT_STREQ(error.what(), "attempt to access value() while the expected is invalid");
   }
   EXPECT_EQ(Core_CExpected<int>(3).value(), 3);
+}
+
+TEST(TextBuffer, CutsWhatDoesNotFitAndSaysSo) {
+  TextBuffer<12> text;
+  text << u"[" << std::size_t{3} << u"] " << -7 << u' ' << 0.5;
+  EXPECT_EQ(text.view(), u"[3] -7 0.5");
+  EXPECT_FALSE(text.cut());
+  text << std::numeric_limits<std::int64_t>::min();
+  EXPECT_EQ(text.view(), u"[3] -7 0.5-9");
+  EXPECT_TRUE(text.cut());
+  EXPECT_EQ(text.c_str()[12], u'\0');
+  TextBuffer<16> address;
+  address << static_cast<const void*>(nullptr);
+  EXPECT_EQ(address.view(), std::u16string(16, u'0'));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include "core/text.h"
 #include "framework/call.h"
+#include "hosts/module/parameter_names.h"
 
 namespace norvane::host {
 namespace {
@@ -31,11 +32,12 @@ std::uint32_t echo(Function_CContext& context, FUNCTION_ARG* args, std::size_t c
 }
 
 // Keys as they come: blanks, points, digits first, words of C, and two that differ by nothing but their case.
+constexpr record::Option methods[] = {{1, u"Fast"}, {2, u"Slow"}, {9, u"None"}};
 constexpr record::Input inputs[] = {
     record::name_input(),
     record::input(u"Flow rate.", u"", u"", data_type::num).within(0, 100).otherwise(1.0),
     record::input(u"gas mix", u"", u"", data_type::num).range(),
-    record::input(u"short", u"", u"Method.; 1: Fast; 2: Slow", data_type::num).otherwise(1),
+    record::input(u"short", u"", u"Method.", data_type::num).options(methods).otherwise(1),
     record::input(u"15 C", u"", u"", data_type::boolean).otherwise(true),
     record::input(u"flow-Rate", u"", u"", data_type::text).otherwise(u"none"),
 };
@@ -49,27 +51,57 @@ constexpr record::Output outputs[] = {
 const record::Function echo_record = {
     .id = u"Echo", .name_input = 0, .inputs = inputs, .outputs = outputs, .implementation = &echo};
 
+// A caller that takes what the test sets, and keeps what comes out.
+class Given final : public TypedCaller {
+ public:
+  bool take(TypedCall& call, const Parameter& input, std::size_t place) override {
+    if (place == 0) call.argument(input) = FUNCTION_ARG::Number(number);
+    if (place == 1) return call.set_list(input, list, list_count);
+    if (place == 2) call.set_option(input, option);
+    if (place == 3 && flag != 1) call.set_option(input, flag);
+    if (place == 4 && !text.empty()) return call.set_text(input, text);
+    return true;
+  }
+  bool give(TypedCall& call, const Parameter& output, std::size_t place) override {
+    if (place == refused_output) return false;
+    std::u16string_view view;
+    switch (place) {
+      case 0: return call.fetch(output, twice);
+      case 1: return call.fetch(output, sum);
+      case 2: return call.fetch(output, option_out);
+      default: return call.fetch(output, view) && (text_out = view, true);
+    }
+  }
+  TypedAnswer make(const Signature& signature) { return TypedCall::make(signature, *this, status); }
+
+  double number = 21;
+  const double* list = numbers;
+  std::uint32_t list_count = 3;
+  std::uint32_t option = 2;
+  std::uint32_t flag = 1;
+  std::u16string text;
+  std::size_t refused_output = 99;
+
+  std::uint32_t status = 77;
+  double twice = -7, sum = -7;
+  std::uint32_t option_out = 77;
+  std::u16string text_out = u"before";
+
+ private:
+  static constexpr double numbers[] = {1, 2, 3};
+};
+
 class TypedCallTest : public ::testing::Test {
  protected:
-  // The parameter behind the name input, from 0.
-  const Parameter& in(std::size_t i) const { return signature.inputs[i]; }
-  bool begin(TypedCall& call) {
-    static constexpr double list[] = {1, 2, 3};
-    if (!call.begin(signature)) return false;
-    call.set_number(in(0), 21.0);
-    call.set_option(in(2), 2);
-    return call.set_list(in(1), list, 3);
-  }
   const Function_CFunctionSpec spec{echo_record};
   const Signature signature = make_signature(spec);
+  Given given;
 };
 
 TEST_F(TypedCallTest, NamesAreIdentifiersAndUniqueWhateverTheirCase) {
-  std::vector<std::string> names;
-  for (const auto* list : {&signature.inputs, &signature.outputs})
-    for (const Parameter& parameter : *list) names.push_back(parameter.name);
-  EXPECT_EQ(names, (std::vector<std::string>{"Flow_rate", "gas_mix", "short_", "input15_C", "flow_Rate_in",
-                                             "flow_rate_out", "gas_mix_count_out", "range_", "status_out"}));
+  ParameterNames names = parameter_names(signature);
+  EXPECT_EQ(names.inputs, (std::vector<std::string>{"Flow_rate", "gas_mix", "short_", "input15_C", "flow_Rate_in"}));
+  EXPECT_EQ(names.outputs, (std::vector<std::string>{"flow_rate_out", "gas_mix_count_out", "range_", "status_out"}));
 }
 
 TEST_F(TypedCallTest, RecordsSayHowAValueIsPassed) {
@@ -81,74 +113,79 @@ TEST_F(TypedCallTest, RecordsSayHowAValueIsPassed) {
 }
 
 TEST_F(TypedCallTest, ValuesArriveAndLeave) {
-  TypedCall call;
-  ASSERT_TRUE(begin(call));
-  call.set_option(in(3), 7);
-  ASSERT_TRUE(call.set_text(in(4), u"meter"));
-  ASSERT_TRUE(call.run());
-  std::uint32_t status = 9;
-  std::uint32_t option = 9;
-  double twice = 0;
-  double sum = 0;
-  std::u16string_view text;
-  EXPECT_TRUE(call.fetch(0, status) && call.fetch(1, twice) && call.fetch(2, sum) && call.fetch(3, option) &&
-              call.fetch(4, text));
-  EXPECT_EQ(status, 0u);
-  EXPECT_EQ(twice, 42.0);
-  EXPECT_EQ(sum, 6.0);
-  EXPECT_EQ(option, 2u);
-  EXPECT_EQ(text, u"meter");
-  EXPECT_FALSE(call.fetch(5, twice) && twice != 0.0);  // no such output
+  given.flag = 7;
+  given.text = u"meter";
+  EXPECT_EQ(given.make(signature), TypedAnswer::delivered);
+  EXPECT_EQ(given.status, 0u);
+  EXPECT_EQ(given.twice, 42.0);
+  EXPECT_EQ(given.sum, 6.0);
+  EXPECT_EQ(given.option_out, 2u);
+  EXPECT_EQ(given.text_out, u"meter");
+  EXPECT_EQ(last_message(), u"");
 }
 
 TEST_F(TypedCallTest, WhatIsNotSetTakesItsDefaultAndWhatIsNotWrittenIsZero) {
-  TypedCall call;
-  ASSERT_TRUE(begin(call));
-  ASSERT_TRUE(call.run());
-  std::u16string_view text;
-  EXPECT_TRUE(call.fetch(4, text));
-  EXPECT_EQ(text, u"none");
-
-  TypedCall failing;
-  ASSERT_TRUE(begin(failing));
-  failing.set_option(in(2), 9);
-  ASSERT_TRUE(failing.run());
-  std::uint32_t status = 0;
-  double value = 1;
-  EXPECT_TRUE(failing.fetch(0, status) && failing.fetch(1, value) && failing.fetch(4, text));
-  EXPECT_EQ(status, 2u);
-  EXPECT_EQ(value, 0.0);
-  EXPECT_TRUE(text.empty());
+  EXPECT_EQ(given.make(signature), TypedAnswer::delivered);
+  EXPECT_EQ(given.text_out, u"none");
+  given.option = 9;
+  EXPECT_EQ(given.make(signature), TypedAnswer::delivered);
+  EXPECT_EQ(given.status, 2u);
+  EXPECT_EQ(given.twice, 0.0);
+  EXPECT_EQ(given.text_out, u"");
+  EXPECT_EQ(last_message(), u"Echo: status 2 (calculation error)");
 }
 
 TEST_F(TypedCallTest, RefusedArgumentsAreNamed) {
-  TypedCall call;
-  ASSERT_TRUE(begin(call));
-  call.set_number(in(0), 100.5);
-  EXPECT_FALSE(call.run());
-  EXPECT_EQ(call.failure(), u"Echo: [2] Flow rate. (100.5) should be lower or equal than: 100");
+  given.number = 100.5;
+  EXPECT_EQ(given.make(signature), TypedAnswer::refused);
+  EXPECT_EQ(last_message(), u"Echo: [2] Flow rate. (100.5) should be lower or equal than: 100");
+  given.number = 1;
+  given.list_count = 2;
+  EXPECT_EQ(given.make(signature), TypedAnswer::refused);
+  EXPECT_TRUE(last_message().starts_with(u"Echo: [3] gas mix"));
+  given.list_count = 0xFFFFFFFF;
+  EXPECT_EQ(given.make(signature), TypedAnswer::refused);
+  EXPECT_EQ(last_message(), u"Echo: [3] gas mix is not a list of at most 65536 numbers");
+  // Left out: the function itself misses it.
+  given.list = nullptr;
+  EXPECT_EQ(given.make(signature), TypedAnswer::refused);
+  EXPECT_TRUE(last_message().starts_with(u"Echo: [3] gas mix"));
+}
 
-  TypedCall brief;
-  static constexpr double list[] = {1, 2, 3};
-  ASSERT_TRUE(begin(brief));
-  ASSERT_TRUE(brief.set_list(in(1), list, 2));
-  EXPECT_FALSE(brief.run());
-  EXPECT_EQ(brief.failure().find(u"Echo: "), 0u);
+TEST_F(TypedCallTest, TheStatusSurvivesAnOutputThatCannotBeDelivered) {
+  given.refused_output = 1;
+  EXPECT_EQ(given.make(signature), TypedAnswer::undelivered);
+  EXPECT_EQ(given.status, 0u);
+  EXPECT_EQ(given.twice, 42.0);
+  EXPECT_EQ(given.option_out, 77u);
+}
 
-  EXPECT_FALSE(brief.set_list(in(1), nullptr, 3));
-  EXPECT_FALSE(brief.set_list(in(1), list, 0));
-  EXPECT_FALSE(brief.set_list(in(1), list, 0xFFFFFFFF));
+TEST_F(TypedCallTest, ACallInsideACallIsRefusedAndHarmsNothing) {
+  static const Signature* inner = nullptr;
+  static TypedAnswer answer;
+  static std::u16string said;
+  inner = &signature;
+  Function_CFunctionSpec outer{echo_record};
+  outer.implementation = [](Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
+    Given nested;
+    nested.number = 1;
+    answer = nested.make(*inner);
+    said = last_message();
+    return echo(context, args, count, output);
+  };
+  EXPECT_EQ(given.make(make_signature(outer)), TypedAnswer::delivered);
+  EXPECT_EQ(answer, TypedAnswer::unavailable);
+  EXPECT_EQ(said, u"this thread is inside another call of the library");
+  EXPECT_EQ(given.twice, 42.0);
+  EXPECT_EQ(given.make(signature), TypedAnswer::delivered);
 }
 
 TEST_F(TypedCallTest, AThreadThatCanHaveNoContextIsToldSo) {
   set_context_factory([](const Module&) -> std::unique_ptr<Function_CContext> { throw std::bad_alloc(); });
-  bool began = true;
-  std::thread([&] {
-    TypedCall call;
-    began = call.begin(signature);
-  }).join();
+  TypedAnswer answer = TypedAnswer::delivered;
+  std::thread([&] { answer = given.make(signature); }).join();
   set_context_factory(nullptr);
-  EXPECT_FALSE(began);
+  EXPECT_EQ(answer, TypedAnswer::unavailable);
 }
 
 TEST(Signatures, EveryCalculationFunctionHasItsPlace) {

@@ -39,6 +39,7 @@ bool is_published(double value) { return std::fabs(value - published) < 1e-9 * p
 
 constexpr DISPID id_aga5 = 4;
 constexpr DISPID id_iso6976 = 87;
+constexpr DISPID id_iso6976ex = 89;
 constexpr int iso6976_inputs = 4;
 constexpr int iso6976_outputs = 12;
 
@@ -91,6 +92,15 @@ void check_vtable(IFunctions* functions) {
   CHECK(contains(last_error_text(), L"specific gravity (1.5) should be lower or equal than: 1"));
   CHECK(functions->AGA5_C(list, 0.6, &mass, nullptr, &status) == E_POINTER);
   CHECK(functions->AGA5_C(list, 0.6, &mass, &volume, nullptr) == E_POINTER);
+  // A good call leaves no text of an earlier one, and lists may be left out.
+  CHECK(functions->AGA5_C(list, 1.5, &mass, &volume, &status) == E_INVALIDARG);
+  CHECK(calorific(functions, list, r) == S_OK && last_error_text().empty());
+  SAFEARRAY* empty = list_of(gas, 0);
+  double* n = r.number;
+  CHECK(functions->ISO6976ex_1995_M(list, nullptr, empty, nullptr, empty, nullptr, 1, 2, 1, n, n + 1, n + 2, n + 3,
+                                    n + 4, n + 5, n + 6, n + 7, n + 8, n + 9, n + 10, &r.range, &r.status) == S_OK);
+  CHECK(r.status == 0 && r.number[0] > 38);
+  SafeArrayDestroy(empty);
   SafeArrayDestroy(brief);
   SafeArrayDestroy(list);
 }
@@ -218,11 +228,21 @@ void check_lists(IDispatch* object) {
   VARIANT null;
   VariantInit(&null);
   null.vt = VT_NULL;
-  called = call(object, id_iso6976, {null, variant(1), variant(2), variant(1)});
-  CHECK(called.result == DISP_E_TYPEMISMATCH && called.bad_argument == 3);
-  null.vt = VT_ARRAY | VT_R8;
-  null.parray = nullptr;
-  CHECK(call(object, id_iso6976, {null, variant(1), variant(2), variant(1)}).result == DISP_E_TYPEMISMATCH);
+  called = call(object, id_iso6976, {of_array(matrix(VT_R8, 1, 22, 0), VT_R8), null, variant(2), variant(1)});
+  CHECK(called.result == DISP_E_TYPEMISMATCH && called.bad_argument == 2);
+  // A list may be left out where the function can do without.
+  SAFEARRAY* none = SafeArrayCreateVector(VT_VARIANT, 0, 0);
+  VARIANT blank, missing_array = of_array(nullptr, VT_R8);
+  VariantInit(&blank);
+  for (VARIANT list : {null, blank, omitted(), missing_array, of_array(none, VT_VARIANT)}) {
+    called = call(object, id_iso6976, {list, variant(1), variant(2), variant(1)});
+    CHECK(called.result == DISP_E_EXCEPTION && contains(called.text, L"[2] composition"));
+    called = call(object, id_iso6976ex,
+                  {of_array(matrix(VT_R8, 1, 22, 0), VT_R8), list, list, list, list, list, variant(1), variant(2),
+                   variant(1), variant(VT_VARIANT, &value)});
+    CHECK(called.result == S_OK && called.status.lVal == 0 && value.vt == VT_R8 && value.dblVal > 38);
+  }
+  SafeArrayDestroy(none);
   SAFEARRAYBOUND endless[3] = {{60000, 0}, {2, 0}, {2, 0}};
   SAFEARRAY* big = SafeArrayCreate(VT_UI1, 3, endless);
   CHECK(call(object, id_iso6976, {of_array(big, VT_UI1), variant(1), variant(2), variant(1)}).result ==
@@ -256,6 +276,18 @@ void check_outputs(IDispatch* object) {
   CHECK(held.vt == VT_R8 && std::fabs(held.dblVal - 17.47784575) < 1e-8);
   CHECK(chained.vt == VT_R8 && chained.dblVal > 52);
   SysFreeString(text);
+
+  // Decimals, and what cannot be stored: the status and the other outputs are there all the same.
+  DECIMAL decimal;
+  std::memset(&decimal, 0x55, sizeof decimal);
+  double density = 0, back = 0;
+  IUnknown* object_place = nullptr;
+  called = call(object, id_iso6976,
+                {list, variant(1), variant(2), variant(1), variant(VT_DECIMAL, &decimal),
+                 variant(VT_UNKNOWN, &object_place), omitted(), variant(VT_R8, &density)});
+  CHECK(called.result == DISP_E_TYPEMISMATCH && called.bad_argument == 2);
+  CHECK(called.status.vt == VT_I4 && called.status.lVal == 0 && density > 0.6 && object_place == nullptr);
+  CHECK(VarR8FromDec(&decimal, &back) == S_OK && std::fabs(back - published) < 1e-9);
 
   // Counts: all outputs may be left out, no input may, and there are no more parameters than there are.
   CHECK(call(object, id_iso6976, {list, variant(1), variant(2), variant(1)}).result == S_OK);
@@ -327,12 +359,16 @@ class Restless final : public IDispatch {
     if (id == 7 && (flags & DISPATCH_PROPERTYPUT) != 0) {
       written.push_back(parameters->rgvarg[0].dblVal);
       VariantClear(&list);
+    } else if (number != 0) {
+      *result = variant(number);
+      VariantClear(&list);
     } else {
       *result = list;
     }
     return S_OK;
   }
   int inner_calls = 0;
+  double number = 0;  // its value in place of the gas
   std::vector<double> written;
 
  private:
@@ -349,6 +385,25 @@ void check_reentrance(IDispatch* object) {
   CHECK(restless.inner_calls == 3 && restless.written.size() == 2);
   CHECK(restless.written.size() == 2 && is_published(restless.written[0]) &&
         std::fabs(restless.written[1] - 0.7408749589571348) < 1e-9);
+  // As a cell of a composition, alone and behind a reference.
+  SAFEARRAY* cells = matrix(VT_VARIANT, 22, 1, 1);
+  auto* elements = static_cast<VARIANT*>(cells->pvData);
+  restless.number = gas[0];
+  elements[0] = v;
+  const int before = restless.inner_calls;
+  CHECK(accepts(object, of_array(cells, VT_VARIANT)));
+  elements[0] = variant(VT_VARIANT, &v);
+  CHECK(accepts(object, variant(VT_ARRAY | VT_VARIANT, &cells)));
+  CHECK(restless.inner_calls == before + 2);
+  elements[0] = v;
+  // Early bound lists hold numbers: nobody is asked.
+  Outputs r;
+  IFunctions* functions = nullptr;
+  CHECK(object->QueryInterface(IID_IFunctions, reinterpret_cast<void**>(&functions)) == S_OK);
+  CHECK(calorific(functions, cells, r) == E_INVALIDARG && restless.inner_calls == before + 2);
+  functions->Release();
+  elements[0] = variant(gas[0]);
+  SafeArrayDestroy(cells);
 }
 
 void check_type_information(IDispatch* object) {

@@ -56,8 +56,16 @@ Value Shown(const FUNCTION_ARG& arg) {
       std::u16string text(arg.text());
       if (!excel12) {
         text.resize(std::min(text.size(), std::size_t{254}));
+#if defined(_WIN32)
         for (char16_t& unit : text)
           if (unit > 0xFF) unit = u'?';
+#else
+        std::string bytes = to_utf8(text);
+        std::size_t end = std::min(bytes.size(), std::size_t{254});
+        while (end < bytes.size() && (bytes[end] & 0xC0) == 0x80) --end;
+        bytes.resize(end);
+        text = to_utf16(bytes);
+#endif
       }
       return Text(std::move(text));
     }

@@ -97,8 +97,10 @@ TEST_F(ExcelHost, AnswersTheAddInManager) {
 
 TEST_F(ExcelHost, OpensAgainAfterClosingAndSurvivesARefusal) {
   EXPECT_EQ(book().Close(), 1);
+  EXPECT_TRUE(book().menu_commands().empty());
   book().Refuse(u"nvBitTest");
   EXPECT_EQ(book().Open(), 1);
+  EXPECT_EQ(book().menu_commands().size(), 1u);
   book().Refuse(u"");
   EXPECT_EQ(book().refused_registrations(), 1);
   EXPECT_EQ(book().registrations().size(), catalogue::specifications().size() + 1);

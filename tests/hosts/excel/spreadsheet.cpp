@@ -1,5 +1,6 @@
 #include "tests/hosts/excel/spreadsheet.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdlib>
@@ -76,17 +77,33 @@ class CallMemory final : public Memory {
   record.string[0] = static_cast<char16_t>(text.size());
   std::memcpy(record.string + 1, text.data(), text.size() * sizeof(char16_t));
 }
-// ISO 8859-1 is enough for what the tests write.
+// The older dialect's texts: on Windows ISO 8859-1 is enough for what the tests write, elsewhere they are UTF-8.
+std::string Narrow(const std::u16string& text) {
+#if defined(_WIN32)
+  std::string bytes;
+  for (const char16_t unit : text) bytes += static_cast<char>(unit <= 0xFF ? unit : u'?');
+  return bytes;
+#else
+  return norvane::to_utf8(text);
+#endif
+}
 [[maybe_unused]] void SetText(XlRecord4& record, const std::u16string& text, Memory& memory) {
-  const std::size_t length = text.size() < 255 ? text.size() : 255;
-  record.string = memory.Make<unsigned char>(length + 1);
-  record.string[0] = static_cast<unsigned char>(length);
-  for (std::size_t i = 0; i < length; ++i)
-    record.string[i + 1] = text[i] <= 0xFF ? static_cast<unsigned char>(text[i]) : '?';
+  std::string bytes = Narrow(text);
+  if (bytes.size() > 255) {
+    std::size_t end = 255;
+    while ((bytes[end] & 0xC0) == 0x80) --end;
+    bytes.resize(end);
+  }
+  record.string = memory.Make<unsigned char>(bytes.size() + 1);
+  record.string[0] = static_cast<unsigned char>(bytes.size());
+  std::memcpy(record.string + 1, bytes.data(), bytes.size());
 }
 
 [[maybe_unused]] std::u16string GetText(const XlRecord12& record) { return {record.string + 1, record.string[0]}; }
 [[maybe_unused]] std::u16string GetText(const XlRecord4& record) {
+#if !defined(_WIN32)
+  return norvane::to_utf16({reinterpret_cast<const char*>(record.string + 1), record.string[0]});
+#endif
   std::u16string text;
   for (int i = 1; i <= record.string[0]; ++i) text += char16_t{record.string[i]};
   return text;
@@ -521,6 +538,19 @@ int Spreadsheet::Callback(int function, int count, Record** args, Record* result
       for (int i = 0; i < count; ++i) values.push_back(Read(*args[i], 0));
       menu_commands_.push_back(std::move(values));
       return Answer(Number(1), result);
+    }
+    case XLF_DELETE_COMMAND: {
+      if (current_frame->what != Frame::What::command) Note("a command function called from a worksheet function");
+      const auto entry = std::find_if(menu_commands_.begin(), menu_commands_.end(), [&](const auto& added) {
+        return count == 3 && added[0] == Read(*args[0], 0) && added[1] == Read(*args[1], 0) &&
+               added[2].elements[0] == Read(*args[2], 0);
+      });
+      if (entry == menu_commands_.end()) {
+        Note("an entry that no menu has was to be removed");
+        return Answer(Error(XL_ERROR_VALUE), result);
+      }
+      menu_commands_.erase(entry);
+      return Answer(Boolean(true), result);
     }
     default: {
       if (current_frame->thread_safe) Note("a thread-safe function asked for " + std::to_string(function));

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "catalogue/catalogue.h"
+#include "core/text.h"
 #include "framework/call.h"
 #include "hosts/excel/convert.h"
 #include "hosts/excel/excel_context.h"
@@ -49,6 +50,10 @@ struct FakeHost {
   std::u16string sheet = u"[Book]Sheet";
   bool knows_sheet = true;
   bool uncalculated = false;
+  void (*recalculate)(std::size_t argument_count) = nullptr;  // what the host does before it answers for a cell
+  XlRecord12 cell{};
+  std::vector<std::u16string> menu;
+  bool refuses_commands = false;
   std::map<int, int> calls;
   std::vector<std::u16string> registered;
   std::vector<std::size_t> longest_text;  // of each registration
@@ -81,9 +86,18 @@ extern "C" __attribute__((visibility("default"))) int MdCallBack12(int function,
       for (int i = 0; i < count; ++i) longest = std::max(longest, text_of(*args[i]).size());
       fake.longest_text.push_back(longest);
       result->number = 1;
-      result->type = XL_NUMBER;
+      result->type = fake.refuses_commands && text_of(*args[2]) == u"A" ? XL_ERROR : XL_NUMBER;
       return XL_RETURN_SUCCESS;
     }
+    case XLF_ADD_COMMAND:
+      fake.menu.push_back(text_of(args[2]->array.elements[0]));
+      result->number = 1;
+      result->type = XL_NUMBER;
+      return XL_RETURN_SUCCESS;
+    case XLF_DELETE_COMMAND:
+      std::erase(fake.menu, text_of(*args[2]));
+      result->type = XL_BOOLEAN;
+      return XL_RETURN_SUCCESS;
     case XLF_CALLER:
       result->reference.count = 1;
       result->reference.area = fake.caller;
@@ -94,6 +108,7 @@ extern "C" __attribute__((visibility("default"))) int MdCallBack12(int function,
       answer_text(*result, fake.sheet);
       return XL_RETURN_SUCCESS;
     case XL_COERCE:
+      if (fake.recalculate != nullptr) fake.recalculate(2);
       if (fake.uncalculated) return XL_RETURN_UNCALCULATED;
       result->number = 42;
       result->type = XL_NUMBER;
@@ -113,13 +128,14 @@ std::vector<Message> messages;
 class ExcelUnit : public testing::Test {
  protected:
   void SetUp() override {
+    remove_menu_entry();
     fake = {};
     messages.clear();
     set_sinks({[](std::u16string_view title, std::u16string_view text) noexcept {
                  messages.push_back({std::u16string(title), std::u16string(text)});
                },
                [](std::u16string_view) noexcept {}, []() noexcept {}});
-    BindHost();
+    bind_host();
   }
   const Unit_CTypeAndUnitContainer& units() { return Unit_CTypeAndUnitContainer::Instance(); }
 };
@@ -139,30 +155,30 @@ Function_CFunctionSpec make_spec(std::vector<std::u16string_view> keys, std::uin
 TEST_F(ExcelUnit, DescribesArguments) {
   Function_CFunctionSpec plain = make_spec({u"a", u"b", u"c"}, FUNCTION_VOLATILE);
   plain.inputs[2].flags = INPUT_OPTIONAL;
-  const Registration in12 = DescribeFunction(plain, units(), limits_of(true));
+  const Registration in12 = describe_function(plain, units(), limits_of(true));
   EXPECT_EQ(in12.procedure, u"xlWrapper12_Test_Fn");
   EXPECT_EQ(in12.function, u"nvFn");
   EXPECT_EQ(in12.type, u"UUUU$!");
   EXPECT_EQ(in12.arguments, u"a,b,[c]");
   EXPECT_EQ(in12.macro_type, u"1");
-  const Registration in4 = DescribeFunction(plain, units(), limits_of(false));
+  const Registration in4 = describe_function(plain, units(), limits_of(false));
   EXPECT_EQ(in4.procedure, u"xlWrapper4_Test_Fn");
   EXPECT_EQ(in4.type, u"RRRR!");
 
   const Function_CFunctionSpec list = make_spec({u"Name", u"comp"}, FUNCTION_VARIABLE_INPUTS);
-  const Registration list4 = DescribeFunction(list, units(), limits_of(false));
+  const Registration list4 = describe_function(list, units(), limits_of(false));
   EXPECT_TRUE(list4.arguments.starts_with(u"Name,comp1,[comp2],[comp3],"));
   EXPECT_TRUE(list4.arguments.ends_with(u",[comp19]"));
   EXPECT_EQ(list4.type.size(), 21u);
   EXPECT_EQ(list4.argument_helps.size(), 20u);
-  EXPECT_EQ(DescribeFunction(list, units(), limits_of(true)).type.size(), 32u);
+  EXPECT_EQ(describe_function(list, units(), limits_of(true)).type.size(), 32u);
   const Function_CFunctionSpec none = make_spec({}, FUNCTION_VARIABLE_INPUTS);
-  EXPECT_EQ(DescribeFunction(none, units(), limits_of(true)).type, u"U$");
+  EXPECT_EQ(describe_function(none, units(), limits_of(true)).type, u"U$");
 
-  const Registration bare = DescribeFunction(make_spec({u"a"}, 0, bare_group), units(), limits_of(true));
+  const Registration bare = describe_function(make_spec({u"a"}, 0, bare_group), units(), limits_of(true));
   EXPECT_EQ(bare.function, u"Bare_Fn");
   EXPECT_EQ(bare.macro_type, u"0");
-  EXPECT_EQ(DescribeFunction(make_spec({u"a"}, FUNCTION_HIDDEN), units(), limits_of(true)).macro_type, u"0");
+  EXPECT_EQ(describe_function(make_spec({u"a"}, FUNCTION_HIDDEN), units(), limits_of(true)).macro_type, u"0");
 }
 
 TEST_F(ExcelUnit, WritesUnitAndRangeBeforeTheHelp) {
@@ -176,7 +192,7 @@ TEST_F(ExcelUnit, WritesUnitAndRangeBeforeTheHelp) {
   spec.inputs[1].flags = INPUT_HAS_MINIMUM;
   spec.inputs[2].maximum = 0.1;
   spec.inputs[2].flags = INPUT_HAS_MAXIMUM;
-  const Registration texts = DescribeFunction(spec, units(), limits_of(true));
+  const Registration texts = describe_function(spec, units(), limits_of(true));
   EXPECT_EQ(texts.argument_helps[0], u"[bar(a)][0.5..1e+20] Text.");
   EXPECT_EQ(texts.argument_helps[1], u"[>=-100] Text.");
   EXPECT_EQ(texts.argument_helps[2], u"[<=0.1] Text.");
@@ -190,13 +206,13 @@ TEST_F(ExcelUnit, KeepsEveryTextWithinTheHostsLimit) {
   spec.description = words;
   spec.inputs[0].description = words;
   spec.inputs[1].description = words;
-  const Registration texts = DescribeFunction(spec, units(), limits_of(true));
+  const Registration texts = describe_function(spec, units(), limits_of(true));
   EXPECT_EQ(texts.help, words.substr(0, 254));  // 51 words of four letters and 50 blanks
   EXPECT_LE(texts.argument_helps[0].size(), 255u);
   EXPECT_LE(texts.argument_helps[1].size(), 255u);
   EXPECT_TRUE(texts.argument_helps[1].ends_with(u"word  "));
-  EXPECT_EQ(CutText(std::u16string(300, u'x')).size(), 255u);
-  EXPECT_EQ(CutText(std::u16string(254, u'x') + u"\xD83D\xDE00").size(), 254u);
+  EXPECT_EQ(cut_text(std::u16string(300, u'x')).size(), 255u);
+  EXPECT_EQ(cut_text(std::u16string(254, u'x') + u"\xD83D\xDE00").size(), 254u);
 }
 
 TEST_F(ExcelUnit, TellsTheDeveloperOfLongNamesAndRegistersAllTheSame) {
@@ -207,7 +223,7 @@ TEST_F(ExcelUnit, TellsTheDeveloperOfLongNamesAndRegistersAllTheSame) {
   const Function_CFunctionSpec spec = make_spec(views);
   Function_CLibrary library;
   library.Register(spec);
-  RegisterAll(library, units());
+  register_all(library, units());
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages[0].title, u"MESSAGE FOR DEVELOPER");
   EXPECT_EQ(messages[0].text,
@@ -217,9 +233,22 @@ TEST_F(ExcelUnit, TellsTheDeveloperOfLongNamesAndRegistersAllTheSame) {
   EXPECT_LE(fake.longest_text.back(), 255u);
 }
 
+TEST_F(ExcelUnit, HasOneEntryInTheMenuWhileOpen) {
+  const Function_CLibrary library;
+  fake.refuses_commands = true;
+  register_all(library, units());
+  EXPECT_TRUE(fake.menu.empty());
+  fake.refuses_commands = false;
+  for (int i = 0; i < 2; ++i) register_all(library, units());
+  EXPECT_EQ(fake.menu, std::vector<std::u16string>{u"About Norvane"});
+  for (int i = 0; i < 2; ++i) remove_menu_entry();
+  EXPECT_TRUE(fake.menu.empty());
+  EXPECT_EQ(fake.calls[XLF_DELETE_COMMAND], 1);
+}
+
 TEST_F(ExcelUnit, BindsOnce) {
-  EXPECT_EQ(BindHost(), BIND_ALREADY);
-  EXPECT_TRUE(HostSpeaks12());
+  EXPECT_EQ(bind_host(), BIND_ALREADY);
+  EXPECT_TRUE(host_speaks_12());
 }
 
 // ---- Conversions -------------------------------------------------------------------------------------------------
@@ -230,7 +259,7 @@ class ExcelConversion : public ExcelUnit {
   template <class Record>
   Record Out(const FUNCTION_ARG& arg) {
     Record record{};
-    EXPECT_TRUE(ToRecord(context_, arg, record));
+    EXPECT_TRUE(to_record(context_, arg, record));
     return record;
   }
   Function_CLibrary library_;
@@ -250,21 +279,26 @@ TEST_F(ExcelConversion, SplitsWholeNumbersByTheirUnsignedValue) {
 }
 
 TEST_F(ExcelConversion, CutsTextsToWhatTheDialectHolds) {
-  const auto text = [this](std::size_t length) {
+  const auto text = [this](std::size_t length, char16_t unit) {
     FUNCTION_ARG arg;
-    EXPECT_TRUE(context_.SetText(arg, std::u16string(length, u'\u20AC')));
+    EXPECT_TRUE(context_.SetText(arg, std::u16string(length, unit)));
     return arg;
   };
-  for (const std::size_t length : {0u, 1u, 253u, 254u, 255u, 300u}) {
-    const XlRecord4 short_record = Out<XlRecord4>(text(length));
-    EXPECT_EQ(short_record.string[0], std::min<std::size_t>(length, 254)) << length;
-    if (length > 0) {
-      EXPECT_EQ(short_record.string[1], 0x80) << "the euro of code page 1252";
-    }
-    EXPECT_EQ(Out<XlRecord12>(text(length)).string[0], length);
+  for (const std::size_t length : {0u, 1u, 84u, 85u, 253u, 254u, 255u, 300u}) {
+    const XlRecord4 plain = Out<XlRecord4>(text(length, u'x'));
+    ASSERT_EQ(plain.string[0], std::min<std::size_t>(length, 254)) << length;
+    EXPECT_EQ(plain.string[1 + plain.string[0]], '\0');
+    // Characters of several bytes: as many as fit.
+    const XlRecord4 euros = Out<XlRecord4>(text(length, u'\u20AC'));
+    ASSERT_EQ(euros.string[0], 3 * std::min<std::size_t>(length, 84)) << length;
+    EXPECT_EQ(to_utf16({reinterpret_cast<const char*>(euros.string + 1), euros.string[0]}),
+              std::u16string(euros.string[0] / 3, u'\u20AC'));
+    const XlRecord12 wide = Out<XlRecord12>(text(length, u'\u20AC'));
+    EXPECT_EQ(wide.string[0], length);
+    EXPECT_EQ(wide.string[1 + length], u'\0');
   }
-  EXPECT_EQ(Out<XlRecord12>(text(32767)).string[0], 32767);
-  EXPECT_EQ(Out<XlRecord12>(text(40000)).string[0], 32767);
+  EXPECT_EQ(Out<XlRecord12>(text(32767, u'x')).string[0], 32767);
+  EXPECT_EQ(Out<XlRecord12>(text(40000, u'x')).string[0], 32767);
 }
 
 TEST_F(ExcelConversion, KeepsEveryUnitOfATextOnItsWay) {
@@ -276,23 +310,27 @@ TEST_F(ExcelConversion, KeepsEveryUnitOfATextOnItsWay) {
   record.string = counted.data();
   record.type = XL_STRING;
   FUNCTION_ARG arg;
-  ASSERT_TRUE(ToArg(context_, &record, arg));
+  ASSERT_TRUE(to_argument(context_, &record, arg));
   EXPECT_EQ(arg.text(), content);
   EXPECT_EQ(arg.string.data[content.size()], u'\0');
   const XlRecord12 back = Out<XlRecord12>(arg);
   EXPECT_EQ(std::u16string_view(back.string, content.size() + 1), counted);
-  // All bytes of the older dialect's code page are told apart.
-  unsigned char bytes[256];
-  bytes[0] = 255;
-  for (int i = 1; i < 256; ++i) bytes[i] = static_cast<unsigned char>(i);
-  XlRecord4 record4{};
-  record4.string = bytes;
-  record4.type = XL_STRING;
-  ASSERT_TRUE(ToArg(context_, &record4, arg));
-  ASSERT_EQ(arg.string.length, 255u);
-  const XlRecord4 back4 = Out<XlRecord4>(arg);
-  EXPECT_EQ(back4.string[0], 254);
-  EXPECT_EQ(std::memcmp(back4.string + 1, bytes + 1, 254), 0);
+  // The older dialect speaks the locale's encoding, UTF-8 in that of a program which asks for none.
+  const auto narrow = [this](const std::string& bytes) {
+    std::string record_text(1, static_cast<char>(bytes.size()));
+    record_text += bytes;
+    XlRecord4 record4{};
+    record4.string = reinterpret_cast<unsigned char*>(record_text.data());
+    record4.type = XL_STRING;
+    FUNCTION_ARG read;
+    EXPECT_TRUE(to_argument(context_, &record4, read));
+    return std::u16string(read.text());
+  };
+  EXPECT_EQ(narrow("15 \xC2\xB0"
+                   "C \xE2\x82\xAC \xF0\x9F\x98\x80"),
+            u"15 \u00B0C \u20AC \xD83D\xDE00");
+  EXPECT_EQ(narrow("\xB0\xC2"), u"\uFFFD\uFFFD");
+  EXPECT_EQ(narrow(std::string(255, 'x')).size(), 255u);
 }
 
 TEST_F(ExcelConversion, TranslatesErrors) {
@@ -303,7 +341,7 @@ TEST_F(ExcelConversion, TranslatesErrors) {
     record.error = static_cast<std::uint16_t>(cell_errors[code - 1]);
     record.type = XL_ERROR;
     FUNCTION_ARG arg;
-    ASSERT_TRUE(ToArg(context_, &record, arg));
+    ASSERT_TRUE(to_argument(context_, &record, arg));
     EXPECT_EQ(arg.kind, ARG_ERROR);
     EXPECT_EQ(arg.error, code);
   }
@@ -325,20 +363,20 @@ TEST_F(ExcelConversion, KeepsArraysAndReferences) {
   array.array.columns = 3;
   array.type = XL_ARRAY;
   FUNCTION_ARG arg;
-  ASSERT_TRUE(ToArg(context_, &array, arg));
+  ASSERT_TRUE(to_argument(context_, &array, arg));
   EXPECT_EQ(arg.array.columns, 3u);
   EXPECT_EQ(arg.array.rows, 2u);
   EXPECT_EQ(Function_CContext::Element(arg, 1, 1).number, 4.0);
   elements[5].type = 0x20;  // one bad element fails all
-  EXPECT_FALSE(ToArg(context_, &array, arg));
-  EXPECT_FALSE(ToRecord(context_, FUNCTION_ARG::OfArray(1, 65536, nullptr), *std::make_unique<XlRecord4>()));
+  EXPECT_FALSE(to_argument(context_, &array, arg));
+  EXPECT_FALSE(to_record(context_, FUNCTION_ARG::OfArray(1, 65536, nullptr), *std::make_unique<XlRecord4>()));
 
   XlAreas4 areas{1, {{3, 5, 7, 9}}};
   XlRecord4 multi{};
   multi.multi.areas = &areas;
   multi.multi.sheet = 77;
   multi.type = XL_MULTI_REFERENCE;
-  ASSERT_TRUE(ToArg(context_, &multi, arg));
+  ASSERT_TRUE(to_argument(context_, &multi, arg));
   EXPECT_EQ(arg.kind, ARG_MULTI_REFERENCE4);
   const XlRecord4 back = Out<XlRecord4>(arg);
   EXPECT_EQ(back.multi.sheet, 77u);
@@ -347,7 +385,7 @@ TEST_F(ExcelConversion, KeepsArraysAndReferences) {
   XlRecord12 single{};
   single.reference = {1, {1, 2, 3, 4}};
   single.type = XL_REFERENCE;
-  ASSERT_TRUE(ToArg(context_, &single, arg));
+  ASSERT_TRUE(to_argument(context_, &single, arg));
   EXPECT_EQ(arg.kind, ARG_REFERENCE12);
   EXPECT_EQ(Out<XlRecord12>(arg).reference.area.last_column, 4);
 }
@@ -380,7 +418,7 @@ class ExcelPlace : public ExcelConversion {
   std::uint32_t Run(FUNCTION_ARG arg) {
     context_.Reset();
     output_ = FUNCTION_ARG::Empty();
-    return context_.Run(DIALECT::excel12, spec_, &arg, 1, output_, &own_slot_);
+    return context_.Run(Dialect::excel12, spec_, &arg, 1, output_, &own_slot_);
   }
   int CallFrom(int row, int column) {
     fake.caller = {row, row, column, column};
@@ -409,6 +447,29 @@ TEST_F(ExcelPlace, EveryCallingCellHasItsOwnData) {
   EXPECT_NE(own_slot_, 0u);
 }
 
+TEST_F(ExcelPlace, KeepsTheDataOfSoManyCellsAndOfEveryName) {
+  constexpr int most = static_cast<int>(Excel_CFunctionContext::most_cells);
+  FUNCTION_ARG name;
+  const auto call_named = [&] {
+    fake.caller = {most, most, 9, 9};
+    context_.Reset();
+    EXPECT_TRUE(context_.SetText(name, u"Kept"));
+    output_ = FUNCTION_ARG::Empty();
+    EXPECT_EQ(context_.Run(Dialect::excel12, spec_, &name, 1, output_, &own_slot_), ERROR_OK);
+    return output_.integer;
+  };
+  EXPECT_EQ(call_named(), 1);
+  for (int row = 0; row < most; ++row) EXPECT_EQ(CallFrom(row, 0), 1) << row;
+  EXPECT_EQ(CallFrom(most - 1, 0), 2);
+  // The named cell's place was the oldest: it went, its data did not. Then the first unnamed cell's data goes.
+  EXPECT_EQ(CallFrom(0, 0), 2);
+  EXPECT_EQ(CallFrom(0, 1), 1);
+  EXPECT_EQ(CallFrom(1, 0), 2);
+  EXPECT_EQ(CallFrom(0, 0), 1);
+  EXPECT_LE(context_.data_manager().Count(), Excel_CFunctionContext::most_cells + 1);
+  EXPECT_EQ(call_named(), 2);
+}
+
 TEST_F(ExcelPlace, NamesThePlaceInTheHostsNotation) {
   const auto place = [this] {
     context_.Reset();
@@ -419,7 +480,7 @@ TEST_F(ExcelPlace, NamesThePlaceInTheHostsNotation) {
     };
     FUNCTION_ARG arg = FUNCTION_ARG::Missing();
     output_ = FUNCTION_ARG::Empty();
-    EXPECT_EQ(context_.Run(DIALECT::excel12, spec_, &arg, 1, output_, nullptr), ERROR_OK);
+    EXPECT_EQ(context_.Run(Dialect::excel12, spec_, &arg, 1, output_, nullptr), ERROR_OK);
     return output_.kind == ARG_STRING ? std::u16string(output_.text()) : std::u16string(u"none");
   };
   EXPECT_EQ(place(), u"[Book]Sheet!R5C3");
@@ -437,7 +498,7 @@ TEST_F(ExcelPlace, AsksTheHostForNoMoreThanItNeeds) {
   XlRecord12 reference{};
   reference.reference = {1, {1, 1, 3, 3}};
   reference.type = XL_REFERENCE;
-  ASSERT_TRUE(ToArg(context_, &reference, cell));
+  ASSERT_TRUE(to_argument(context_, &reference, cell));
   spec_.implementation = [](Function_CContext& context, FUNCTION_ARG* args, std::size_t, FUNCTION_ARG& output) {
     double first = 0.0;
     double second = 0.0;
@@ -469,7 +530,7 @@ TEST_F(ExcelPlace, EndsBeforeTheFunctionWhenMessagesAreOnAndACellIsNotCalculated
   reference.type = XL_REFERENCE;
   fake.uncalculated = true;
   FUNCTION_ARG cell;
-  ASSERT_TRUE(ToArg(context_, &reference, cell));
+  ASSERT_TRUE(to_argument(context_, &reference, cell));
   for (const bool messages_on : {false, true}) {
     fake.calls.clear();
     context_.EnableMessages(messages_on);
@@ -479,10 +540,34 @@ TEST_F(ExcelPlace, EndsBeforeTheFunctionWhenMessagesAreOnAndACellIsNotCalculated
   }
 }
 
+TEST_F(ExcelUnit, RefusesACallWhileTheHostAnswersAnother) {
+  host::set_context_factory(make_context);
+  const std::size_t position = catalogue::find(u"BitTest")->position;
+  XlRecord12 reference{};
+  reference.reference = {1, {1, 1, 3, 3}};
+  reference.type = XL_REFERENCE;
+  XlRecord12 bit{};
+  bit.number = 1;
+  bit.type = XL_NUMBER;
+  XlRecord12* args[] = {&reference, &bit};
+  static XlRecord12* inner;
+  inner = &bit;
+  fake.recalculate = [](std::size_t count) {
+    XlRecord12* same[] = {&fake.cell, &fake.cell};
+    inner = call_12(catalogue::find(u"BitTest")->position, same, count);
+  };
+  const XlRecord12* outer = call_12(position, args, 2);
+  EXPECT_EQ(inner, nullptr);
+  ASSERT_NE(outer, nullptr);
+  EXPECT_EQ(outer->integer, 1);  // bit 1 of 42
+  fake.recalculate = nullptr;
+  EXPECT_NE(call_12(position, args, 2), nullptr);
+}
+
 // ---- Memory ------------------------------------------------------------------------------------------------------
 
 TEST_F(ExcelUnit, AWarmCallAllocatesNothing) {
-  host::set_context_factory(MakeContext);
+  host::set_context_factory(make_context);
   XlRecord12 missing{};
   missing.type = XL_MISSING;
   XlRecord12 reference{};
@@ -493,9 +578,9 @@ TEST_F(ExcelUnit, AWarmCallAllocatesNothing) {
     for (XlRecord12* first : {&missing, &reference}) {
       std::vector<XlRecord12*> args(spec->input_count, &missing);
       if (spec->input_count > 1) args[1] = first;
-      for (int i = 0; i < 3; ++i) Call12(spec->position, args.data(), args.size());
+      for (int i = 0; i < 3; ++i) call_12(spec->position, args.data(), args.size());
       const std::size_t before = allocations;
-      for (int i = 0; i < 10; ++i) Call12(spec->position, args.data(), args.size());
+      for (int i = 0; i < 10; ++i) call_12(spec->position, args.data(), args.size());
       // The host of this test counts its calls in a map; its keys exist by now.
       EXPECT_EQ(allocations - before, 0u) << std::string(spec->id.begin(), spec->id.end());
     }

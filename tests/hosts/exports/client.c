@@ -56,6 +56,13 @@ static void check_published_value(void) {
   CHECK(calorific(gas, 22, &r) == 0);
   CHECK(fabs(r.number[0] - published) < 1e-9 * published);
   CHECK(r.range == 0);
+  /* Lists of other components may be left out. */
+  {
+    double* n = r.number;
+    CHECK(Norvane_ISO6976ex_1995_M(gas, 22, NULL, 0, n, 0, NULL, 9, NULL, 0, NULL, 0, 1, 2, 1, n, n + 1, n + 2, n + 3,
+                                   n + 4, n + 5, n + 6, n + 7, n + 8, n + 9, n + 10, &r.range) == 0);
+    CHECK(r.number[0] > 38);
+  }
 }
 
 static void check_refusals(void) {
@@ -72,11 +79,24 @@ static void check_refusals(void) {
   CHECK(Norvane_AGA5_C(gas, 22, 0.6, NULL, &calorific_mass) == NORVANE_NOT_RUN);
   CHECK(Norvane_AGA5_C(gas, 22, 0.6, &calorific_mass, NULL) == NORVANE_NOT_RUN);
   CHECK(Norvane_AGA5_C(gas, 22, 1.5, &calorific_mass, &calorific_mass) == NORVANE_NOT_RUN); /* beyond its range */
+  CHECK(strcmp(norvane_last_message(),
+               "AGA5_C: [3] specific gravity (1.5) should be lower or equal than: 1") == 0);
   CHECK(calorific_mass == -7.0);
+  CHECK(Norvane_AGA5_C(gas, 22, 0.6, NULL, &calorific_mass) == NORVANE_NOT_RUN);
+  CHECK(strstr(norvane_last_message(), "AGA5_C: output 1") != NULL);
+  CHECK(calorific(NULL, 22, &r) == NORVANE_NOT_RUN && strstr(norvane_last_message(), "[2] composition") != NULL);
+  CHECK(calorific(gas, 22, &r) == 0 && norvane_last_message()[0] == 0);
+  spoil(&r);
+  CHECK(strcmp(norvane_status_text("AGA8_M", 0, 4), "composition error") == 0);
+  CHECK(strcmp(norvane_status_text("AGA8_M", 5, 2), "component out of range") == 0);
+  CHECK(norvane_status_text("AGA8_M", 6, 0)[0] == 0 && norvane_status_text("No", 0, 0)[0] == 0);
+  CHECK(norvane_status_text(NULL, 0, 0)[0] == 0 && norvane_status_text("AGA8_M", 0, 77)[0] == 0);
   /* Found by the function itself: a status of its own, and the outputs it did not write are 0. */
   memcpy(bad, gas, sizeof bad);
   bad[3] = -0.1;
   CHECK(calorific(bad, 22, &r) != 0 && r.number[0] == 0.0);
+  CHECK(strcmp(norvane_status_text("ISO6976_1995_M", 0, calorific(bad, 22, &r)), "calculation error") == 0);
+  CHECK(strncmp(norvane_last_message(), "ISO6976_1995_M: ", 16) == 0);
   bad[3] = NAN;
   CHECK(calorific(bad, 22, &r) != 0 || r.number[0] - r.number[0] == 0.0);
 }

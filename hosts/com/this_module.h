@@ -1,4 +1,4 @@
-// The module as an automation server: what keeps it loaded, where it is, and its type library.
+// The module as its own objects see it: what keeps it loaded, where it is, and its type library.
 #pragma once
 
 #include <windows.h>
@@ -9,9 +9,12 @@
 
 namespace norvane::com {
 
-// Objects, references to the class factory and the locks that clients ask for.
+// Objects, references to the class factory and the locks that clients ask for keep the module loaded.
 void module_lock() noexcept;
 void module_unlock() noexcept;
+bool module_locked() noexcept;
+
+HMODULE this_module() noexcept;
 
 // Full path of this module; empty when it cannot be had.
 std::wstring module_path();
