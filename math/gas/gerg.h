@@ -1,0 +1,83 @@
+// GERG-2008 and GERG-2004: density, caloric properties and phase equilibrium of natural gases and similar mixtures.
+//
+// Source: O. Kunz, W. Wagner, J. Chem. Eng. Data 57 (2012) 3032 (GERG-2008), the same as ISO 20765-2 and AGA Report
+// No. 8 Part 2 (2017); GERG Technical Monograph 15 (2007) (GERG-2004). Range of the standard: 90..450 K and 0..35 MPa
+// normal, 60..700 K and 0..70 MPa extended.
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+#include "math/common/helmholtz.h"
+#include "math/gas/gerg2008_table.h"
+
+namespace norvane::GERG2008 {
+
+inline constexpr double R = 0.008314472;  // gas constant [MPa m3/(kmol K)]
+
+enum class Edition : int { gerg_2004 = 2004, gerg_2008 = 2008 };
+
+// Mole fractions of the 21 components, in the order of the tables; their sum is 1.
+using Composition = std::array<double, component_count>;
+
+// The terms of all equations: those of the pure fluids, which fluids of one form share, then the departure functions.
+inline constexpr std::size_t pure_term_count = std::size(light_form) + std::size(carbon_dioxide_form) +
+                                               std::size(simple_form) + std::size(water_form) +
+                                               std::size(hydrogen_form) + std::size(helium_form);
+inline constexpr std::size_t term_count = pure_term_count + std::size(departure_terms);
+
+// What depends on the composition alone.
+struct Mixture {
+  Edition edition = Edition::gerg_2008;
+  Composition x{};
+  double molar_mass = 0.0;             // [kg/kmol]
+  double T_r = 0.0;                    // reducing temperature [K]
+  double v_r = 0.0;                    // reducing molar volume [m3/kmol]
+  bool departs = false;                // whether a departure function acts
+  std::array<double, term_count> n{};  // coefficients of the terms
+
+  void set(Edition of, const Composition& composition) noexcept;
+};
+
+// The terms have only 25 different factors delta^d exp(-delta^c), and 11 of the departure functions' kind, so that at one
+// temperature they are 36 coefficients; some places stay empty.
+inline constexpr std::size_t slot_count = 42;
+using Slots = std::array<double, slot_count>;
+
+// Different exponents of tau in all terms.
+inline constexpr std::size_t power_count = 76;
+
+// What depends on composition and temperature.
+struct Isotherm {
+  double T = 0.0;                            // [K]
+  double RT = 0.0;                           // [MPa m3/kmol]
+  double tau = 0.0;                          // T_r/T
+  double v_r = 0.0;                          // [m3/kmol]
+  bool departs = false;                      // whether a departure function acts
+  bool fifth = false;                        // whether a term with delta^5 in its exponential acts
+  alignas(16) Slots n{};                     // coefficients
+  std::array<double, power_count> powers{};  // of tau
+
+  void set(const Mixture& mixture, double temperature) noexcept;
+
+  // Compressibility factor at a density [kmol/m3], and the slope of the pressure.
+  struct Point {
+    double z;        // p/(rho R T)
+    double dp_drho;  // (dp/drho)_T / (R T)
+  };
+  Point at(double rho) const noexcept;
+
+  // The density [kmol/m3] of a vapour at a pressure p [MPa]: the root that is reached from density zero with the
+  // pressure rising all the way. False when there is none, as above the pressure of the vapour's stability limit.
+  bool vapour_density(double p, double& rho) const noexcept;
+  // The density of a liquid: the root from which the pressure rises all the way up. False when there is none. At
+  // temperatures and pressures with one root only both give that.
+  bool liquid_density(double p, double& rho) const noexcept;
+  // The root close to a guess, on the branch of the guess. False when there is none, or none close enough.
+  bool density_near(double p, double guess, double& rho) const noexcept;
+};
+
+// Residual Helmholtz energy and its derivatives.
+helmholtz::Residual residual(const Mixture& mixture, const Isotherm& isotherm, double rho) noexcept;
+
+}  // namespace norvane::GERG2008
