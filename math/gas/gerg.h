@@ -80,4 +80,23 @@ struct Isotherm {
 // Residual Helmholtz energy and its derivatives.
 helmholtz::Residual residual(const Mixture& mixture, const Isotherm& isotherm, double rho) noexcept;
 
+// The ideal gas at a temperature T [K]. Enthalpy and entropy of each component are zero at 298.15 K and 101.325 kPa; the
+// entropy is that at 101.325 kPa, without the entropy of mixing.
+enum class Entropy { leave_out, include };  // leaving it out saves the logarithms
+helmholtz::IdealGas ideal_mixture(const Composition& x, double T, Entropy entropy) noexcept;
+
+// Properties at a density [kmol/m3].
+helmholtz::State state(const Mixture& mixture, const Isotherm& isotherm, double rho, Entropy entropy) noexcept;
+
+// What the fugacity coefficients are made of: one list a phase, in the order of the components. Those of absent
+// components are not set.
+using PerComponent = std::array<double, component_count>;
+// ln phi_i at a density [kmol/m3] and a positive compressibility factor z. That of a liquid is known better from its
+// pressure than from the equation, where large terms cancel.
+void fugacity(const Mixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi) noexcept;
+// The same with n d(ln phi_i)/d(n_j) at constant temperature and pressure, a symmetrical matrix.
+using PerPair = std::array<PerComponent, component_count>;
+void fugacity(const Mixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi,
+              PerPair& slope) noexcept;
+
 }  // namespace norvane::GERG2008
