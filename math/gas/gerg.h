@@ -73,6 +73,8 @@ struct Isotherm {
   // The density of a liquid: the root from which the pressure rises all the way up. False when there is none. At
   // temperatures and pressures with one root only both give that.
   bool liquid_density(double p, double& rho) const noexcept;
+  // Whether the pressure rises with density all the way, so that there is one root.
+  bool has_one_root() const noexcept;
   // The root close to a guess, on the branch of the guess. False when there is none, or none close enough.
   bool density_near(double p, double guess, double& rho) const noexcept;
 };
@@ -98,5 +100,29 @@ void fugacity(const Mixture& mixture, const Isotherm& isotherm, double rho, doub
 using PerPair = std::array<PerComponent, component_count>;
 void fugacity(const Mixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi,
               PerPair& slope) noexcept;
+
+// ---- Phase equilibrium -------------------------------------------------------------------------------------------
+
+struct Phase {
+  Composition x{};
+  double rho = 0.0;         // molar density [kmol/m3]
+  double z = 0.0;           // p/(rho R T)
+  double molar_mass = 0.0;  // [kg/kmol]
+  bool liquid = false;      // denser than the reducing density and colder than the reducing temperature
+};
+
+// A mixture at a temperature and pressure: one phase or two.
+struct Equilibrium {
+  bool split = false;
+  double vapour_fraction = 0.0;  // amount of the lighter phase over the whole, of two phases
+  Phase vapour;                  // the lighter phase, or the only one
+  Phase liquid;                  // the denser of two
+  bool third = false;            // another phase would form beside these two
+};
+
+enum class FlashResult { found, no_density, not_converged };
+
+// T [K], p [MPa]. Components below 1e-14 take no part in the equilibrium.
+FlashResult flash(Edition edition, const Composition& x, double T, double p, Equilibrium& answer) noexcept;
 
 }  // namespace norvane::GERG2008

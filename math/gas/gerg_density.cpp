@@ -157,17 +157,19 @@ class DensitySearch {
 
 }  // namespace
 
+bool Isotherm::has_one_root() const noexcept { return tau * loopless < 1.0; }
+
 bool Isotherm::vapour_density(double p, double& rho) const noexcept {
   if (!(p > 0.0 && RT > 0.0)) return false;
   const DensitySearch search(*this, p);
   const double start = search.estimate();
-  if (tau * loopless < 1.0) return search.polish(0.0, highest_delta / v_r, search.at(start), rho);
+  if (has_one_root()) return search.polish(0.0, highest_delta / v_r, search.at(start), rho);
   return search.follow({0.0, 0.0, RT}, start, rho);
 }
 
 bool Isotherm::liquid_density(double p, double& rho) const noexcept {
   if (!(p > 0.0 && RT > 0.0)) return false;
-  if (tau * loopless < 1.0) return vapour_density(p, rho);
+  if (has_one_root()) return vapour_density(p, rho);
   // A little above the density of any liquid at low pressure, and up from there when the pressure is high.
   constexpr double intercept = 4.2, fall = 2.1;
   constexpr double raise = 1.1;

@@ -1,0 +1,563 @@
+// GERG-2008: the phases of a mixture at a temperature and pressure.
+//
+//   z_i    mole fraction of the feed               K_i   y_i/x_i
+//   y_i    of the lighter phase, "vapour"          b     its share of the amount of substance
+//   x_i    of the denser phase, "liquid"           f_i   fugacity over p: y_i phi_i
+//
+// A trial phase with amounts W_i lowers the Gibbs energy of the feed where its tangent plane distance is negative
+// (M. L. Michelsen, Fluid Phase Equilibria 9 (1982) 1 and 21):
+//   tm = 1 + sum W_i (ln W_i + ln phi_i(W) - d_i - 1), d_i = ln z_i + ln phi_i(z)
+//
+// 1. the feed at its root of less Gibbs energy          2. trials; none negative: one phase
+// 3. K from the trial, successive substitution          4. Newton's method on the Gibbs energy
+// 5. trials against the answer; a negative one is a better pair of phases, or a third phase
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+#include "core/elementary.h"
+#include "math/gas/gerg.h"
+
+namespace norvane::GERG2008 {
+namespace {
+
+using elementary::exp;
+using elementary::log;
+
+// Amounts below this take no part: no balance or chromatograph knows of them.
+constexpr double least_amount = 1e-14;
+// Equal fugacities: the greatest difference of their logarithms.
+constexpr double equal = 1e-11;
+// A tangent plane distance counts as negative below this; rounding makes some 1e-13.
+constexpr double negative = -1e-9;
+// Phases whose compositions differ less are one, max |ln K|.
+constexpr double identical = 1e-5;
+// A trial this close to a known phase leads there.
+constexpr double returned = 1e-4;
+// |ln W| is kept below this, so that no amount overflows or vanishes.
+constexpr double highest_log = 30.0, lowest_log = -200.0;
+
+// Critical pressure [MPa] and acentric factor of the components, as the equation itself has them: for the first guess
+// of K, ln K = ln(pc/p) + 5.373 (1 + omega)(1 - Tc/T) (G. M. Wilson, 1968).
+struct Volatility {
+  double p_c, omega;
+};
+constexpr Volatility volatility[component_count] = {
+    {4.599, 0.011}, {3.396, 0.037},  {7.377, 0.225}, {4.872, 0.100}, {4.247, 0.153}, {22.064, 0.345},
+    {8.999, 0.100}, {1.315, -0.219}, {3.498, 0.050}, {5.039, 0.022}, {3.637, 0.185}, {3.791, 0.199},
+    {3.378, 0.228}, {3.371, 0.252},  {3.043, 0.300}, {2.731, 0.349}, {2.498, 0.395}, {2.282, 0.443},
+    {2.101, 0.488}, {0.228, -0.386}, {4.860, -0.002}};
+
+// Lists of the components that take part, from 0.
+using List = std::array<double, component_count>;
+
+// Solves (A + lambda I) s = -g with the least lambda of a growing row that makes the matrix positive. A has about 1 on
+// its diagonal.
+bool solve(const std::array<List, component_count>& A, const List& g, std::size_t n, double lambda,
+           List& s) noexcept {
+  for (int attempt = 0; attempt < 12; ++attempt) {
+    std::array<List, component_count> L;
+    bool positive = true;
+    for (std::size_t i = 0; i < n && positive; ++i) {
+      for (std::size_t j = 0; j <= i; ++j) {
+        double sum = A[i][j] + (i == j ? lambda : 0.0);
+        for (std::size_t k = 0; k < j; ++k) sum -= L[i][k] * L[j][k];
+        if (i != j) {
+          L[i][j] = sum / L[j][j];
+        } else {
+          constexpr double flat = 1e-10;
+          if (!(sum > flat)) {
+            positive = false;
+            break;
+          }
+          L[i][i] = std::sqrt(sum);
+        }
+      }
+    }
+    if (positive) {
+      for (std::size_t i = 0; i < n; ++i) {
+        double sum = -g[i];
+        for (std::size_t k = 0; k < i; ++k) sum -= L[i][k] * s[k];
+        s[i] = sum / L[i][i];
+      }
+      for (std::size_t i = n; i-- > 0;) {
+        double sum = s[i];
+        for (std::size_t k = i + 1; k < n; ++k) sum -= L[k][i] * s[k];
+        s[i] = sum / L[i][i];
+      }
+      return true;
+    }
+    lambda = std::max(4.0 * lambda, 0.01);
+  }
+  return false;
+}
+
+// A phase on trial.
+struct Trial {
+  List x;  // mole fractions
+  List ln_phi;
+  double rho = 0.0;  // 0: not known yet
+  double g = 0.0;    // Gibbs energy over R T, sum x_i (ln x_i + ln phi_i)
+};
+
+class Flash {
+ public:
+  Flash(Edition edition, const Composition& z, double T, double p) noexcept : edition_(edition), T_(T), p_(p) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < component_count; ++i) {
+      if (!(z[i] >= least_amount)) continue;
+      index_[count_] = i;
+      z_[count_++] = z[i];
+      sum += z[i];
+    }
+    for (std::size_t a = 0; a < count_; ++a) z_[a] /= sum;
+  }
+
+  FlashResult run(Equilibrium& answer) noexcept;
+
+ private:
+  struct Pair {
+    Trial vapour, liquid;
+    double b = 0.0;
+    double g = 0.0;
+    List ln_K;
+  };
+  enum class Ending { converged, collapsed, outside, failed };
+
+  // Density and fugacities of a composition: close to the density it has already, or at the root of less Gibbs energy.
+  bool evaluate(Trial& trial, std::array<List, component_count>* slope = nullptr) noexcept;
+  bool evaluate_afresh(Trial& trial) noexcept {
+    trial.rho = 0.0;
+    return evaluate(trial);
+  }
+
+  // The trials against a phase in equilibrium with d; known ones are no finds. False when none is negative.
+  struct Find {
+    List ln_W;
+    Trial phase;
+    double tm = 0.0;
+  };
+  bool test(const List& d, const Trial& reference, const Trial* other, Find& best) noexcept;
+  bool trial(const List& d, const Trial& reference, const Trial* other, Find& find) noexcept;
+  void start(std::size_t which, List& ln_W) const noexcept;
+  std::size_t start_count() const noexcept { return 4 + count_; }
+
+  bool rachford_rice(const List& ln_K, double& b) const noexcept;
+  void amounts(Pair& pair) const noexcept;
+  Ending substitute(Pair& pair) noexcept;
+  Ending newton(Pair& pair) noexcept;
+  Ending two_phases(Pair& pair) noexcept;
+  void from(const Trial& one, const Trial& two, Pair& pair) const noexcept;
+
+  Phase phase_of(const Trial& trial) noexcept;
+
+  Edition edition_;
+  double T_, p_;
+  std::size_t count_ = 0;
+  std::array<std::size_t, component_count> index_{};
+  List z_{};
+  Mixture mixture_;
+  Isotherm isotherm_;
+};
+
+bool Flash::evaluate(Trial& trial, std::array<List, component_count>* slope) noexcept {
+  Composition x{};
+  for (std::size_t a = 0; a < count_; ++a) x[index_[a]] = trial.x[a];
+  mixture_.set(edition_, x);
+  isotherm_.set(mixture_, T_);
+  if (!(trial.rho > 0.0 && isotherm_.density_near(p_, trial.rho, trial.rho))) {
+    double vapour = 0.0, liquid = 0.0;
+    const bool has_vapour = isotherm_.vapour_density(p_, vapour);
+    const bool has_liquid = !(has_vapour && isotherm_.has_one_root()) && isotherm_.liquid_density(p_, liquid);
+    if (!has_vapour && !has_liquid) return false;
+    trial.rho = has_vapour ? vapour : liquid;
+    if (has_vapour && has_liquid) {
+      const auto gibbs = [&](double rho) {
+        const double z = p_ / (rho * isotherm_.RT);
+        return residual(mixture_, isotherm_, rho).ar + z - 1.0 - log(z);
+      };
+      if (gibbs(liquid) < gibbs(vapour)) trial.rho = liquid;
+    }
+  }
+  const double z = p_ / (trial.rho * isotherm_.RT);
+  PerComponent ln_phi;
+  if (slope == nullptr) {
+    fugacity(mixture_, isotherm_, trial.rho, z, ln_phi);
+  } else {
+    PerPair all;
+    fugacity(mixture_, isotherm_, trial.rho, z, ln_phi, all);
+    for (std::size_t a = 0; a < count_; ++a)
+      for (std::size_t b = 0; b < count_; ++b) (*slope)[a][b] = all[index_[a]][index_[b]];
+  }
+  trial.g = 0.0;
+  for (std::size_t a = 0; a < count_; ++a) {
+    trial.ln_phi[a] = ln_phi[index_[a]];
+    trial.g += trial.x[a] * (log(trial.x[a]) + trial.ln_phi[a]);
+  }
+  return std::isfinite(trial.g);
+}
+
+// ---- Stability ---------------------------------------------------------------------------------------------------
+
+// Starts: vapour and liquid after Wilson, the same nearer to the feed, then each component nearly pure.
+void Flash::start(std::size_t which, List& ln_W) const noexcept {
+  constexpr double share[4] = {-1.0, 1.0, -1.0 / 3.0, 1.0 / 3.0};
+  constexpr double pure = 0.9;
+  for (std::size_t a = 0; a < count_; ++a) {
+    if (which < 4) {
+      const Volatility& v = volatility[index_[a]];
+      const double ln_K = log(v.p_c / p_) + 5.373 * (1.0 + v.omega) * (1.0 - components[index_[a]].T_c / T_);
+      ln_W[a] = log(z_[a]) + share[which] * ln_K;
+    } else {
+      ln_W[a] = a == which - 4 ? log(pure) : log((1.0 - pure) * z_[a]);
+    }
+    ln_W[a] = std::clamp(ln_W[a], lowest_log, highest_log);
+  }
+}
+
+// From a start to a stationary point of the tangent plane distance. True when it is negative.
+bool Flash::trial(const List& d, const Trial& reference, const Trial* other, Find& find) noexcept {
+  constexpr int steps = 60, substitutions = 6;
+  constexpr double stationary = 1e-7;  // greatest change of ln W: tm is known to its square
+  constexpr double clearly = -1e-4;    // a distance that needs no stationary point
+  find.phase.rho = 0.0;
+  List alpha_step{};
+  double damping = 0.0, last_tm = 1e300;
+  List last_ln_W{};
+  for (int i = 0; i < steps; ++i) {
+    double sum = 0.0;
+    List W;
+    for (std::size_t a = 0; a < count_; ++a) sum += W[a] = exp(find.ln_W[a]);
+    for (std::size_t a = 0; a < count_; ++a) find.phase.x[a] = W[a] / sum;
+    std::array<List, component_count> slope;
+    const bool second_order = i >= substitutions;
+    if (!evaluate(find.phase, second_order ? &slope : nullptr)) return false;
+
+    double tm = 1.0, change = 0.0, away = 0.0, away_from_other = other != nullptr ? 0.0 : 1.0;
+    List g;
+    for (std::size_t a = 0; a < count_; ++a) {
+      g[a] = find.ln_W[a] + find.phase.ln_phi[a] - d[a];
+      tm += W[a] * (g[a] - 1.0);
+      change = std::max(change, std::fabs(g[a]));
+      away = std::max(away, std::fabs(log(find.phase.x[a] / reference.x[a])));
+      if (other != nullptr)
+        away_from_other = std::max(away_from_other, std::fabs(log(find.phase.x[a] / other->x[a])));
+    }
+    find.tm = tm;
+    if (away < returned || away_from_other < returned) return false;
+    if (change < stationary) return tm < negative;
+    if (tm < clearly && change < 1.0) return true;
+
+    if (second_order) {
+      // Newton's method in alpha = 2 sqrt(W), in which the matrix of second derivatives is near the unit matrix.
+      if (tm > last_tm + 1e-12) {  // uphill: back, and a shorter step
+        damping = std::max(4.0 * damping, 0.1);
+        if (damping > 1e4) return false;
+        find.ln_W = last_ln_W;
+        for (std::size_t a = 0; a < count_; ++a) {
+          alpha_step[a] *= 0.3;
+          const double root = exp(0.5 * find.ln_W[a]);
+          find.ln_W[a] =
+              std::clamp(2.0 * log(std::max(root + 0.5 * alpha_step[a], 0.1 * root)), lowest_log, highest_log);
+        }
+        continue;
+      }
+      last_tm = tm;
+      last_ln_W = find.ln_W;
+      std::array<List, component_count> H;
+      List gradient;
+      for (std::size_t a = 0; a < count_; ++a) {
+        const double root_a = std::sqrt(W[a]);
+        gradient[a] = root_a * g[a];
+        for (std::size_t b = 0; b <= a; ++b) H[a][b] = root_a * std::sqrt(W[b]) * slope[a][b] / sum;
+        H[a][a] += 1.0 + 0.5 * g[a];
+      }
+      if (!solve(H, gradient, count_, damping, alpha_step)) return false;
+      damping *= 0.25;
+      for (std::size_t a = 0; a < count_; ++a) {
+        const double root = std::sqrt(W[a]);
+        const double next = std::clamp(root + 0.5 * alpha_step[a], 0.1 * root, 10.0 * root);
+        find.ln_W[a] = std::clamp(2.0 * log(next), lowest_log, highest_log);
+      }
+    } else {
+      for (std::size_t a = 0; a < count_; ++a)
+        find.ln_W[a] = std::clamp(d[a] - find.phase.ln_phi[a], lowest_log, highest_log);
+    }
+  }
+  return false;
+}
+
+bool Flash::test(const List& d, const Trial& reference, const Trial* other, Find& best) noexcept {
+  bool found = false;
+  for (std::size_t which = 0; which < start_count(); ++which) {
+    Find find;
+    start(which, find.ln_W);
+    if (!trial(d, reference, other, find)) continue;
+    if (!found || find.tm < best.tm) best = find;
+    found = true;
+    break;
+  }
+  return found;
+}
+
+// ---- Two phases --------------------------------------------------------------------------------------------------
+
+// The share b of the vapour from sum z_i (K_i - 1)/(1 + b (K_i - 1)) = 0, which falls with b. It may lie outside 0 to 1
+// on the way. False when all K lie on one side of 1.
+bool Flash::rachford_rice(const List& ln_K, double& b) const noexcept {
+  List k;  // K - 1
+  double least = 0.0, most = 0.0;
+  for (std::size_t a = 0; a < count_; ++a) {
+    k[a] = exp(ln_K[a]) - 1.0;
+    least = std::min(least, k[a]);
+    most = std::max(most, k[a]);
+  }
+  if (!(least < 0.0 && most > 0.0)) return false;
+  double low = -1.0 / most, high = -1.0 / least;
+  if (!(b > low && b < high)) b = 0.5 * (std::max(low, 0.0) + std::min(high, 1.0));
+  constexpr int steps = 100;
+  for (int i = 0; i < steps; ++i) {
+    double f = 0.0, slope = 0.0;
+    for (std::size_t a = 0; a < count_; ++a) {
+      const double share = k[a] / (1.0 + b * k[a]);
+      f += z_[a] * share;
+      slope -= z_[a] * share * share;
+    }
+    (f > 0.0 ? low : high) = b;
+    double next = b - f / slope;
+    if (!(next > low && next < high)) next = 0.5 * (low + high);
+    const bool settled = std::fabs(next - b) <= 1e-15 + 1e-14 * std::fabs(b);
+    b = next;
+    if (settled) break;
+  }
+  return true;
+}
+
+// Compositions of both phases from K and b.
+void Flash::amounts(Pair& pair) const noexcept {
+  double y_sum = 0.0, x_sum = 0.0;
+  for (std::size_t a = 0; a < count_; ++a) {
+    const double K = exp(pair.ln_K[a]);
+    pair.liquid.x[a] = z_[a] / (1.0 + pair.b * (K - 1.0));
+    pair.vapour.x[a] = K * pair.liquid.x[a];
+    x_sum += pair.liquid.x[a];
+    y_sum += pair.vapour.x[a];
+  }
+  for (std::size_t a = 0; a < count_; ++a) {
+    pair.liquid.x[a] /= x_sum;
+    pair.vapour.x[a] /= y_sum;
+  }
+}
+
+// K from two phases, the lighter one on top.
+void Flash::from(const Trial& one, const Trial& two, Pair& pair) const noexcept {
+  pair.vapour = one.rho < two.rho ? one : two;
+  pair.liquid = one.rho < two.rho ? two : one;
+  for (std::size_t a = 0; a < count_; ++a) pair.ln_K[a] = log(pair.vapour.x[a] / pair.liquid.x[a]);
+}
+
+// Successive substitution, ln K = ln phi of the liquid - ln phi of the vapour, accelerated along the slowest direction.
+Flash::Ending Flash::substitute(Pair& pair) noexcept {
+  constexpr int steps = 12, between = 4;
+  constexpr double close = 1e-3;  // from here Newton's method takes two or three steps
+  constexpr double longest = 20.0;
+  List last_change{};
+  for (int i = 0; i < steps; ++i) {
+    if (!rachford_rice(pair.ln_K, pair.b)) return Ending::collapsed;
+    amounts(pair);
+    if (!evaluate(pair.vapour) || !evaluate(pair.liquid)) return Ending::failed;
+    double greatest = 0.0, distance = 0.0, now_now = 0.0, now_last = 0.0, last_last = 0.0;
+    for (std::size_t a = 0; a < count_; ++a) {
+      const double next = pair.liquid.ln_phi[a] - pair.vapour.ln_phi[a];
+      const double change = next - pair.ln_K[a];
+      greatest = std::max(greatest, std::fabs(change));
+      distance = std::max(distance, std::fabs(next));
+      now_now += change * change;
+      now_last += change * last_change[a];
+      last_last += last_change[a] * last_change[a];
+      last_change[a] = change;
+      pair.ln_K[a] = next;
+    }
+    if (distance < identical) return Ending::collapsed;
+    if (greatest < close) return Ending::converged;
+    if (i % between == between - 1 && last_last > 0.0) {
+      const double eigenvalue = now_last / last_last;
+      if (eigenvalue > 0.0 && eigenvalue < 1.0 && now_now < last_last) {
+        const double further = std::min(eigenvalue / (1.0 - eigenvalue), longest);
+        for (std::size_t a = 0; a < count_; ++a) pair.ln_K[a] += further * last_change[a];
+      }
+    }
+  }
+  return Ending::converged;
+}
+
+// Newton's method on the Gibbs energy as a function of the vapour's amounts v_i = b y_i. Scaled by sqrt(v_i l_i/z_i) the
+// matrix of second derivatives is near the unit matrix. A step uphill is taken back and shortened.
+Flash::Ending Flash::newton(Pair& pair) noexcept {
+  constexpr int steps = 60;
+  constexpr double share_kept = 0.1;  // of an amount, in one step
+  List v, l;
+  for (std::size_t a = 0; a < count_; ++a) {
+    v[a] = pair.b * pair.vapour.x[a];
+    l[a] = z_[a] - v[a];
+    if (!(v[a] > 0.0 && l[a] > 0.0)) return Ending::outside;
+  }
+  double last_g = 1e300, lambda = 0.0;
+  List last_v = v, last_l = l, step{};
+  Trial last_vapour = pair.vapour, last_liquid = pair.liquid;
+  const auto move = [&] {
+    double length = 1.0;
+    for (std::size_t a = 0; a < count_; ++a) {
+      if (step[a] < 0.0) length = std::min(length, (share_kept - 1.0) * last_v[a] / step[a]);
+      if (step[a] > 0.0) length = std::min(length, (1.0 - share_kept) * last_l[a] / step[a]);
+    }
+    for (std::size_t a = 0; a < count_; ++a) {
+      v[a] = last_v[a] + length * step[a];
+      l[a] = last_l[a] - length * step[a];
+    }
+  };
+  for (int i = 0; i < steps; ++i) {
+    double V = 0.0, L = 0.0;
+    for (std::size_t a = 0; a < count_; ++a) {
+      V += v[a];
+      L += l[a];
+    }
+    for (std::size_t a = 0; a < count_; ++a) {
+      pair.vapour.x[a] = v[a] / V;
+      pair.liquid.x[a] = l[a] / L;
+    }
+    pair.b = V / (V + L);
+    std::array<List, component_count> vapour_slope, liquid_slope;
+    const bool known = evaluate(pair.vapour, &vapour_slope) && evaluate(pair.liquid, &liquid_slope);
+    const double g = pair.b * pair.vapour.g + (1.0 - pair.b) * pair.liquid.g;
+    constexpr double rounding = 1e-13;
+    if (!known || g > last_g + rounding * std::fabs(last_g)) {
+      if (i == 0) return Ending::failed;
+      lambda = std::max(4.0 * lambda, 0.1);
+      if (lambda > 1e6) return Ending::failed;
+      for (double& s : step) s *= 0.25;
+      pair.vapour = last_vapour;
+      pair.liquid = last_liquid;
+      move();
+      continue;
+    }
+    List gradient;
+    double greatest = 0.0, distance = 0.0;
+    for (std::size_t a = 0; a < count_; ++a) {
+      pair.ln_K[a] = log(pair.vapour.x[a] / pair.liquid.x[a]);
+      const double difference = pair.ln_K[a] + pair.vapour.ln_phi[a] - pair.liquid.ln_phi[a];
+      greatest = std::max(greatest, std::fabs(difference));
+      distance = std::max(distance, std::fabs(pair.ln_K[a]));
+      gradient[a] = difference;
+    }
+    pair.g = g;
+    if (distance < identical) return Ending::collapsed;
+    if (greatest < equal) return Ending::converged;
+    // A phase that vanishes: the boundary of the two-phase region is passed.
+    if (V < least_amount || L < least_amount) return Ending::outside;
+
+    std::array<List, component_count> H;
+    List scale;
+    for (std::size_t a = 0; a < count_; ++a) {
+      scale[a] = std::sqrt(v[a] * l[a] / z_[a]);
+      gradient[a] *= scale[a];
+      for (std::size_t b = 0; b <= a; ++b)
+        H[a][b] = scale[a] * scale[b] * ((vapour_slope[a][b] - 1.0) / V + (liquid_slope[a][b] - 1.0) / L);
+      H[a][a] += 1.0;
+    }
+    if (!solve(H, gradient, count_, lambda, step)) return Ending::failed;
+    lambda *= 0.25;
+    if (lambda < 1e-4) lambda = 0.0;
+    for (std::size_t a = 0; a < count_; ++a) step[a] *= scale[a];
+    last_g = g;
+    last_v = v;
+    last_l = l;
+    last_vapour = pair.vapour;
+    last_liquid = pair.liquid;
+    move();
+  }
+  return Ending::failed;
+}
+
+Flash::Ending Flash::two_phases(Pair& pair) noexcept {
+  constexpr int rounds = 20;
+  for (int i = 0; i < rounds; ++i) {
+    const Ending start = substitute(pair);
+    if (start != Ending::converged) return start;
+    if (!(pair.b > 0.0 && pair.b < 1.0)) {
+      if (i + 1 == rounds) return Ending::outside;
+      continue;
+    }
+    const Pair kept = pair;
+    const Ending ending = newton(pair);
+    if (ending == Ending::converged || ending == Ending::collapsed) return ending;
+    pair = kept;
+  }
+  return Ending::failed;
+}
+
+// ---- The whole ---------------------------------------------------------------------------------------------------
+
+Phase Flash::phase_of(const Trial& trial) noexcept {
+  Phase phase;
+  for (std::size_t a = 0; a < count_; ++a) phase.x[index_[a]] = trial.x[a];
+  mixture_.set(edition_, phase.x);
+  phase.rho = trial.rho;
+  phase.z = p_ / (trial.rho * (R * T_));
+  phase.molar_mass = mixture_.molar_mass;
+  phase.liquid = trial.rho * mixture_.v_r > 1.0 && T_ < mixture_.T_r;
+  return phase;
+}
+
+FlashResult Flash::run(Equilibrium& answer) noexcept {
+  Trial feed;
+  feed.x = z_;
+  if (!evaluate_afresh(feed)) return FlashResult::no_density;
+  answer = {};
+  List d;
+  for (std::size_t a = 0; a < count_; ++a) d[a] = log(z_[a]) + feed.ln_phi[a];
+  Find find;
+  if (count_ == 1 || !test(d, feed, nullptr, find)) {
+    answer.vapour = phase_of(feed);
+    return FlashResult::found;
+  }
+
+  Pair best;
+  from(find.phase, feed, best);
+  if (two_phases(best) != Ending::converged || !(best.g < feed.g)) return FlashResult::not_converged;
+
+  // Against the phases found. A better pair holds the new phase and one of the two.
+  constexpr int rounds = 3;
+  for (int i = 0;; ++i) {
+    for (std::size_t a = 0; a < count_; ++a) d[a] = log(best.vapour.x[a]) + best.vapour.ln_phi[a];
+    answer.third = test(d, best.vapour, &best.liquid, find);
+    if (!answer.third || i == rounds) break;
+    const double before = best.g;
+    for (const Trial* partner : {&best.vapour, &best.liquid}) {
+      Pair pair;
+      from(find.phase, *partner, pair);
+      if (two_phases(pair) == Ending::converged && pair.g < best.g) best = pair;
+    }
+    if (!(best.g < before)) break;
+  }
+  answer.split = true;
+  if (best.vapour.rho > best.liquid.rho) {
+    std::swap(best.vapour, best.liquid);
+    best.b = 1.0 - best.b;
+  }
+  answer.vapour_fraction = best.b;
+  answer.vapour = phase_of(best.vapour);
+  answer.liquid = phase_of(best.liquid);
+  return FlashResult::found;
+}
+
+}  // namespace
+
+FlashResult flash(Edition edition, const Composition& x, double T, double p, Equilibrium& answer) noexcept {
+  Flash flash(edition, x, T, p);
+  return flash.run(answer);
+}
+
+}  // namespace norvane::GERG2008
