@@ -184,7 +184,7 @@ bool Isotherm::liquid_density(double p, double& rho) const noexcept {
 }
 
 bool Isotherm::density_near(double p, double guess, double& rho) const noexcept {
-  constexpr double far = 0.1;  // relative; a root further away may be another one
+  constexpr double far = 0.05;  // relative; a root further away may be another one
   const DensitySearch search(*this, p);
   Place now = search.at(guess);
   for (int i = 0; i < 6; ++i) {

@@ -36,8 +36,9 @@ constexpr double negative = -1e-9;
 constexpr double identical = 1e-5;
 // A trial this close to a known phase leads there.
 constexpr double returned = 1e-4;
-// |ln W| is kept below this, so that no amount overflows or vanishes.
-constexpr double highest_log = 30.0, lowest_log = -200.0;
+// Logarithms of amounts and of K are kept within this, so that no product of two overflows or vanishes.
+constexpr double longest_log = 300.0;
+double within_bounds(double ln) noexcept { return std::clamp(ln, -longest_log, longest_log); }
 
 // Critical pressure [MPa] and acentric factor of the components, as the equation itself has them: for the first guess
 // of K, ln K = ln(pc/p) + 5.373 (1 + omega)(1 - Tc/T) (G. M. Wilson, 1968).
@@ -57,7 +58,7 @@ using List = std::array<double, component_count>;
 // its diagonal.
 bool solve(const std::array<List, component_count>& A, const List& g, std::size_t n, double lambda,
            List& s) noexcept {
-  for (int attempt = 0; attempt < 12; ++attempt) {
+  for (int attempt = 0; attempt < 14; ++attempt) {
     std::array<List, component_count> L;
     bool positive = true;
     for (std::size_t i = 0; i < n && positive; ++i) {
@@ -67,7 +68,7 @@ bool solve(const std::array<List, component_count>& A, const List& g, std::size_
         if (i != j) {
           L[i][j] = sum / L[j][j];
         } else {
-          constexpr double flat = 1e-10;
+          constexpr double flat = 1e-12;
           if (!(sum > flat)) {
             positive = false;
             break;
@@ -89,16 +90,17 @@ bool solve(const std::array<List, component_count>& A, const List& g, std::size_
       }
       return true;
     }
-    lambda = std::max(4.0 * lambda, 0.01);
+    lambda = std::max(10.0 * lambda, 1e-9);
   }
   return false;
 }
 
 // A phase on trial.
 struct Trial {
-  List x;  // mole fractions
-  List ln_phi;
+  List x{};  // mole fractions
+  List ln_phi{};
   double rho = 0.0;  // 0: not known yet
+  List x_of_rho{};   // the composition that has this density
   double g = 0.0;    // Gibbs energy over R T, sum x_i (ln x_i + ln phi_i)
 };
 
@@ -133,22 +135,32 @@ class Flash {
     return evaluate(trial);
   }
 
-  // The trials against a phase in equilibrium with d; known ones are no finds. False when none is negative.
+  // The least tangent plane distance that a trial met.
   struct Find {
     List ln_W;
     Trial phase;
     double tm = 0.0;
   };
-  bool test(const List& d, const Trial& reference, const Trial* other, Find& best) noexcept;
-  bool trial(const List& d, const Trial& reference, const Trial* other, Find& find) noexcept;
-  void start(std::size_t which, List& ln_W) const noexcept;
+  // Trials from all starts against a phase that has d, until one finds a negative distance. One that leads to the
+  // reference or to the other phase finds nothing.
+  bool test(const List& d, const Trial& reference, const Trial* other, Find& found) noexcept;
+  Find trial(List ln_W, const List& d, const Trial& reference, const Trial* other) noexcept;
+  List start(std::size_t which) const noexcept;
   std::size_t start_count() const noexcept { return 4 + count_; }
+  // Greatest difference of the logarithms of two phases' fractions.
+  double distance(const List& one, const List& two) const noexcept {
+    double greatest = 0.0;
+    for (std::size_t a = 0; a < count_; ++a) greatest = std::max(greatest, std::fabs(log(one[a] / two[a])));
+    return greatest;
+  }
 
-  bool rachford_rice(const List& ln_K, double& b) const noexcept;
+  double rachford_rice(const List& ln_K, double b) const noexcept;
   void amounts(Pair& pair) const noexcept;
   Ending substitute(Pair& pair) noexcept;
   Ending newton(Pair& pair) noexcept;
-  Ending two_phases(Pair& pair) noexcept;
+  Ending iterate(Pair& pair) noexcept;
+  bool descend(const Trial& found, const Trial& feed, Pair& pair) noexcept;
+  bool two_phases(const Find& find, const Trial& feed, Pair& pair) noexcept;
   void from(const Trial& one, const Trial& two, Pair& pair) const noexcept;
 
   Phase phase_of(const Trial& trial) noexcept;
@@ -167,7 +179,11 @@ bool Flash::evaluate(Trial& trial, std::array<List, component_count>* slope) noe
   for (std::size_t a = 0; a < count_; ++a) x[index_[a]] = trial.x[a];
   mixture_.set(edition_, x);
   isotherm_.set(mixture_, T_);
-  if (!(trial.rho > 0.0 && isotherm_.density_near(p_, trial.rho, trial.rho))) {
+  // Only a composition that has hardly changed has its density on the same branch.
+  constexpr double near_x = 0.01;
+  double change = 0.0;
+  for (std::size_t a = 0; a < count_; ++a) change += std::fabs(trial.x[a] - trial.x_of_rho[a]);
+  if (!(trial.rho > 0.0 && change < near_x && isotherm_.density_near(p_, trial.rho, trial.rho))) {
     double vapour = 0.0, liquid = 0.0;
     const bool has_vapour = isotherm_.vapour_density(p_, vapour);
     const bool has_liquid = !(has_vapour && isotherm_.has_one_root()) && isotherm_.liquid_density(p_, liquid);
@@ -181,6 +197,7 @@ bool Flash::evaluate(Trial& trial, std::array<List, component_count>* slope) noe
       if (gibbs(liquid) < gibbs(vapour)) trial.rho = liquid;
     }
   }
+  trial.x_of_rho = trial.x;
   const double z = p_ / (trial.rho * isotherm_.RT);
   PerComponent ln_phi;
   if (slope == nullptr) {
@@ -202,9 +219,10 @@ bool Flash::evaluate(Trial& trial, std::array<List, component_count>* slope) noe
 // ---- Stability ---------------------------------------------------------------------------------------------------
 
 // Starts: vapour and liquid after Wilson, the same nearer to the feed, then each component nearly pure.
-void Flash::start(std::size_t which, List& ln_W) const noexcept {
+List Flash::start(std::size_t which) const noexcept {
   constexpr double share[4] = {-1.0, 1.0, -1.0 / 3.0, 1.0 / 3.0};
-  constexpr double pure = 0.9;
+  constexpr double pure = 0.999;
+  List ln_W;
   for (std::size_t a = 0; a < count_; ++a) {
     if (which < 4) {
       const Volatility& v = volatility[index_[a]];
@@ -213,19 +231,30 @@ void Flash::start(std::size_t which, List& ln_W) const noexcept {
     } else {
       ln_W[a] = a == which - 4 ? log(pure) : log((1.0 - pure) * z_[a]);
     }
-    ln_W[a] = std::clamp(ln_W[a], lowest_log, highest_log);
+    ln_W[a] = within_bounds(ln_W[a]);
   }
+  return ln_W;
 }
 
-// From a start to a stationary point of the tangent plane distance. True when it is negative.
-bool Flash::trial(const List& d, const Trial& reference, const Trial* other, Find& find) noexcept {
+// From a start to a stationary point of the tangent plane distance: by substitution first, then by Newton's method in
+// alpha = 2 sqrt(W), in which the matrix of second derivatives is near the unit matrix. True when it is negative.
+Flash::Find Flash::trial(List ln_W, const List& d, const Trial& reference, const Trial* other) noexcept {
   constexpr int steps = 60, substitutions = 6;
   constexpr double stationary = 1e-7;  // greatest change of ln W: tm is known to its square
   constexpr double clearly = -1e-4;    // a distance that needs no stationary point
-  find.phase.rho = 0.0;
-  List alpha_step{};
-  double damping = 0.0, last_tm = 1e300;
-  List last_ln_W{};
+  constexpr int patience = 4;          // steps that it is followed all the same, for a better first guess of K
+  constexpr double share_kept = 0.1;   // of sqrt(W), in one step
+  Find find, least;
+  find.ln_W = ln_W;
+  List last_ln_W{}, step{};
+  double last_tm = 1e300, lambda = 0.0;
+  const auto move = [&](const List& from) {
+    for (std::size_t a = 0; a < count_; ++a) {
+      const double root = exp(0.5 * from[a]);
+      const double next = std::clamp(root + 0.5 * step[a], share_kept * root, root / share_kept);
+      find.ln_W[a] = within_bounds(2.0 * log(next));
+    }
+  };
   for (int i = 0; i < steps; ++i) {
     double sum = 0.0;
     List W;
@@ -233,106 +262,93 @@ bool Flash::trial(const List& d, const Trial& reference, const Trial* other, Fin
     for (std::size_t a = 0; a < count_; ++a) find.phase.x[a] = W[a] / sum;
     std::array<List, component_count> slope;
     const bool second_order = i >= substitutions;
-    if (!evaluate(find.phase, second_order ? &slope : nullptr)) return false;
+    if (!evaluate(find.phase, second_order ? &slope : nullptr)) return least;
 
-    double tm = 1.0, change = 0.0, away = 0.0, away_from_other = other != nullptr ? 0.0 : 1.0;
-    List g;
+    double tm = 1.0, change = 0.0;
+    List g, substituted;
     for (std::size_t a = 0; a < count_; ++a) {
       g[a] = find.ln_W[a] + find.phase.ln_phi[a] - d[a];
       tm += W[a] * (g[a] - 1.0);
-      change = std::max(change, std::fabs(g[a]));
-      away = std::max(away, std::fabs(log(find.phase.x[a] / reference.x[a])));
-      if (other != nullptr)
-        away_from_other = std::max(away_from_other, std::fabs(log(find.phase.x[a] / other->x[a])));
+      substituted[a] = within_bounds(d[a] - find.phase.ln_phi[a]);
+      change = std::max(change, std::fabs(substituted[a] - find.ln_W[a]));
     }
     find.tm = tm;
-    if (away < returned || away_from_other < returned) return false;
-    if (change < stationary) return tm < negative;
-    if (tm < clearly && change < 1.0) return true;
-
-    if (second_order) {
-      // Newton's method in alpha = 2 sqrt(W), in which the matrix of second derivatives is near the unit matrix.
-      if (tm > last_tm + 1e-12) {  // uphill: back, and a shorter step
-        damping = std::max(4.0 * damping, 0.1);
-        if (damping > 1e4) return false;
-        find.ln_W = last_ln_W;
-        for (std::size_t a = 0; a < count_; ++a) {
-          alpha_step[a] *= 0.3;
-          const double root = exp(0.5 * find.ln_W[a]);
-          find.ln_W[a] =
-              std::clamp(2.0 * log(std::max(root + 0.5 * alpha_step[a], 0.1 * root)), lowest_log, highest_log);
-        }
-        continue;
-      }
-      last_tm = tm;
-      last_ln_W = find.ln_W;
-      std::array<List, component_count> H;
-      List gradient;
-      for (std::size_t a = 0; a < count_; ++a) {
-        const double root_a = std::sqrt(W[a]);
-        gradient[a] = root_a * g[a];
-        for (std::size_t b = 0; b <= a; ++b) H[a][b] = root_a * std::sqrt(W[b]) * slope[a][b] / sum;
-        H[a][a] += 1.0 + 0.5 * g[a];
-      }
-      if (!solve(H, gradient, count_, damping, alpha_step)) return false;
-      damping *= 0.25;
-      for (std::size_t a = 0; a < count_; ++a) {
-        const double root = std::sqrt(W[a]);
-        const double next = std::clamp(root + 0.5 * alpha_step[a], 0.1 * root, 10.0 * root);
-        find.ln_W[a] = std::clamp(2.0 * log(next), lowest_log, highest_log);
-      }
-    } else {
-      for (std::size_t a = 0; a < count_; ++a)
-        find.ln_W[a] = std::clamp(d[a] - find.phase.ln_phi[a], lowest_log, highest_log);
+    if (tm < least.tm) least = find;
+    if (distance(find.phase.x, reference.x) < returned) return least;
+    if (other != nullptr && distance(find.phase.x, other->x) < returned) return least;
+    if (change < stationary || (tm < clearly && (change < 1.0 || i >= patience))) return least;
+    if (!second_order) {
+      find.ln_W = substituted;
+      continue;
     }
+    if (tm > last_tm + 1e-12 * (1.0 + std::fabs(last_tm))) {  // uphill: back, and a shorter step
+      lambda = std::max(4.0 * lambda, 0.1);
+      if (lambda > 1e4) return least;
+      for (double& length : step) length *= 0.25;
+      move(last_ln_W);
+      continue;
+    }
+    std::array<List, component_count> H;
+    for (std::size_t a = 0; a < count_; ++a) {
+      const double root = std::sqrt(W[a]);
+      for (std::size_t b = 0; b <= a; ++b) H[a][b] = root * std::sqrt(W[b]) * slope[a][b] / sum;
+      H[a][a] += 1.0 + 0.5 * g[a];
+      g[a] *= root;
+    }
+    if (!solve(H, g, count_, lambda, step)) return least;
+    lambda *= 0.25;
+    last_tm = tm;
+    last_ln_W = find.ln_W;
+    move(last_ln_W);
+  }
+  return least;
+}
+
+bool Flash::test(const List& d, const Trial& reference, const Trial* other, Find& found) noexcept {
+  for (std::size_t which = 0; which < start_count(); ++which) {
+    found = trial(start(which), d, reference, other);
+    if (found.tm < negative) return true;
   }
   return false;
 }
 
-bool Flash::test(const List& d, const Trial& reference, const Trial* other, Find& best) noexcept {
-  bool found = false;
-  for (std::size_t which = 0; which < start_count(); ++which) {
-    Find find;
-    start(which, find.ln_W);
-    if (!trial(d, reference, other, find)) continue;
-    if (!found || find.tm < best.tm) best = find;
-    found = true;
-    break;
-  }
-  return found;
-}
-
 // ---- Two phases --------------------------------------------------------------------------------------------------
 
-// The share b of the vapour from sum z_i (K_i - 1)/(1 + b (K_i - 1)) = 0, which falls with b. It may lie outside 0 to 1
-// on the way. False when all K lie on one side of 1.
-bool Flash::rachford_rice(const List& ln_K, double& b) const noexcept {
-  List k;  // K - 1
-  double least = 0.0, most = 0.0;
+// The share b of the vapour from f = sum z_i (K_i - 1)/(1 - b + b K_i) = 0. It may lie outside 0 to 1 on the way. f
+// falls with b from one pole to another; without the poles, as h = (b - low)(high - b) f, it is nearly straight. With
+// all K on one side of 1 there is but one phase: 1 or 0.
+double Flash::rachford_rice(const List& ln_K, double b) const noexcept {
+  List K;
+  double least = 1.0, most = 1.0;
   for (std::size_t a = 0; a < count_; ++a) {
-    k[a] = exp(ln_K[a]) - 1.0;
-    least = std::min(least, k[a]);
-    most = std::max(most, k[a]);
+    K[a] = exp(ln_K[a]);
+    least = std::min(least, K[a]);
+    most = std::max(most, K[a]);
   }
-  if (!(least < 0.0 && most > 0.0)) return false;
-  double low = -1.0 / most, high = -1.0 / least;
+  if (!(least < 1.0)) return 1.0;
+  if (!(most > 1.0)) return 0.0;
+  const double left = 1.0 / (1.0 - most), right = 1.0 / (1.0 - least);
+  double low = left, high = right;
   if (!(b > low && b < high)) b = 0.5 * (std::max(low, 0.0) + std::min(high, 1.0));
   constexpr int steps = 100;
+  constexpr double rounding = 1e-15;
   for (int i = 0; i < steps; ++i) {
     double f = 0.0, slope = 0.0;
     for (std::size_t a = 0; a < count_; ++a) {
-      const double share = k[a] / (1.0 + b * k[a]);
+      const double share = (K[a] - 1.0) / (1.0 - b + b * K[a]);
       f += z_[a] * share;
       slope -= z_[a] * share * share;
     }
     (f > 0.0 ? low : high) = b;
-    double next = b - f / slope;
+    const double h = (b - left) * (right - b);
+    const double h_slope = (left + right - 2.0 * b) * f + h * slope;
+    double next = b - h * f / h_slope;
     if (!(next > low && next < high)) next = 0.5 * (low + high);
-    const bool settled = std::fabs(next - b) <= 1e-15 + 1e-14 * std::fabs(b);
+    const bool settled = std::fabs(next - b) <= rounding * (1.0 + std::fabs(b)) && std::fabs(f) < 1.0;
     b = next;
-    if (settled) break;
+    if (settled || !(high - low > rounding * std::fabs(b))) break;
   }
-  return true;
+  return b;
 }
 
 // Compositions of both phases from K and b.
@@ -340,7 +356,7 @@ void Flash::amounts(Pair& pair) const noexcept {
   double y_sum = 0.0, x_sum = 0.0;
   for (std::size_t a = 0; a < count_; ++a) {
     const double K = exp(pair.ln_K[a]);
-    pair.liquid.x[a] = z_[a] / (1.0 + pair.b * (K - 1.0));
+    pair.liquid.x[a] = z_[a] / (1.0 - pair.b + pair.b * K);
     pair.vapour.x[a] = K * pair.liquid.x[a];
     x_sum += pair.liquid.x[a];
     y_sum += pair.vapour.x[a];
@@ -365,22 +381,22 @@ Flash::Ending Flash::substitute(Pair& pair) noexcept {
   constexpr double longest = 20.0;
   List last_change{};
   for (int i = 0; i < steps; ++i) {
-    if (!rachford_rice(pair.ln_K, pair.b)) return Ending::collapsed;
+    pair.b = rachford_rice(pair.ln_K, pair.b);
     amounts(pair);
     if (!evaluate(pair.vapour) || !evaluate(pair.liquid)) return Ending::failed;
-    double greatest = 0.0, distance = 0.0, now_now = 0.0, now_last = 0.0, last_last = 0.0;
+    double greatest = 0.0, apart = 0.0, now_now = 0.0, now_last = 0.0, last_last = 0.0;
     for (std::size_t a = 0; a < count_; ++a) {
-      const double next = pair.liquid.ln_phi[a] - pair.vapour.ln_phi[a];
+      const double next = within_bounds(pair.liquid.ln_phi[a] - pair.vapour.ln_phi[a]);
       const double change = next - pair.ln_K[a];
       greatest = std::max(greatest, std::fabs(change));
-      distance = std::max(distance, std::fabs(next));
+      apart = std::max(apart, std::fabs(next));
       now_now += change * change;
       now_last += change * last_change[a];
       last_last += last_change[a] * last_change[a];
       last_change[a] = change;
       pair.ln_K[a] = next;
     }
-    if (distance < identical) return Ending::collapsed;
+    if (apart < identical) return Ending::collapsed;
     if (greatest < close) return Ending::converged;
     if (i % between == between - 1 && last_last > 0.0) {
       const double eigenvalue = now_last / last_last;
@@ -398,11 +414,15 @@ Flash::Ending Flash::substitute(Pair& pair) noexcept {
 Flash::Ending Flash::newton(Pair& pair) noexcept {
   constexpr int steps = 60;
   constexpr double share_kept = 0.1;  // of an amount, in one step
+  constexpr double trace = 0.9 * longest_log;
   List v, l;
   for (std::size_t a = 0; a < count_; ++a) {
     v[a] = pair.b * pair.vapour.x[a];
-    l[a] = z_[a] - v[a];
+    l[a] = (1.0 - pair.b) * pair.liquid.x[a];
     if (!(v[a] > 0.0 && l[a] > 0.0)) return Ending::outside;
+    const double balance = z_[a] / (v[a] + l[a]);
+    v[a] *= balance;
+    l[a] *= balance;
   }
   double last_g = 1e300, lambda = 0.0;
   List last_v = v, last_l = l, step{};
@@ -444,16 +464,17 @@ Flash::Ending Flash::newton(Pair& pair) noexcept {
       continue;
     }
     List gradient;
-    double greatest = 0.0, distance = 0.0;
+    double greatest = 0.0, apart = 0.0;
     for (std::size_t a = 0; a < count_; ++a) {
       pair.ln_K[a] = log(pair.vapour.x[a] / pair.liquid.x[a]);
       const double difference = pair.ln_K[a] + pair.vapour.ln_phi[a] - pair.liquid.ln_phi[a];
-      greatest = std::max(greatest, std::fabs(difference));
-      distance = std::max(distance, std::fabs(pair.ln_K[a]));
+      // An amount at its bound may stay there.
+      if (std::fabs(pair.ln_K[a]) < trace) greatest = std::max(greatest, std::fabs(difference));
+      apart = std::max(apart, std::fabs(pair.ln_K[a]));
       gradient[a] = difference;
     }
     pair.g = g;
-    if (distance < identical) return Ending::collapsed;
+    if (apart < identical) return Ending::collapsed;
     if (greatest < equal) return Ending::converged;
     // A phase that vanishes: the boundary of the two-phase region is passed.
     if (V < least_amount || L < least_amount) return Ending::outside;
@@ -481,21 +502,44 @@ Flash::Ending Flash::newton(Pair& pair) noexcept {
   return Ending::failed;
 }
 
-Flash::Ending Flash::two_phases(Pair& pair) noexcept {
-  constexpr int rounds = 20;
+// From a phase that lowers the Gibbs energy of the feed: first by substitution, which needs few steps; if that leads
+// elsewhere, downhill from the feed with a little of the new phase in it.
+bool Flash::two_phases(const Find& find, const Trial& feed, Pair& pair) noexcept {
+  from(find.phase, feed, pair);
+  if (iterate(pair) == Ending::converged && pair.g < feed.g) return true;
+  return descend(find.phase, feed, pair) && pair.g < feed.g;
+}
+
+Flash::Ending Flash::iterate(Pair& pair) noexcept {
+  constexpr int rounds = 3;
   for (int i = 0; i < rounds; ++i) {
     const Ending start = substitute(pair);
     if (start != Ending::converged) return start;
-    if (!(pair.b > 0.0 && pair.b < 1.0)) {
-      if (i + 1 == rounds) return Ending::outside;
-      continue;
-    }
+    if (!(pair.b > 0.0 && pair.b < 1.0)) continue;
     const Pair kept = pair;
     const Ending ending = newton(pair);
     if (ending == Ending::converged || ending == Ending::collapsed) return ending;
     pair = kept;
   }
-  return Ending::failed;
+  return Ending::outside;
+}
+
+bool Flash::descend(const Trial& found, const Trial& feed, Pair& pair) noexcept {
+  const bool lighter = found.rho < feed.rho;
+  double share = 1.0;
+  for (std::size_t a = 0; a < count_; ++a) share = std::min(share, z_[a] / found.x[a]);
+  constexpr int halvings = 40;
+  for (int i = 0; i < halvings; ++i) {
+    share *= 0.5;
+    Trial rest = feed;
+    for (std::size_t a = 0; a < count_; ++a) rest.x[a] = (z_[a] - share * found.x[a]) / (1.0 - share);
+    if (!evaluate(rest) || !(share * found.g + (1.0 - share) * rest.g < feed.g)) continue;
+    pair.vapour = lighter ? found : rest;
+    pair.liquid = lighter ? rest : found;
+    pair.b = lighter ? share : 1.0 - share;
+    return newton(pair) == Ending::converged;
+  }
+  return false;
 }
 
 // ---- The whole ---------------------------------------------------------------------------------------------------
@@ -525,8 +569,7 @@ FlashResult Flash::run(Equilibrium& answer) noexcept {
   }
 
   Pair best;
-  from(find.phase, feed, best);
-  if (two_phases(best) != Ending::converged || !(best.g < feed.g)) return FlashResult::not_converged;
+  if (!two_phases(find, feed, best)) return FlashResult::not_converged;
 
   // Against the phases found. A better pair holds the new phase and one of the two.
   constexpr int rounds = 3;
@@ -538,7 +581,7 @@ FlashResult Flash::run(Equilibrium& answer) noexcept {
     for (const Trial* partner : {&best.vapour, &best.liquid}) {
       Pair pair;
       from(find.phase, *partner, pair);
-      if (two_phases(pair) == Ending::converged && pair.g < best.g) best = pair;
+      if (iterate(pair) == Ending::converged && pair.g < best.g) best = pair;
     }
     if (!(best.g < before)) break;
   }
