@@ -117,25 +117,39 @@ void sum_form(const Composition& x, const std::size_t (&members)[count], const d
 
 }  // namespace
 
-void Mixture::set(Edition of, const Composition& composition) noexcept {
+void Mixture::set_terms(Edition of, const Composition& composition) noexcept {
   edition = of;
   x = composition;
-  const Coefficients& table = coefficients(edition);
-
-  std::array<std::size_t, component_count> present;
-  std::size_t count = 0;
   molar_mass = 0.0;
+  for (std::size_t i = 0; i < component_count; ++i) molar_mass += x[i] * components[i].M;
+
+  double* coefficient = n.data();
+  const auto form = [&](const auto& members, const auto& table_n) {
+    sum_form(x, members, table_n, coefficient);
+    coefficient += std::size(table_n[0]);
+  };
+  form(light_members, light_n);
+  form(carbon_dioxide_members, carbon_dioxide_n);
+  form(simple_members, coefficients(edition).simple);
+  form(water_members, water_n);
+  form(hydrogen_members, hydrogen_n);
+  form(helium_members, helium_n);
+
+  std::array<double, departure_function_count> weight{};
+  for (const Departure& pair : departures) weight[pair.function] += x[pair.i] * x[pair.j] * pair.F;
+  departs = std::any_of(weight.begin(), weight.end(), [](double w) { return w != 0.0; });
+  for (const DepartureTerm& term : departure_terms) *coefficient++ = weight[term.function] * term.n;
+}
+
+void Mixture::set(Edition of, const Composition& composition) noexcept {
+  set_terms(of, composition);
+  const Coefficients& table = coefficients(edition);
+  Two sum{};  // v_r and T_r
   for (std::size_t i = 0; i < component_count; ++i) {
     if (!(x[i] > 0.0)) continue;
-    present[count++] = i;
-    molar_mass += x[i] * components[i].M;
-  }
-  Two sum{};  // v_r and T_r
-  for (std::size_t a = 0; a < count; ++a) {
-    const Two* const table_row = table.plain[present[a]];
-    Two row = 0.5 * x[present[a]] * table_row[present[a]];
-    for (std::size_t b = a + 1; b < count; ++b) row += x[present[b]] * table_row[present[b]];
-    sum += x[present[a]] * row;
+    Two row = 0.5 * x[i] * table.plain[i][i];
+    for (std::size_t j = i + 1; j < component_count; ++j) row += x[j] * table.plain[i][j];
+    sum += x[i] * row;
   }
   for (std::size_t s = 0; s < table.skew_count; ++s) {
     const SkewPair& pair = table.skew[s];
@@ -145,23 +159,35 @@ void Mixture::set(Edition of, const Composition& composition) noexcept {
   }
   v_r = sum[0];
   T_r = sum[1];
+}
 
-  double* coefficient = n.data();
-  const auto form = [&](const auto& members, const auto& table_n) {
-    sum_form(x, members, table_n, coefficient);
-    coefficient += std::size(table_n[0]);
-  };
-  form(light_members, light_n);
-  form(carbon_dioxide_members, carbon_dioxide_n);
-  form(simple_members, table.simple);
-  form(water_members, water_n);
-  form(hydrogen_members, hydrogen_n);
-  form(helium_members, helium_n);
-
-  std::array<double, departure_function_count> weight{};
-  for (const Departure& pair : departures) weight[pair.function] += x[pair.i] * x[pair.j] * pair.F;
-  departs = std::any_of(weight.begin(), weight.end(), [](double w) { return w != 0.0; });
-  for (const DepartureTerm& term : departure_terms) *coefficient++ = weight[term.function] * term.n;
+void PhaseMixture::set(Edition of, const Composition& composition) noexcept {
+  set_terms(of, composition);
+  const Coefficients& table = coefficients(edition);
+  Two slope[component_count];
+  for (std::size_t i = 0; i < component_count; ++i) {
+    Two row{};
+    if (x[i] > 0.0) {
+#pragma GCC unroll 7
+      for (std::size_t j = 0; j < component_count; ++j) row += x[j] * table.plain[i][j];
+    }
+    slope[i] = row;
+  }
+  for (std::size_t s = 0; s < table.skew_count; ++s) {
+    const SkewPair& pair = table.skew[s];
+    const double x_i = x[pair.i], x_j = x[pair.j];
+    if (!(x_i > 0.0 && x_j > 0.0)) continue;
+    const SkewPart part(pair, x_i, x_j);
+    slope[pair.i] += pair.c * x_j * (part.h + x_i * part.h_i);
+    slope[pair.j] += pair.c * x_i * (part.h + x_j * part.h_j);
+  }
+  Two sum{};  // of the second degree: half of the moles times the slopes
+  for (std::size_t i = 0; i < component_count; ++i) {
+    sum += x[i] * slope[i];
+    reducing[i] = {slope[i][0], slope[i][1]};
+  }
+  v_r = 0.5 * sum[0];
+  T_r = 0.5 * sum[1];
 }
 
 void Isotherm::set(const Mixture& mixture, double temperature) noexcept {
@@ -196,6 +222,13 @@ Isotherm::Point Isotherm::at(double rho) const noexcept {
   const Two d = first[0] + first[1], dd = second[0] + second[1];
   const double d1 = d[0] + d[1];
   return {1.0 + d1, 1.0 + 2.0 * d1 + (dd[0] + dd[1])};
+}
+
+double Isotherm::energy(double rho) const noexcept {
+  const Density density(rho * v_r, fifth);
+  Two sum{};
+  for_pairs([&](auto pair) { sum += load(n, pair) * factors<pair>(density).f; }, AllPairs{});
+  return sum[0] + sum[1];
 }
 
 helmholtz::Residual residual(const Mixture& mixture, const Isotherm& isotherm, double rho) noexcept {
@@ -246,6 +279,7 @@ constexpr double ln2 = 0.69314718055994531;
 helmholtz::IdealGas ideal_mixture(const Composition& x, double T, Entropy entropy) noexcept {
   constexpr double ratio = R_ideal / R_joule;
   const double inverse_T = 1.0 / T;
+  const double log_T = entropy == Entropy::include ? elementary::log(T) : 0.0;
   helmholtz::IdealGas sum;  // cp/R - 1 and s/R, less what all components share, and h/R
   for (std::size_t i = 0; i < component_count; ++i) {
     if (!(x[i] > 0.0)) continue;
@@ -273,7 +307,7 @@ helmholtz::IdealGas ideal_mixture(const Composition& x, double T, Entropy entrop
     sum.cp += x[i] * cp;
     sum.h += x[i] * (T * h + gas.n2 + T_reference);
     sum.s += x[i] * (h + logarithms);
-    if (entropy == Entropy::include) sum.s += x[i] * (gas.n3 - 1.0) * elementary::log(T);
+    sum.s += x[i] * (gas.n3 - 1.0) * log_T;
   }
   const double h = T - T_reference + ratio * sum.h;
   const double s = entropy == Entropy::include ? ratio * sum.s - elementary::log(T_reference * inverse_T) : 0.0;

@@ -8,6 +8,8 @@
 #include <array>
 #include <cstddef>
 
+#include "core/outcome.h"
+#include "math/common/composition.h"
 #include "math/common/helmholtz.h"
 #include "math/gas/gerg2008_table.h"
 
@@ -35,6 +37,17 @@ struct Mixture {
   double v_r = 0.0;                    // reducing molar volume [m3/kmol]
   bool departs = false;                // whether a departure function acts
   std::array<double, term_count> n{};  // coefficients of the terms
+
+  void set(Edition of, const Composition& composition) noexcept;
+
+ protected:
+  void set_terms(Edition of, const Composition& composition) noexcept;
+};
+
+// The same with what fugacities need of it.
+struct PhaseMixture : Mixture {
+  // n^2 v_r and n^2 T_r are functions of the second degree in the moles n_i: their derivatives, where n = 1.
+  std::array<std::array<double, 2>, component_count> reducing{};
 
   void set(Edition of, const Composition& composition) noexcept;
 };
@@ -66,6 +79,8 @@ struct Isotherm {
     double dp_drho;  // (dp/drho)_T / (R T)
   };
   Point at(double rho) const noexcept;
+  // Residual Helmholtz energy over R T there.
+  double energy(double rho) const noexcept;
 
   // The density [kmol/m3] of a vapour at a pressure p [MPa]: the root that is reached from density zero with the
   // pressure rising all the way. False when there is none, as above the pressure of the vapour's stability limit.
@@ -95,10 +110,11 @@ helmholtz::State state(const Mixture& mixture, const Isotherm& isotherm, double 
 using PerComponent = std::array<double, component_count>;
 // ln phi_i at a density [kmol/m3] and a positive compressibility factor z. That of a liquid is known better from its
 // pressure than from the equation, where large terms cancel.
-void fugacity(const Mixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi) noexcept;
+void fugacity(const PhaseMixture& mixture, const Isotherm& isotherm, double rho, double z,
+              PerComponent& ln_phi) noexcept;
 // The same with n d(ln phi_i)/d(n_j) at constant temperature and pressure, a symmetrical matrix.
 using PerPair = std::array<PerComponent, component_count>;
-void fugacity(const Mixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi,
+void fugacity(const PhaseMixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi,
               PerPair& slope) noexcept;
 
 // ---- Phase equilibrium -------------------------------------------------------------------------------------------
@@ -118,11 +134,86 @@ struct Equilibrium {
   Phase vapour;                  // the lighter phase, or the only one
   Phase liquid;                  // the denser of two
   bool third = false;            // another phase would form beside these two
+  bool untested = false;         // the equation has no density for some phase that might form, as for ice-cold water
 };
 
 enum class FlashResult { found, no_density, not_converged };
 
 // T [K], p [MPa]. Components below 1e-14 take no part in the equilibrium.
 FlashResult flash(Edition edition, const Composition& x, double T, double p, Equilibrium& answer) noexcept;
+
+// ---- A gas as it is given ----------------------------------------------------------------------------------------
+
+// Statuses of the functions below: argument_error outside -250..450 degC and 0..200 MPa, calculation_error for a
+// composition that is none, at pressure 0 and where the equation has no density, no_convergence (flash only),
+// composition_error for a sum that is neither 1 nor 100 and for components that GERG-2004 does not have.
+inline constexpr int composition_error = 4;
+
+struct Gas {
+  std::array<double, component_count + 1> composition;  // amounts: fractions or percent, the last neo-pentane
+  composition::NeoPentaneMode neo_pentane = composition::add_to_i_pentane;
+  double pressure;     // absolute [MPa]
+  double temperature;  // [degC]
+};
+
+struct GasAnswer {
+  double z = 0.0;               // compressibility factor
+  double mass_density = 0.0;    // [kg/m3]
+  double molar_density = 0.0;   // [kmol/m3]
+  double molar_mass = 0.0;      // [kg/kmol]
+  double speed_of_sound = 0.0;  // [m/s]
+  double kappa = 0.0;           // isentropic exponent
+  int range = 0;                // status: 0 normal, 1 extended, 2 out of range
+};
+
+// The equation with its memory of the last mixture, isotherm and state. Comparisons are exact, so that an answer from
+// memory equals a fresh one bit for bit. Not for use by several threads at once.
+class CEquation {
+ public:
+  enum class Root { none, vapour, liquid };
+  // T [K], p [MPa], rho [kmol/m3]. The vapour's density where it has one, else the liquid's.
+  Root density(Edition edition, const Composition& x, double T, double p, double& rho) noexcept;
+  // Properties at the density found last.
+  const helmholtz::State& state() noexcept;
+  const Mixture& mixture() const noexcept { return mixture_; }
+  const Isotherm& isotherm() const noexcept { return isotherm_; }
+
+ private:
+  bool has_mixture_ = false, has_isotherm_ = false, has_density_ = false, has_state_ = false;
+  Mixture mixture_;
+  Isotherm isotherm_;
+  double p_ = 0.0;
+  double rho_ = 0.0;
+  Root root_ = Root::none;
+  helmholtz::State state_{};
+};
+
+// A gas, not tested for phases: where it has no vapour density the liquid's is answered, with a remark.
+Outcome gas_2008(const Gas& gas, GasAnswer& answer, CEquation& memory) noexcept;
+Outcome gas_2004(const Gas& gas, GasAnswer& answer, CEquation& memory) noexcept;
+// Without speed of sound and isentropic exponent.
+Outcome density_2004(const Gas& gas, GasAnswer& answer, CEquation& memory) noexcept;
+
+struct FlashAnswer {
+  int phase = 0;                 // 1: gas, 2: liquid, 3: both
+  double vapour_fraction = 0.0;  // amount of vapour over the whole: 1 for a gas, 0 for a liquid
+  double mass_density = 0.0;     // of the whole [kg/m3]
+  double vapour_z = 0.0;         // 0 for a phase that is absent, as for the others
+  double liquid_z = 0.0;
+  double vapour_density = 0.0;  // [kg/m3]
+  double liquid_density = 0.0;  // [kg/m3]
+};
+
+struct CFlash {
+  bool known = false;
+  Composition x{};
+  double T = 0.0, p = 0.0;
+  FlashResult result = FlashResult::no_density;
+  Equilibrium equilibrium;
+};
+
+// The phases of a mixture, two at most. A feed of three phases answers the best two, with a remark.
+Outcome flash_2008(const Gas& gas, FlashAnswer& answer, CFlash& memory) noexcept;
+Outcome flash_2004(const Gas& gas, FlashAnswer& answer, CFlash& memory) noexcept;
 
 }  // namespace norvane::GERG2008

@@ -34,8 +34,8 @@ constexpr double equal = 1e-11;
 constexpr double negative = -1e-9;
 // Phases whose compositions differ less are one, max |ln K|.
 constexpr double identical = 1e-5;
-// A trial this close to a known phase leads there.
-constexpr double returned = 1e-4;
+// A trial this close to a known phase leads there, max |ln(w/x)|: the feed, or one of two phases in equilibrium.
+constexpr double returned = 1e-4, drawn_in = 0.02;
 // Logarithms of amounts and of K are kept within this, so that no product of two overflows or vanishes.
 constexpr double longest_log = 300.0;
 double within_bounds(double ln) noexcept { return std::clamp(ln, -longest_log, longest_log); }
@@ -98,6 +98,7 @@ bool solve(const std::array<List, component_count>& A, const List& g, std::size_
 // A phase on trial.
 struct Trial {
   List x{};  // mole fractions
+  List ln_x{};
   List ln_phi{};
   double rho = 0.0;  // 0: not known yet
   List x_of_rho{};   // the composition that has this density
@@ -114,7 +115,10 @@ class Flash {
       z_[count_++] = z[i];
       sum += z[i];
     }
-    for (std::size_t a = 0; a < count_; ++a) z_[a] /= sum;
+    for (std::size_t a = 0; a < count_; ++a) {
+      z_[a] /= sum;
+      ln_z_[a] = log(z_[a]);
+    }
   }
 
   FlashResult run(Equilibrium& answer) noexcept;
@@ -148,9 +152,9 @@ class Flash {
   List start(std::size_t which) const noexcept;
   std::size_t start_count() const noexcept { return 4 + count_; }
   // Greatest difference of the logarithms of two phases' fractions.
-  double distance(const List& one, const List& two) const noexcept {
+  double distance(const Trial& one, const Trial& two) const noexcept {
     double greatest = 0.0;
-    for (std::size_t a = 0; a < count_; ++a) greatest = std::max(greatest, std::fabs(log(one[a] / two[a])));
+    for (std::size_t a = 0; a < count_; ++a) greatest = std::max(greatest, std::fabs(one.ln_x[a] - two.ln_x[a]));
     return greatest;
   }
 
@@ -169,8 +173,9 @@ class Flash {
   double T_, p_;
   std::size_t count_ = 0;
   std::array<std::size_t, component_count> index_{};
-  List z_{};
-  Mixture mixture_;
+  List z_{}, ln_z_{};
+  bool untested_ = false;  // in the last test a start had no density
+  PhaseMixture mixture_;
   Isotherm isotherm_;
 };
 
@@ -192,7 +197,7 @@ bool Flash::evaluate(Trial& trial, std::array<List, component_count>* slope) noe
     if (has_vapour && has_liquid) {
       const auto gibbs = [&](double rho) {
         const double z = p_ / (rho * isotherm_.RT);
-        return residual(mixture_, isotherm_, rho).ar + z - 1.0 - log(z);
+        return isotherm_.energy(rho) + z - 1.0 - log(z);
       };
       if (gibbs(liquid) < gibbs(vapour)) trial.rho = liquid;
     }
@@ -211,7 +216,7 @@ bool Flash::evaluate(Trial& trial, std::array<List, component_count>* slope) noe
   trial.g = 0.0;
   for (std::size_t a = 0; a < count_; ++a) {
     trial.ln_phi[a] = ln_phi[index_[a]];
-    trial.g += trial.x[a] * (log(trial.x[a]) + trial.ln_phi[a]);
+    trial.g += trial.x[a] * (trial.ln_x[a] + trial.ln_phi[a]);
   }
   return std::isfinite(trial.g);
 }
@@ -227,9 +232,9 @@ List Flash::start(std::size_t which) const noexcept {
     if (which < 4) {
       const Volatility& v = volatility[index_[a]];
       const double ln_K = log(v.p_c / p_) + 5.373 * (1.0 + v.omega) * (1.0 - components[index_[a]].T_c / T_);
-      ln_W[a] = log(z_[a]) + share[which] * ln_K;
+      ln_W[a] = ln_z_[a] + share[which] * ln_K;
     } else {
-      ln_W[a] = a == which - 4 ? log(pure) : log((1.0 - pure) * z_[a]);
+      ln_W[a] = a == which - 4 ? log(pure) : log(1.0 - pure) + ln_z_[a];
     }
     ln_W[a] = within_bounds(ln_W[a]);
   }
@@ -244,6 +249,7 @@ Flash::Find Flash::trial(List ln_W, const List& d, const Trial& reference, const
   constexpr double clearly = -1e-4;    // a distance that needs no stationary point
   constexpr int patience = 4;          // steps that it is followed all the same, for a better first guess of K
   constexpr double share_kept = 0.1;   // of sqrt(W), in one step
+  constexpr double small = 1e-3, quadratic = 0.2;
   Find find, least;
   find.ln_W = ln_W;
   List last_ln_W{}, step{};
@@ -259,23 +265,34 @@ Flash::Find Flash::trial(List ln_W, const List& d, const Trial& reference, const
     double sum = 0.0;
     List W;
     for (std::size_t a = 0; a < count_; ++a) sum += W[a] = exp(find.ln_W[a]);
-    for (std::size_t a = 0; a < count_; ++a) find.phase.x[a] = W[a] / sum;
+    const double ln_sum = log(sum);
+    for (std::size_t a = 0; a < count_; ++a) {
+      find.phase.x[a] = W[a] / sum;
+      find.phase.ln_x[a] = find.ln_W[a] - ln_sum;
+    }
     std::array<List, component_count> slope;
     const bool second_order = i >= substitutions;
-    if (!evaluate(find.phase, second_order ? &slope : nullptr)) return least;
+    if (!evaluate(find.phase, second_order ? &slope : nullptr)) {
+      if (i == 0) untested_ = true;
+      return least;
+    }
 
-    double tm = 1.0, change = 0.0;
+    double tm = 1.0, change = 0.0, form = 0.0;
     List g, substituted;
     for (std::size_t a = 0; a < count_; ++a) {
       g[a] = find.ln_W[a] + find.phase.ln_phi[a] - d[a];
       tm += W[a] * (g[a] - 1.0);
+      form += (W[a] - reference.x[a]) * g[a];
       substituted[a] = within_bounds(d[a] - find.phase.ln_phi[a]);
       change = std::max(change, std::fabs(substituted[a] - find.ln_W[a]));
     }
     find.tm = tm;
     if (tm < least.tm) least = find;
-    if (distance(find.phase.x, reference.x) < returned) return least;
-    if (other != nullptr && distance(find.phase.x, other->x) < returned) return least;
+    // A feed near its critical point has phases near itself; two phases in equilibrium draw in what comes near.
+    if (distance(find.phase, reference) < (other == nullptr ? returned : drawn_in)) return least;
+    if (other != nullptr && distance(find.phase, *other) < drawn_in) return least;
+    // Near the feed tm is a quadratic form, half of sum (W - z) g, and rising: the trial comes back to it.
+    if (other == nullptr && tm > 0.0 && tm < small && std::fabs(2.0 * tm / form - 1.0) < quadratic) return least;
     if (change < stationary || (tm < clearly && (change < 1.0 || i >= patience))) return least;
     if (!second_order) {
       find.ln_W = substituted;
@@ -305,6 +322,7 @@ Flash::Find Flash::trial(List ln_W, const List& d, const Trial& reference, const
 }
 
 bool Flash::test(const List& d, const Trial& reference, const Trial* other, Find& found) noexcept {
+  untested_ = false;
   for (std::size_t which = 0; which < start_count(); ++which) {
     found = trial(start(which), d, reference, other);
     if (found.tm < negative) return true;
@@ -363,7 +381,9 @@ void Flash::amounts(Pair& pair) const noexcept {
   }
   for (std::size_t a = 0; a < count_; ++a) {
     pair.liquid.x[a] /= x_sum;
+    pair.liquid.ln_x[a] = log(pair.liquid.x[a]);
     pair.vapour.x[a] /= y_sum;
+    pair.vapour.ln_x[a] = log(pair.vapour.x[a]);
   }
 }
 
@@ -371,7 +391,7 @@ void Flash::amounts(Pair& pair) const noexcept {
 void Flash::from(const Trial& one, const Trial& two, Pair& pair) const noexcept {
   pair.vapour = one.rho < two.rho ? one : two;
   pair.liquid = one.rho < two.rho ? two : one;
-  for (std::size_t a = 0; a < count_; ++a) pair.ln_K[a] = log(pair.vapour.x[a] / pair.liquid.x[a]);
+  for (std::size_t a = 0; a < count_; ++a) pair.ln_K[a] = pair.vapour.ln_x[a] - pair.liquid.ln_x[a];
 }
 
 // Successive substitution, ln K = ln phi of the liquid - ln phi of the vapour, accelerated along the slowest direction.
@@ -446,7 +466,9 @@ Flash::Ending Flash::newton(Pair& pair) noexcept {
     }
     for (std::size_t a = 0; a < count_; ++a) {
       pair.vapour.x[a] = v[a] / V;
+      pair.vapour.ln_x[a] = log(pair.vapour.x[a]);
       pair.liquid.x[a] = l[a] / L;
+      pair.liquid.ln_x[a] = log(pair.liquid.x[a]);
     }
     pair.b = V / (V + L);
     std::array<List, component_count> vapour_slope, liquid_slope;
@@ -466,7 +488,7 @@ Flash::Ending Flash::newton(Pair& pair) noexcept {
     List gradient;
     double greatest = 0.0, apart = 0.0;
     for (std::size_t a = 0; a < count_; ++a) {
-      pair.ln_K[a] = log(pair.vapour.x[a] / pair.liquid.x[a]);
+      pair.ln_K[a] = pair.vapour.ln_x[a] - pair.liquid.ln_x[a];
       const double difference = pair.ln_K[a] + pair.vapour.ln_phi[a] - pair.liquid.ln_phi[a];
       // An amount at its bound may stay there.
       if (std::fabs(pair.ln_K[a]) < trace) greatest = std::max(greatest, std::fabs(difference));
@@ -532,7 +554,10 @@ bool Flash::descend(const Trial& found, const Trial& feed, Pair& pair) noexcept 
   for (int i = 0; i < halvings; ++i) {
     share *= 0.5;
     Trial rest = feed;
-    for (std::size_t a = 0; a < count_; ++a) rest.x[a] = (z_[a] - share * found.x[a]) / (1.0 - share);
+    for (std::size_t a = 0; a < count_; ++a) {
+      rest.x[a] = (z_[a] - share * found.x[a]) / (1.0 - share);
+      rest.ln_x[a] = log(rest.x[a]);
+    }
     if (!evaluate(rest) || !(share * found.g + (1.0 - share) * rest.g < feed.g)) continue;
     pair.vapour = lighter ? found : rest;
     pair.liquid = lighter ? rest : found;
@@ -558,12 +583,14 @@ Phase Flash::phase_of(const Trial& trial) noexcept {
 FlashResult Flash::run(Equilibrium& answer) noexcept {
   Trial feed;
   feed.x = z_;
+  feed.ln_x = ln_z_;
   if (!evaluate_afresh(feed)) return FlashResult::no_density;
   answer = {};
   List d;
-  for (std::size_t a = 0; a < count_; ++a) d[a] = log(z_[a]) + feed.ln_phi[a];
+  for (std::size_t a = 0; a < count_; ++a) d[a] = ln_z_[a] + feed.ln_phi[a];
   Find find;
   if (count_ == 1 || !test(d, feed, nullptr, find)) {
+    answer.untested = untested_;
     answer.vapour = phase_of(feed);
     return FlashResult::found;
   }
@@ -574,8 +601,9 @@ FlashResult Flash::run(Equilibrium& answer) noexcept {
   // Against the phases found. A better pair holds the new phase and one of the two.
   constexpr int rounds = 3;
   for (int i = 0;; ++i) {
-    for (std::size_t a = 0; a < count_; ++a) d[a] = log(best.vapour.x[a]) + best.vapour.ln_phi[a];
+    for (std::size_t a = 0; a < count_; ++a) d[a] = best.vapour.ln_x[a] + best.vapour.ln_phi[a];
     answer.third = test(d, best.vapour, &best.liquid, find);
+    answer.untested = untested_;
     if (!answer.third || i == rounds) break;
     const double before = best.g;
     for (const Trial* partner : {&best.vapour, &best.liquid}) {

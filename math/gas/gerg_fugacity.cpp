@@ -69,6 +69,16 @@ inline double dot(const double* a, const double* b) noexcept {
   return size % 2 == 0 ? sum[0] + sum[1] : sum[0] + sum[1] + a[size - 1] * b[size - 1];
 }
 
+// tau d(ar)/d(tau) of the mixture.
+template <class Values, std::size_t... k>
+inline double total_t(const Mixture& mixture, const Values& values, std::index_sequence<k...>) noexcept {
+  Two sum{};
+  ((sum += Two{mixture.n[2 * k], mixture.n[2 * k + 1]} * Two{terms[2 * k].t, terms[2 * k + 1].t} *
+           Two{values.ar[2 * k], values.ar[2 * k + 1]}),
+   ...);
+  return sum[0] + sum[1];
+}
+
 // The components that are present.
 struct Present {
   std::array<std::size_t, component_count> index;
@@ -142,45 +152,29 @@ void set_departures(const Mixture& mixture, const TermValues<derivatives>& value
   }
 }
 
-// Derivatives of Q_v and Q_T, side by side, to the moles.
-template <bool with_second>
-struct Reducing {
-  std::array<Two, component_count> first;
-  std::array<std::array<Two, component_count>, with_second ? component_count : 1> second;
-};
-template <bool with_second>
-void set_reducing(const Mixture& mixture, const Present& present, Reducing<with_second>& q) noexcept {
+// Second derivatives of Q_v and Q_T, side by side, to the moles.
+using Curvature = std::array<std::array<Two, component_count>, component_count>;
+void set_curvature(const PhaseMixture& mixture, const Present& present, Curvature& q) noexcept {
   const Coefficients& table = coefficients(mixture.edition);
-  const Composition& x = mixture.x;
-  for (std::size_t a = 0; a < present.count; ++a) {
-    const std::size_t i = present.index[a];
-    Two sum{};
-    for (std::size_t b = 0; b < present.count; ++b) sum += x[present.index[b]] * table.plain[i][present.index[b]];
-    q.first[i] = sum;
-    if constexpr (with_second) q.second[i] = std::to_array(table.plain[i]);
-  }
+  for (std::size_t a = 0; a < present.count; ++a)
+    for (std::size_t b = 0; b <= a; ++b)
+      q[present.index[a]][present.index[b]] = table.plain[present.index[a]][present.index[b]];
   for (std::size_t s = 0; s < table.skew_count; ++s) {
     const SkewPair& pair = table.skew[s];
-    const double x_i = x[pair.i], x_j = x[pair.j];
+    const double x_i = mixture.x[pair.i], x_j = mixture.x[pair.j];
     if (!(x_i > 0.0 && x_j > 0.0)) continue;
-    // c x_i x_j h with h = (x_i + x_j)/D, D = b x_i + x_j
-    const Two D = pair.b * x_i + x_j;
-    const Two h = (x_i + x_j) / D, h_i = (1.0 - pair.b * h) / D, h_j = (1.0 - h) / D;
-    q.first[pair.i] += pair.c * x_j * (h + x_i * h_i);
-    q.first[pair.j] += pair.c * x_i * (h + x_j * h_j);
-    if constexpr (with_second) {
-      const Two h_ii = -2.0 * pair.b * h_i / D, h_jj = -2.0 * h_j / D, h_ij = -(pair.b * h_j + h_i) / D;
-      q.second[pair.i][pair.i] += pair.c * x_j * (2.0 * h_i + x_i * h_ii);
-      q.second[pair.j][pair.j] += pair.c * x_i * (2.0 * h_j + x_j * h_jj);
-      const Two mixed = pair.c * (h + x_i * h_i + x_j * h_j + x_i * x_j * h_ij);
-      q.second[pair.i][pair.j] += mixed;
-      q.second[pair.j][pair.i] += mixed;
-    }
+    const SkewPart part(pair, x_i, x_j);
+    const Two h_ii = -2.0 * pair.b * part.h_i * part.inverse, h_jj = -2.0 * part.h_j * part.inverse,
+              h_ij = -(pair.b * part.h_j + part.h_i) * part.inverse;
+    q[pair.i][pair.i] += pair.c * x_j * (2.0 * part.h_i + x_i * h_ii);
+    q[pair.j][pair.j] += pair.c * x_i * (2.0 * part.h_j + x_j * h_jj);
+    q[std::max(pair.i, pair.j)][std::min(pair.i, pair.j)] +=
+        pair.c * (part.h + x_i * part.h_i + x_j * part.h_j + x_i * x_j * h_ij);
   }
 }
 
 template <bool with_slope>
-void calculate(const Mixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi,
+void calculate(const PhaseMixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi,
                PerPair* slope) noexcept {
   const Present present(mixture.x);
   const TermValues<with_slope> values(isotherm, rho);
@@ -188,9 +182,9 @@ void calculate(const Mixture& mixture, const Isotherm& isotherm, double rho, dou
   set_fluids(mixture, values, fluid);
   Departures departure;
   if (mixture.departs) set_departures(mixture, values, departure);
-  Reducing<with_slope> q;
-  set_reducing(mixture, present, q);
-  const helmholtz::Residual r = residual(mixture, isotherm, rho);
+  // At a root of the pressure d is known better from z than from the equation.
+  const double d = z - 1.0;
+  const double t = total_t(mixture, values, std::make_index_sequence<term_count / 2>{});
 
   // Reduced derivatives of delta and tau: (1/delta) d(delta)/dn_i and (1/tau) d(tau)/dn_i.
   const double inverse_v = 1.0 / mixture.v_r, inverse_T = 1.0 / mixture.T_r;
@@ -198,12 +192,14 @@ void calculate(const Mixture& mixture, const Isotherm& isotherm, double rho, dou
   const double ln_z = elementary::log(z);
   for (std::size_t a = 0; a < present.count; ++a) {
     const std::size_t i = present.index[a];
-    delta_i[i] = q.first[i][0] * inverse_v - 1.0;
-    tau_i[i] = q.first[i][1] * inverse_T - 2.0;
-    ln_phi[i] =
-        fluid[i].ar + (departure.component[i].ar - departure.all.ar) + r.d * delta_i[i] + r.t * tau_i[i] - ln_z;
+    delta_i[i] = mixture.reducing[i][0] * inverse_v - 1.0;
+    tau_i[i] = mixture.reducing[i][1] * inverse_T - 2.0;
+    ln_phi[i] = fluid[i].ar + (departure.component[i].ar - departure.all.ar) + d * delta_i[i] + t * tau_i[i] - ln_z;
   }
   if constexpr (with_slope) {
+    const helmholtz::Residual r = residual(mixture, isotherm, rho);
+    Curvature q;
+    set_curvature(mixture, present, q);
     PerComponent W_delta, W_tau, P;
     for (std::size_t a = 0; a < present.count; ++a) {
       const std::size_t i = present.index[a];
@@ -216,8 +212,9 @@ void calculate(const Mixture& mixture, const Isotherm& isotherm, double rho, dou
       const std::size_t i = present.index[a];
       for (std::size_t b = 0; b <= a; ++b) {
         const std::size_t j = present.index[b];
-        const double delta_ij = (q.second[i][j][0] - q.first[i][0] - q.first[j][0]) * inverse_v + 2.0;
-        const double tau_ij = (q.second[i][j][1] - 2.0 * (q.first[i][1] + q.first[j][1])) * inverse_T + 6.0;
+        const double delta_ij = (q[i][j][0] - mixture.reducing[i][0] - mixture.reducing[j][0]) * inverse_v + 2.0;
+        const double tau_ij =
+            (q[i][j][1] - 2.0 * (mixture.reducing[i][1] + mixture.reducing[j][1])) * inverse_T + 6.0;
         const double W_ij = 2.0 * departure.all.ar - departure.component[i].ar - departure.component[j].ar +
                             W_delta[i] * delta_i[j] + W_delta[j] * delta_i[i] + W_tau[i] * tau_i[j] +
                             W_tau[j] * tau_i[i] + r.dd * delta_i[i] * delta_i[j] +
@@ -237,10 +234,11 @@ void calculate(const Mixture& mixture, const Isotherm& isotherm, double rho, dou
 
 }  // namespace
 
-void fugacity(const Mixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi) noexcept {
+void fugacity(const PhaseMixture& mixture, const Isotherm& isotherm, double rho, double z,
+              PerComponent& ln_phi) noexcept {
   calculate<false>(mixture, isotherm, rho, z, ln_phi, nullptr);
 }
-void fugacity(const Mixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi,
+void fugacity(const PhaseMixture& mixture, const Isotherm& isotherm, double rho, double z, PerComponent& ln_phi,
               PerPair& slope) noexcept {
   calculate<true>(mixture, isotherm, rho, z, ln_phi, &slope);
 }

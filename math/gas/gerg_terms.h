@@ -251,6 +251,17 @@ struct SkewPair {
   Two c, b;
 };
 
+// Its factor h = (x_i + x_j)/(b x_i + x_j) with its derivatives to x_i and x_j.
+struct SkewPart {
+  Two inverse, h, h_i, h_j;
+
+  SkewPart(const SkewPair& pair, double x_i, double x_j) noexcept
+      : inverse(1.0 / (pair.b * x_i + x_j)),
+        h((x_i + x_j) * inverse),
+        h_i((1.0 - pair.b * h) * inverse),
+        h_j((1.0 - h) * inverse) {}
+};
+
 struct Coefficients {
   // Volume and temperature of the pairs with beta = 1, and twice the fluids' own on the diagonal: half of x'Mx adds
   // them up.

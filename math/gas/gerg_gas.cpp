@@ -1,0 +1,188 @@
+// GERG-2008, GERG-2004: a gas as it is given, checked, and its answers.
+
+#include <cmath>
+#include <cstring>
+
+#include "math/gas/gerg.h"
+#include "math/gas/gerg2004_table.h"
+
+namespace norvane::GERG2008 {
+
+// ---- The equation with its memory --------------------------------------------------------------------------------
+
+namespace {
+
+// Equal bits: a NaN equals itself, and 0 and -0 differ.
+template <class Value>
+bool same(const Value& a, const Value& b) noexcept {
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+}  // namespace
+
+CEquation::Root CEquation::density(Edition edition, const Composition& x, double T, double p, double& rho) noexcept {
+  if (!has_mixture_ || edition != mixture_.edition || !same(x, mixture_.x)) {
+    mixture_.set(edition, x);
+    has_mixture_ = true;
+    has_isotherm_ = has_density_ = has_state_ = false;
+  }
+  if (!has_isotherm_ || !same(T, isotherm_.T)) {
+    isotherm_.set(mixture_, T);
+    has_isotherm_ = true;
+    has_density_ = has_state_ = false;
+  }
+  if (!has_density_ || !same(p, p_)) {
+    p_ = p;
+    has_density_ = true;
+    has_state_ = false;
+    root_ = isotherm_.vapour_density(p, rho_)   ? Root::vapour
+            : isotherm_.liquid_density(p, rho_) ? Root::liquid
+                                                : Root::none;
+  }
+  rho = rho_;
+  return root_;
+}
+
+const helmholtz::State& CEquation::state() noexcept {
+  if (!has_state_) {
+    state_ = GERG2008::state(mixture_, isotherm_, rho_, Entropy::leave_out);
+    has_state_ = true;
+  }
+  return state_;
+}
+
+// ---- Checks ------------------------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr double zero_celsius = 273.15;  // [K]
+constexpr double R_joule = 1000.0 * R;   // [J/(mol K)]
+
+// Checked and in the equation's terms.
+struct Given {
+  Composition x;
+  double T;  // [K]
+};
+
+Outcome prepare(Edition edition, const Gas& gas, Given& given) noexcept {
+  const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, composition_error, given.x);
+  if (!prepared.good()) return prepared;
+  if (edition == Edition::gerg_2004) {
+    for (std::size_t component : edition_2004::absent)
+      if (given.x[component] > 0.0)
+        return blame(gas.composition, composition_error, u"holds $, which GERG-2004 does not have")
+            .naming(components[component].name);
+  }
+  constexpr double lowest_t = -250.0, highest_t = 450.0, highest_p = 200.0;
+  if (!(gas.temperature >= lowest_t && gas.temperature <= highest_t))
+    return blame(gas.temperature, argument_error, u"must be within % to %", lowest_t, highest_t);
+  if (!(gas.pressure >= 0.0 && gas.pressure <= highest_p))
+    return blame(gas.pressure, argument_error, u"must be within % to %", 0.0, highest_p);
+  if (!(gas.pressure > 0.0)) return blame(gas.pressure, calculation_error, u"must be above %", 0.0);
+  given.T = gas.temperature + zero_celsius;
+  return {};
+}
+
+constexpr const char16_t* no_density = u"the equation has no density at this pressure and temperature";
+
+// Range of the standard, in degC and MPa.
+int range(double t, double p) noexcept {
+  if (t >= -183.15 && t <= 176.85 && p <= 35.0) return 0;
+  return t >= -213.15 && t <= 426.85 && p <= 70.0 ? 1 : 2;
+}
+
+Outcome density(Edition edition, const Gas& gas, GasAnswer& answer, CEquation& equation) noexcept {
+  Given given;
+  const Outcome prepared = prepare(edition, gas, given);
+  if (!prepared.good()) return prepared;
+  double rho = 0.0;
+  const CEquation::Root root = equation.density(edition, given.x, given.T, gas.pressure, rho);
+  if (root == CEquation::Root::none) return failure(calculation_error, no_density);
+  answer.z = gas.pressure / (rho * equation.isotherm().RT);
+  answer.molar_density = rho;
+  answer.molar_mass = equation.mixture().molar_mass;
+  answer.mass_density = rho * answer.molar_mass;
+  answer.range = range(gas.temperature, gas.pressure);
+  if (!std::isfinite(answer.z) || !std::isfinite(rho)) return failure(calculation_error, no_density);
+  if (root == CEquation::Root::liquid)
+    return remark(u"there is no vapour at this pressure and temperature: this is the liquid");
+  return {};
+}
+
+Outcome gas_state(Edition edition, const Gas& gas, GasAnswer& answer, CEquation& equation) noexcept {
+  const Outcome outcome = density(edition, gas, answer, equation);
+  if (!outcome.good()) return outcome;
+  const helmholtz::State& state = equation.state();
+  answer.speed_of_sound = std::sqrt(state.M_w2 * 1000.0 / answer.molar_mass);
+  answer.kappa = helmholtz::kappa(R_joule, state);
+  if (!(state.cv > 0.0 && state.M_w2 > 0.0 && std::isfinite(answer.speed_of_sound) && std::isfinite(answer.kappa)))
+    return failure(calculation_error, u"there is no speed of sound at this pressure and temperature");
+  return outcome;
+}
+
+Outcome phases(Edition edition, const Gas& gas, FlashAnswer& answer, CFlash& memory) noexcept {
+  Given given;
+  const Outcome prepared = prepare(edition, gas, given);
+  if (!prepared.good()) return prepared;
+  if (!memory.known || !same(memory.x, given.x) || !same(memory.T, given.T) || !same(memory.p, gas.pressure)) {
+    memory.known = true;
+    memory.x = given.x;
+    memory.T = given.T;
+    memory.p = gas.pressure;
+    memory.result = flash(edition, given.x, given.T, gas.pressure, memory.equilibrium);
+  }
+  if (memory.result == FlashResult::no_density) return failure(calculation_error, no_density);
+  if (memory.result == FlashResult::not_converged)
+    return failure(no_convergence, u"the mixture splits, but its phases are not found");
+
+  const Equilibrium& found = memory.equilibrium;
+  const auto mass_density = [](const Phase& phase) { return phase.rho * phase.molar_mass; };
+  if (found.split) {
+    const double b = found.vapour_fraction;
+    const double molar_mass = b * found.vapour.molar_mass + (1.0 - b) * found.liquid.molar_mass;
+    answer.phase = 3;
+    answer.vapour_fraction = b;
+    answer.mass_density = molar_mass / (b / found.vapour.rho + (1.0 - b) / found.liquid.rho);
+    answer.vapour_z = found.vapour.z;
+    answer.vapour_density = mass_density(found.vapour);
+    answer.liquid_z = found.liquid.z;
+    answer.liquid_density = mass_density(found.liquid);
+  } else {
+    const bool liquid = found.vapour.liquid;
+    answer.phase = liquid ? 2 : 1;
+    answer.vapour_fraction = liquid ? 0.0 : 1.0;
+    answer.mass_density = mass_density(found.vapour);
+    (liquid ? answer.liquid_z : answer.vapour_z) = found.vapour.z;
+    (liquid ? answer.liquid_density : answer.vapour_density) = mass_density(found.vapour);
+  }
+  if (!std::isfinite(answer.mass_density)) return failure(calculation_error, no_density);
+  if (found.third)
+    return remark(u"a third phase would form beside these two, which have the least energy of all pairs");
+  if (found.untested)
+    return remark(u"the equation has no density for some phases that might form besides, such as very cold water");
+  if (found.split && found.vapour.liquid)
+    return remark(u"both phases are liquids; the lighter one is answered as the vapour");
+  return {};
+}
+
+}  // namespace
+
+// ---- The functions -----------------------------------------------------------------------------------------------
+
+Outcome gas_2008(const Gas& gas, GasAnswer& answer, CEquation& memory) noexcept {
+  return gas_state(Edition::gerg_2008, gas, answer, memory);
+}
+Outcome gas_2004(const Gas& gas, GasAnswer& answer, CEquation& memory) noexcept {
+  return gas_state(Edition::gerg_2004, gas, answer, memory);
+}
+Outcome density_2004(const Gas& gas, GasAnswer& answer, CEquation& memory) noexcept {
+  return density(Edition::gerg_2004, gas, answer, memory);
+}
+Outcome flash_2008(const Gas& gas, FlashAnswer& answer, CFlash& memory) noexcept {
+  return phases(Edition::gerg_2008, gas, answer, memory);
+}
+Outcome flash_2004(const Gas& gas, FlashAnswer& answer, CFlash& memory) noexcept {
+  return phases(Edition::gerg_2004, gas, answer, memory);
+}
+
+}  // namespace norvane::GERG2008
