@@ -306,27 +306,22 @@ State state3(const Isotherm3& isotherm, double rho) noexcept {
 // of the branch it stands for: then the pressure has one density only, and that one is the answer.
 bool density3(const Isotherm3& isotherm, double p, double T, Phase phase, double& rho) noexcept {
   const double target = kJ * p / (critical_density * isotherm.RT);
-  const bool single = T >= critical_temperature;
   // Above every root of the region, and where the isotherm still rises: a constant fails above 860 K.
   const double dense_start = (780.0 - 1.15 * (T - boundary13)) / critical_density;
   double delta = 0.0;
-  const auto find = [&](bool dense) {
-    return fluid::find_density(isotherm, target,
-                               {.side = dense ? fluid::Branch::dense : fluid::Branch::dilute,
-                                .start = dense ? dense_start : target,
-                                .limit = 1.0,
-                                .single = single,
-                                .zero_slope = n1},
+  const auto find = [&](fluid::Branch::Side side, double start) {
+    return fluid::find_density(isotherm, target, {.side = side, .start = start, .limit = 1.0, .zero_slope = n1},
                                delta);
   };
+  const auto liquid = [&] { return find(fluid::Branch::dense, dense_start); };
+  const auto steam = [&] { return find(fluid::Branch::dilute, target); };
   bool found;
-  if (single) {
-    found = find(target >= isotherm(1.0).value);
+  if (T >= critical_temperature) {
+    found = find(fluid::Branch::whole, target >= isotherm(1.0).value ? dense_start : target);
   } else if (phase == Phase::automatic) {
-    const bool dense = p >= saturation_pressure(T);
-    found = find(dense) || find(!dense);
+    found = p >= saturation_pressure(T) ? liquid() || steam() : steam() || liquid();
   } else {
-    found = find(phase == Phase::liquid);
+    found = phase == Phase::liquid ? liquid() : steam();
   }
   rho = delta * critical_density;
   return found;

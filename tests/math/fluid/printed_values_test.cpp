@@ -10,7 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "math/fluid/ethylene_iupac.h"
+#include "math/fluid/ethylene_nist1045.h"
 #include "math/fluid/iapws_if97.h"
+#include "math/fluid/nist_co2.h"
+#include "math/fluid/nist_ethylene_visc.h"
 
 namespace norvane::test {
 namespace {
@@ -71,18 +75,99 @@ Values water(const Row& row) {
           {"w", std::sqrt(x.w2)}};
 }
 
+// The equations of state of single fluids, with their densities in kg/m3 and states per kilogram.
+struct Fluid {
+  std::function<bool(double p, double T, double& rho)> density;
+  std::function<helmholtz::State(double T, double rho)> state;
+  double critical_density;
+};
+const std::map<std::string, Fluid> equations = {
+    {"CO2", {NIST_CO2::density, NIST_CO2::state, NIST_CO2::critical_density}},
+    {"ethylene IUPAC", {Ethylene_IUPAC::density, Ethylene_IUPAC::state, Ethylene_IUPAC::critical_density}},
+    {"ethylene TN1045",
+     {[](double p, double T, double& rho) {
+        return Ethylene_NIST1045::density(p, T, Ethylene_NIST1045::Phase::automatic, rho);
+      },
+      Ethylene_NIST1045::state, Ethylene_NIST1045::critical_density}}};
+
+// The pressure where the answer changes from gas to liquid, and both densities there.
+struct Saturation {
+  double p, gas, liquid;
+};
+Saturation saturation(const Fluid& fluid, double T) {
+  Saturation x{0.0, 0.0, 0.0};
+  double low = 1e-6, high = 8.0;
+  while (true) {
+    x.p = 0.5 * (low + high);
+    if (!(x.p > low && x.p < high)) return x;
+    double rho = 0.0;
+    EXPECT_TRUE(fluid.density(x.p, T, rho));
+    (rho < fluid.critical_density ? low : high) = x.p;
+    (rho < fluid.critical_density ? x.gas : x.liquid) = rho;
+  }
+}
+
+// `unit` is what the table's unit of density is in that of the equation; 1 where both are molar or both are not.
+Values single_fluid(const Row& row, double unit, double molar_mass) {
+  const Fluid& fluid = equations.at(row.fluid);
+  const double T = std::stod(row.T);
+  Values values;
+  const auto add = [&](double rho, double p, const std::string& phase) {
+    const helmholtz::State x = fluid.state(T, rho);
+    values["rho" + phase] = rho / unit;
+    values["h" + phase] = x.h * unit;
+    values["u" + phase] = x.h - 1000.0 * p / rho;
+    values["s" + phase] = x.s * unit;
+    values["cp" + phase] = x.cp * unit;
+    values["cv" + phase] = x.cv * unit;
+    values["w" + phase] = std::sqrt(1000.0 * x.M_w2 / molar_mass);
+    values["dpdrho" + phase] = x.dp_drho * 8.31434e-3 * T;
+  };
+  if (row.second == "p_MPa") {
+    const double p = std::stod(row.second_value);
+    double rho = 0.0;
+    EXPECT_TRUE(fluid.density(p, T, rho));
+    add(rho, p, "");
+  } else if (row.quantity == "B") {
+    values["B"] = Ethylene_IUPAC::second_virial(T) * unit * 1000.0;
+  } else {
+    const Saturation x = saturation(fluid, T);
+    values["p_sat"] = x.p;
+    add(x.liquid, x.p, "_liquid");
+    add(x.gas, x.p, "_vapour");
+  }
+  return values;
+}
+
+Values viscosity(const Row& row) {
+  using namespace NIST_Ethylene_Visc;
+  constexpr double microP = 1e-7;
+  const double T = std::stod(row.T);
+  if (row.second.empty()) return {{"eta_dilute", dilute_viscosity(T) / microP}};
+  Result result;
+  EXPECT_TRUE(calculate({std::stod(row.second_value), T}, result).good());
+  return {{"eta", result.viscosity / microP}};
+}
+
 TEST(PrintedValues, AreReproducedToTheLastDigit) {
-  const std::map<std::string, std::function<Values(const Row&)>> fluids = {{"water", water}};
-  std::map<std::string, int> count;
+  const std::map<std::string, std::function<Values(const Row&)>> fluids = {
+      {"water", water},
+      {"CO2", [](const Row& row) { return single_fluid(row, 1.0, 1.0); }},
+      {"ethylene IUPAC", [](const Row& row) { return single_fluid(row, Ethylene_IUPAC::molar_mass, 1.0); }},
+      {"ethylene TN1045", [](const Row& row) { return single_fluid(row, 1.0, Ethylene_NIST1045::molar_mass); }},
+      {"ethylene viscosity", viscosity}};
+  int count = 0;
   for (const Row& row : read_rows()) {
     SCOPED_TRACE(row.table + ", " + row.fluid + " " + row.quantity + " at " + row.T + " " + row.second_value);
+    ++count;
     ASSERT_TRUE(fluids.contains(row.fluid));
     const Values values = fluids.at(row.fluid)(row);
     ASSERT_TRUE(values.contains(row.quantity));
-    EXPECT_NEAR(values.at(row.quantity), std::stod(row.printed), half_unit(row.printed));
-    ++count[row.fluid];
+    // One enthalpy of Table B-1 is not what the equation gives with any of its constants.
+    const double units = row.note == "differs" ? 12.0 : 1.0;
+    EXPECT_NEAR(values.at(row.quantity), std::stod(row.printed), units * half_unit(row.printed));
   }
-  EXPECT_EQ(count, (std::map<std::string, int>{{"water", 98}}));
+  EXPECT_EQ(count, 307);
 }
 
 }  // namespace
