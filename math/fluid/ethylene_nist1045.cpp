@@ -175,6 +175,9 @@ bool find_density(const Isotherm& isotherm, double p, double T, Phase phase, dou
   return true;
 }
 
+// Densities further apart than this are two phases, nearer ones are one root found in two ways.
+constexpr double different_phases = 1e-6;
+
 }  // namespace
 
 helmholtz::State state(double T, double rho) noexcept {
@@ -204,15 +207,20 @@ Outcome calculate(const Arguments& in, Result& out) noexcept {
   out = {.z = kJ * p / (rho * R * T), .density = rho * molar_mass, .molar_density = rho, .range = Range::normal};
   if (!(rho > 0.0 && std::isfinite(rho) && out.z > 0.0 && std::isfinite(out.z)))
     return failure(calculation_error, u"the density is not a positive number");
+  const char16_t* text = u"";
   if (!(T >= triple_temperature && T <= highest_temperature && p <= highest_pressure)) {
     out.range = Range::outside;
-    return remark(u"the state lies outside the range of the equation");
-  }
-  if (std::fabs(T / critical_temperature - 1.0) <= 0.05 && std::fabs(rho / critical_density - 1.0) <= 0.3) {
+    text = u"the state lies outside the range of the equation";
+  } else if (std::fabs(T / critical_temperature - 1.0) <= 0.05 && std::fabs(rho / critical_density - 1.0) <= 0.3) {
     out.range = Range::critical;
-    return remark(u"near the critical point the density may be 10 % off");
+    text = u"near the critical point the density may be 10 % off";
   }
-  return {};
+  if (phase != Phase::automatic) {
+    double stable;
+    if (find_density(isotherm, p, T, Phase::automatic, stable) && std::fabs(stable / rho - 1.0) > different_phases)
+      text = u"the phase wanted is not the stable one at this state";
+  }
+  return remark(text);
 }
 
 }  // namespace norvane::Ethylene_NIST1045

@@ -376,7 +376,7 @@ Outcome deliver(const State& state, double p, int region, const char16_t* text, 
   out = {.density = 1.0 / state.v,
          .enthalpy = state.h,
          .entropy = state.s,
-         .isentropic_exponent = state.w2 / (kJ * p * state.v),
+         .isentropic_exponent = state.w2 / (kJ * kJ * p * state.v),
          .region = region};
   const bool state_of_matter = out.density > 0.0 && state.cv > 0.0 && state.cp > 0.0 && state.w2 > 0.0 &&
                                std::isfinite(out.density) && std::isfinite(out.enthalpy) &&

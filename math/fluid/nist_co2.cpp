@@ -75,20 +75,33 @@ struct Point {
   }
 };
 
-// A bell's factor f = n delta^d exp(-alpha x) and its derivatives to delta, over n, times delta and delta^2.
-struct Bell {
-  double v, d, dd;
+// Value, u times the first and u^2 times the second derivative to a variable u.
+struct Curve {
+  double v, first, second;
 };
-inline Bell bell_of(const Point& point, std::size_t exponent, double alpha, double e) noexcept {
-  const double d = static_cast<double>(exponent);
-  const double first = d - 2.0 * alpha * point.delta * (point.delta - 1.0);
-  const double v = point.powers[exponent] * e;
-  return {v, first * v, (first * first - d - 2.0 * alpha * point.powers[2]) * v};
+
+// delta^d exp(-alpha (delta - 1)^2), whose exponential is e.
+inline Curve bell_of(const Point& point, std::size_t exponent, double alpha, double e) noexcept {
+  const double d = static_cast<double>(exponent), v = point.powers[exponent] * e;
+  const double slope = d - 2.0 * alpha * point.delta * (point.delta - 1.0);  // of ln v, times delta
+  return {v, slope * v, (slope * slope - d - 2.0 * alpha * point.powers[2]) * v};
 }
 
-// Delta of the critical terms with one pair of a and B, and its derivatives.
+// The bells have three shapes along the density.
+constexpr std::size_t shapes = 3;
+using Bells = std::array<Curve, shapes>;
+inline Bells bells_of(const Point& point) noexcept {
+  return {bell_of(point, 2, 25.0, point.e25), bell_of(point, 3, 15.0, point.e15), bell_of(point, 3, 20.0, point.e20)};
+}
+constexpr std::size_t shape_of[] = {0, 0, 0, 1, 2};  // of the terms 35 to 39
+static_assert(gaussians[0].alpha == 25 && gaussians[1].alpha == 25 && gaussians[2].alpha == 25);
+static_assert(gaussians[3].alpha == 15 && gaussians[4].alpha == 20);
+static_assert(gaussians[0].d == 2 && gaussians[1].d == 2 && gaussians[2].d == 2);
+static_assert(gaussians[3].d == 3 && gaussians[4].d == 3);
+
+// Delta of the critical terms with one pair of a and B, and its derivatives; d Delta/d tau is -2 theta.
 struct Distance {
-  double v, d, dd, dt;  // to tau: d Delta/d tau = -2 theta
+  double v, d, dd, dt;
 };
 
 // What the critical terms share at a temperature and density.
@@ -121,52 +134,50 @@ struct CriticalPoint {
   const Distance& of(std::size_t k) const noexcept { return k < 2 ? narrow : wide; }
 };
 
+// A critical term, delta times its first and delta^2 times its second derivative to delta.
+struct CriticalTerm {
+  double v, d, dd;
+};
+
 struct Isotherm {
   double tau;
   Terms sums;
-  double bells[3];      // coefficients: delta^2 exp(-25 x), delta^3 exp(-15 x), delta^3 exp(-20 x)
-  double bells_t[3];    // their derivatives to tau, times tau
-  double bells_tt[3];   // tau^2
+  Bells height{};       // of each shape, along tau
   double Psi_exponent;  // D (tau - 1)^2
   double Psi;           // its exponential
 
   explicit Isotherm(double T) noexcept : tau(critical_temperature / T), sums(tau) {
+    constexpr std::size_t count = std::size(gaussians);
     std::array<double, 8> e{};
-    for (std::size_t k = 0; k < 5; ++k) {
+    for (std::size_t k = 0; k < count; ++k) {
       const double away = tau - gaussians[k].gamma;
       e[k] = -gaussians[k].beta * away * away;
     }
     static_assert(criticals[0].D == criticals[1].D && criticals[0].D == criticals[2].D);
     Psi_exponent = criticals[0].D * (tau - 1.0) * (tau - 1.0);
-    e[5] = -Psi_exponent;
+    e[count] = -Psi_exponent;
     fluid::exponentials(e);
-    Psi = e[5];
-    const double tau3 = tau * tau * tau;
-    const auto coefficient = [&](std::size_t k, double v, double t) {
-      const double first = t - 2.0 * gaussians[k].beta * tau * (tau - gaussians[k].gamma);
-      const double value = gaussians[k].n * v * e[k];
-      return Bell{value, first * value, (first * first - t - 2.0 * gaussians[k].beta * tau * tau) * value};
-    };
-    const Bell a[] = {coefficient(0, tau, 1.0), coefficient(1, 1.0, 0.0), coefficient(2, tau, 1.0),
-                      coefficient(3, tau3, 3.0), coefficient(4, tau3, 3.0)};
-    const auto sum = [&](double Bell::*which, double(&to)[3]) {
-      to[0] = a[0].*which + a[1].*which + a[2].*which;
-      to[1] = a[3].*which;
-      to[2] = a[4].*which;
-    };
-    sum(&Bell::v, bells);
-    sum(&Bell::d, bells_t);
-    sum(&Bell::dd, bells_tt);
+    Psi = e[count];
+    const double power[] = {1.0, tau, tau * tau, tau * tau * tau};
+    for (std::size_t k = 0; k < count; ++k) {
+      const Gaussian& term = gaussians[k];
+      const double v = term.n * power[term.t] * e[k];
+      const double slope = term.t - 2.0 * term.beta * tau * (tau - term.gamma);  // of ln v, times tau
+      Curve& sum = height[shape_of[k]];
+      sum.v += v;
+      sum.first += slope * v;
+      sum.second += (slope * slope - term.t - 2.0 * term.beta * tau * tau) * v;
+    }
   }
 
   // p/(rho_c R T) and its derivative to delta.
   fluid::Pressure operator()(double d) const noexcept {
     const Point point(d, Psi_exponent);
     fluid::Slopes s = sums.slopes(point.powers, point.e);
-    const Bell b[] = {bell_25(point), bell_15(point), bell_20(point)};
-    for (std::size_t k = 0; k < 3; ++k) {
-      s.d += bells[k] * b[k].d;
-      s.dd += bells[k] * b[k].dd;
+    const Bells bells = bells_of(point);
+    for (std::size_t k = 0; k < shapes; ++k) {
+      s.d += height[k].v * bells[k].first;
+      s.dd += height[k].v * bells[k].second;
     }
     if (point.critical) {
       const CriticalPoint c(tau, point);
@@ -185,8 +196,8 @@ struct Isotherm {
   double gibbs(double d) const noexcept {
     const Point point(d, Psi_exponent);
     double ar = sums.value(point.powers, point.e);
-    const double e[] = {point.powers[2] * point.e25, point.powers[3] * point.e15, point.powers[3] * point.e20};
-    for (std::size_t k = 0; k < 3; ++k) ar += bells[k] * e[k];
+    const Bells bells = bells_of(point);
+    for (std::size_t k = 0; k < shapes; ++k) ar += height[k].v * bells[k].v;
     if (point.critical) {
       const CriticalPoint c(tau, point);
       for (std::size_t k = 0; k < 3; ++k) ar += critical_term(c, point, k).v;
@@ -197,59 +208,48 @@ struct Isotherm {
   helmholtz::Residual residual(double d) const noexcept {
     const Point point(d, Psi_exponent);
     helmholtz::Residual sum = sums.residual(point.powers, point.e);
-    const Bell b[] = {bell_25(point), bell_15(point), bell_20(point)};
-    for (std::size_t k = 0; k < 3; ++k) {
-      sum.ar += bells[k] * b[k].v;
-      sum.d += bells[k] * b[k].d;
-      sum.dd += bells[k] * b[k].dd;
-      sum.t += bells_t[k] * b[k].v;
-      sum.tt += bells_tt[k] * b[k].v;
-      sum.dt += bells_t[k] * b[k].d;
+    const Bells bells = bells_of(point);
+    for (std::size_t k = 0; k < shapes; ++k) {
+      sum.ar += height[k].v * bells[k].v;
+      sum.d += height[k].v * bells[k].first;
+      sum.dd += height[k].v * bells[k].second;
+      sum.t += height[k].first * bells[k].v;
+      sum.tt += height[k].second * bells[k].v;
+      sum.dt += height[k].first * bells[k].first;
     }
-    if (point.critical) {
-      const CriticalPoint c(tau, point);
-      for (std::size_t k = 0; k < 3; ++k) {
-        const CriticalTerm term = critical_term(c, point, k);
-        sum.ar += term.v;
-        sum.d += term.d;
-        sum.dd += term.dd;
-        // Along tau
-        const double b_ = criticals[k].b, D = criticals[k].D;
-        const Distance& distance = c.of(k);
-        const double inverse = 1.0 / distance.v;
-        const double Dt = -2.0 * c.theta * inverse;                                    // of ln Delta
-        const double Ft = b_ * Dt, Ftt = b_ * (2.0 * inverse + (b_ - 1.0) * Dt * Dt);  // over F
-        const double Pt = -2.0 * D * (tau - 1.0), Ptt = Pt * Pt - 2.0 * D;             // over Psi
-        const double Fd = b_ * distance.d * inverse, Pd = term.psi_d;
-        const double Fdt = b_ * (distance.dt * inverse + (b_ - 1.0) * distance.d * inverse * Dt);
-        sum.t += tau * term.v * (Ft + Pt);
-        sum.tt += tau * tau * term.v * (Ftt + 2.0 * Ft * Pt + Ptt);
-        sum.dt += tau * term.v * ((Pt + Ft) * (1.0 + d * Pd) + d * (Fd * Pt + Fdt));
-      }
+    if (!point.critical) return sum;
+    const CriticalPoint c(tau, point);
+    for (std::size_t k = 0; k < 3; ++k) {
+      const CriticalTerm term = critical_term(c, point, k);
+      sum.ar += term.v;
+      sum.d += term.d;
+      sum.dd += term.dd;
+      // Derivatives of F = Delta^b over F and of Psi over Psi.
+      const double b = criticals[k].b, C = criticals[k].C, D = criticals[k].D;
+      const Distance& distance = c.of(k);
+      const double inverse = 1.0 / distance.v;
+      const double ln_t = -2.0 * c.theta * inverse, ln_d = distance.d * inverse;  // of ln Delta
+      const double F_t = b * ln_t, F_tt = b * (2.0 * inverse + (b - 1.0) * ln_t * ln_t);
+      const double F_d = b * ln_d, F_dt = b * (distance.dt * inverse + (b - 1.0) * ln_d * ln_t);
+      const double Psi_t = -2.0 * D * (tau - 1.0), Psi_tt = Psi_t * Psi_t - 2.0 * D;
+      const double Psi_d = -2.0 * C * point.offset;
+      sum.t += tau * term.v * (F_t + Psi_t);
+      sum.tt += tau * tau * term.v * (F_tt + 2.0 * F_t * Psi_t + Psi_tt);
+      sum.dt += tau * term.v * ((Psi_t + F_t) * (1.0 + d * Psi_d) + d * (F_d * Psi_t + F_dt));
     }
     return sum;
   }
 
  private:
-  static Bell bell_25(const Point& p) noexcept { return bell_of(p, 2, 25.0, p.e25); }
-  static Bell bell_15(const Point& p) noexcept { return bell_of(p, 3, 15.0, p.e15); }
-  static Bell bell_20(const Point& p) noexcept { return bell_of(p, 3, 20.0, p.e20); }
-
-  // A critical term, delta times its first and delta^2 times its second derivative to delta.
-  struct CriticalTerm {
-    double v, d, dd;
-    double psi_d;  // dPsi/d delta over Psi
-  };
   CriticalTerm critical_term(const CriticalPoint& c, const Point& point, std::size_t k) const noexcept {
     const Critical& t = criticals[k];
     const Distance& distance = c.of(k);
-    const double inverse = 1.0 / distance.v;
-    const double ratio = distance.d * inverse;
-    const double Fd = t.b * ratio, Fdd = t.b * (distance.dd * inverse + (t.b - 1.0) * ratio * ratio);  // over F
-    const double Pd = -2.0 * t.C * point.offset, Pdd = Pd * Pd - 2.0 * t.C;                            // over Psi
-    const double v = t.n * c.F[k] * point.delta * Psi * (k < 2 ? point.e10 : point.e12);
-    const double d = point.delta;
-    return {v, v * (1.0 + d * (Pd + Fd)), v * d * (2.0 * (Pd + Fd) + d * (Pdd + 2.0 * Fd * Pd + Fdd)), Pd};
+    const double inverse = 1.0 / distance.v, ln_d = distance.d * inverse, d = point.delta;
+    const double F_d = t.b * ln_d, F_dd = t.b * (distance.dd * inverse + (t.b - 1.0) * ln_d * ln_d);  // over F
+    const double Psi_d = -2.0 * t.C * point.offset, Psi_dd = Psi_d * Psi_d - 2.0 * t.C;               // over Psi
+    const double v = t.n * c.F[k] * d * Psi * (k < 2 ? point.e10 : point.e12);
+    return {v, v * (1.0 + d * (Psi_d + F_d)),
+            v * d * (2.0 * (Psi_d + F_d) + d * (Psi_dd + 2.0 * F_d * Psi_d + F_dd))};
   }
 };
 

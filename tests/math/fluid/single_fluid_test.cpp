@@ -159,32 +159,6 @@ TEST(SingleFluid, ThinGasIsIdeal) {
 
 // ---- The functions ------------------------------------------------------------------------------------------------
 
-TEST(NIST_CO2, RangeEndsAtTheTriplePointTheMeltingLineAndTheLimits) {
-  using namespace NIST_CO2;
-  const struct {
-    double p, T;
-    Range range;
-  } cases[] = {{0.3, 216.592, Range::normal},
-               {0.1, 216.59, Range::outside},
-               {1.0, 1100.0, Range::normal},
-               {1.0, 1100.1, Range::outside},
-               {800.0, 330.0, Range::normal},
-               {800.1, 330.0, Range::outside},
-               {100.0, 240.0, Range::normal},
-               {100.0, 225.0, Range::outside},
-               {0.5, 216.6, Range::normal},
-               {melting_pressure(250.0) * 0.999, 250.0, Range::normal},
-               {melting_pressure(250.0) * 1.001, 250.0, Range::outside}};
-  for (const auto& c : cases) {
-    Result x;
-    const Outcome outcome = calculate({c.p, c.T}, x);
-    EXPECT_TRUE(outcome.good());
-    EXPECT_EQ(x.range, c.range) << c.p << " " << c.T;
-    EXPECT_EQ(outcome.text[0] != u'\0', c.range == Range::outside) << c.p << " " << c.T;
-  }
-  EXPECT_NEAR(melting_pressure(216.592), 0.51795, 1e-12);
-}
-
 TEST(Ethylene_NIST1045, APhaseCanBeContinuedToItsEnd) {
   using namespace Ethylene_NIST1045;
   const auto run = [](double p, double T, Phase phase) {
@@ -200,6 +174,9 @@ TEST(Ethylene_NIST1045, APhaseCanBeContinuedToItsEnd) {
   // Beyond its end there is no such phase, whatever roots the loop has there.
   for (double p = 1.3; p < 40.0; p *= 1.01) EXPECT_EQ(run(p, 200.0, Phase::gas), -no_convergence) << p;
   for (double p = 2.9; p > 1e-6; p *= 0.9) EXPECT_EQ(run(p, 270.0, Phase::liquid), -no_convergence) << p;
+  Result x;
+  EXPECT_NE(calculate({0.5, 200.0, Phase::gas}, x).text[0], u'\0');
+  EXPECT_EQ(calculate({0.4, 200.0, Phase::gas}, x).text[0], u'\0');
   // Nothing to choose above the critical temperature.
   EXPECT_EQ(run(5.0, 290.0, Phase::gas), run(5.0, 290.0, Phase::automatic));
   EXPECT_EQ(run(9.0, 290.0, Phase::gas), run(9.0, 290.0, Phase::automatic));
@@ -207,33 +184,9 @@ TEST(Ethylene_NIST1045, APhaseCanBeContinuedToItsEnd) {
   EXPECT_EQ(run(38.0, 104.0, Phase::automatic), -no_convergence);
 }
 
-TEST(Ethylene_NIST1045, RangeHasABoxAroundTheCriticalPoint) {
-  using namespace Ethylene_NIST1045;
-  const struct {
-    double p, T;
-    Range range;
-  } cases[] = {{5.1, 283.0, Range::critical}, {5.1, 296.5, Range::normal},  {7.0, 285.0, Range::normal},
-               {4.5, 282.0, Range::normal},   {40.0, 450.0, Range::normal}, {40.1, 300.0, Range::outside},
-               {1.0, 450.1, Range::outside},  {1.0, 103.9, Range::outside}, {1.0, 104.0, Range::normal},
-               {7.0, 296.0, Range::critical}};
-  for (const auto& c : cases) {
-    Result x;
-    const Outcome outcome = calculate({c.p, c.T}, x);
-    EXPECT_TRUE(outcome.good());
-    EXPECT_EQ(x.range, c.range) << c.p << " " << c.T << " " << x.molar_density;
-    EXPECT_NEAR(x.density, x.molar_density * molar_mass, 1e-12 * x.density);
-    EXPECT_NEAR(x.z * x.molar_density * R * c.T, 1000.0 * c.p, 1e-9);
-  }
-}
-
 TEST(NIST_Ethylene_Visc, ThinGasHasTheDiluteViscosity) {
   using namespace NIST_Ethylene_Visc;
   for (double T : {110.0, 300.0, 500.0}) EXPECT_NEAR(viscosity(T, 1e-200) / dilute_viscosity(T), 1.0, 1e-12);
-  Result x;
-  ASSERT_TRUE(calculate({0.1, 109.9}, x).good());
-  EXPECT_EQ(x.range, Range::outside);
-  ASSERT_TRUE(calculate({50.0, 500.0}, x).good());
-  EXPECT_EQ(x.range, Range::normal);
 }
 
 template <class Calculate, class Arguments>
