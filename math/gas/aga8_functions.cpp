@@ -20,12 +20,6 @@ using record::output;
 constexpr record::StatusValue range_statuses[] = {{2.0, u"OOR", u"component out of range"}};
 constexpr record::Option editions[] = {{1, u"1994"}, {2, u"2017"}};
 
-constexpr record::Conversion psi_to_MPa{[](double psi) noexcept { return psi * 0.0689476 / 10.0; },
-                                        [](double MPa) noexcept { return MPa * 10.0 / 0.0689476; }};
-// lb/ft3 in kg/m3, and lbmol/ft3 in kmol/m3.
-constexpr record::Conversion lb_ft3_to_kg_m3{[](double density) noexcept { return density * 16.01846337; },
-                                             [](double density) noexcept { return density / 16.01846337; }};
-
 // clang-format off
 constexpr record::Input composition = in<&Gas::composition>(record::composition_input());
 constexpr record::Input neo_pentane = in<&Gas::neo_pentane>(record::neo_pentane_input().unless(Misfit::refuse));
@@ -41,7 +35,7 @@ constexpr record::Input inputs_metric[] = {
 };
 constexpr record::Input inputs_customary[] = {
     record::name_input(),
-    in<&Gas::pressure>(input(u"pressure", u"Pressure", u"Observed pressure.", unit::psia).within(0, 40000).otherwise(14.696).through(psi_to_MPa)),
+    in<&Gas::pressure>(input(u"pressure", u"Pressure", u"Observed pressure.", unit::psia).within(0, 40000).otherwise(14.696).through(conversion::psi_to_MPa)),
     in<&Gas::temperature>(input(u"temperature", u"Temperature", u"Observed temperature.", unit::degF).within(-250, 800).otherwise(60).through(conversion::degF_to_degC)),
     composition,
     neo_pentane,
@@ -64,7 +58,8 @@ constexpr std::array<record::Output, 6> outputs(std::uint32_t mass_density, std:
 // clang-format on
 
 constexpr auto outputs_metric = outputs(unit::kg_m3, unit::kmol_m3, unit::kg_kmol, nullptr);
-constexpr auto outputs_customary = outputs(unit::lb_ft3, unit::lbmol_ft3, unit::lb_lbmol, &lb_ft3_to_kg_m3);
+constexpr auto outputs_customary =
+    outputs(unit::lb_ft3, unit::lbmol_ft3, unit::lb_lbmol, &conversion::lb_ft3_to_kg_m3);
 
 constexpr std::u16string_view notes =
     u"Standard: AGA Report No. 8, Compressibility Factors of Natural Gas and Other Related Hydrocarbon Gases, "
