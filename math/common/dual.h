@@ -6,6 +6,8 @@
 // The value goes through the operations that a plain double would go through and has the same bits.
 #pragma once
 
+#include <array>
+
 #include "core/elementary.h"
 
 namespace norvane {
@@ -44,6 +46,14 @@ inline Dual exponential(Dual a) noexcept {
 inline double exponential(double a) noexcept { return elementary::exp(a); }
 inline Dual logarithm(Dual a) noexcept { return {elementary::log(a.value), a.slope / a.value}; }
 inline double logarithm(double a) noexcept { return elementary::log(a); }
+
+// Four at once.
+inline std::array<double, 4> exponentials(const std::array<double, 4>& x) noexcept { return elementary::exp4(x); }
+inline std::array<Dual, 4> exponentials(const std::array<Dual, 4>& x) noexcept {
+  const std::array<double, 4> e = elementary::exp4({x[0].value, x[1].value, x[2].value, x[3].value});
+  return {Dual{e[0], e[0] * x[0].slope}, Dual{e[1], e[1] * x[1].slope}, Dual{e[2], e[2] * x[2].slope},
+          Dual{e[3], e[3] * x[3].slope}};
+}
 
 constexpr double value_of(Dual a) { return a.value; }
 constexpr double value_of(double a) { return a; }

@@ -26,7 +26,7 @@ constexpr std::array<record::Input, 3> inputs_of(const Units& units, const Quant
       in<&Observation::temperature>(liquid::temperature_input(units)),
   };
 }
-constexpr auto table5_inputs = inputs_of(customary, gravity, -20, 120, 30);
+constexpr auto table5_inputs = inputs_of(customary, gravity, -20, 180, 30);
 constexpr auto table6_inputs = inputs_of(customary, gravity_60, -20, 120, 30);
 constexpr auto table23_inputs = inputs_of(customary, liquid::relative, 0, 1.3, 0.9);
 constexpr auto table24_inputs = inputs_of(customary, liquid::relative_60, 0, 1.3, 0.9);

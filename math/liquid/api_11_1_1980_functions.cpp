@@ -32,7 +32,7 @@ constexpr std::array<record::Input, 6> observed_inputs(const Units& units, const
       in<&Observation::rounding>(rounding_input()),
   };
 }
-constexpr auto table5_inputs = observed_inputs(customary, gravity, -20, 120, 30);
+constexpr auto table5_inputs = observed_inputs(customary, gravity, -20, 180, 30);
 constexpr auto table23_inputs = observed_inputs(customary, relative, 0, 1.3, 0.9);
 constexpr auto table53_inputs = observed_inputs(metric, liquid::density, 0, 1300, 850);
 

@@ -32,12 +32,6 @@ constexpr double b_tg2 = 2.2112678e-6;   // B2
 constexpr double b_g = 0.00088384;       // B3
 constexpr double b_g2 = -0.00204016;     // B4
 
-// Above 0.96 of the critical temperature by the chapter's own equation.
-bool near_critical(double g, double degF) {
-  const double critical = 621.418 + (-822.686 + 1737.86 * g) * g;  // degR
-  return degR_of_degF(degF) > 0.96 * critical + limit_tolerance;
-}
-
 Outcome factor_psi(double g, double degF, double d, Compressed& out) {
   const double inverse = Correlation(degF).inverse_compressibility(g, d > 0.0 ? d : 0.0);
   out.f = 1.0 / inverse;
@@ -56,6 +50,11 @@ Correlation::Correlation(double degF) noexcept {
   b0_ = 1e5 * b_t2 * t * t;
   b1_ = 1e5 * b_g;
   b2_ = 1e5 * (b_g2 + b_tg2 * t);
+}
+
+bool near_critical(double g, double degF) noexcept {
+  const double critical = 621.418 + (-822.686 + 1737.86 * g) * g;  // degR
+  return degR_of_degF(degF) > 0.96 * critical + limit_tolerance;
 }
 
 bool out_of_range(double g, double degF) noexcept {

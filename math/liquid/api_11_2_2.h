@@ -31,6 +31,7 @@ class Correlation {
 
 // Outside 0.350 to 0.637, -50 to 140 degF or above 0.96 of the critical temperature of the chapter.
 bool out_of_range(double g, double degF) noexcept;
+bool near_critical(double g, double degF) noexcept;  // above 0.96 of that
 
 // Relative density at 60 degF, degF, psi gauge: CPL and F in 1/psi. Below the equilibrium pressure CPL is 1 and F that
 // of the equilibrium pressure.

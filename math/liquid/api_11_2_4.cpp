@@ -2,10 +2,15 @@
 //
 //   G, Gx   relative density at 60 degF and at the observed temperature [-]     Tx    observed temperature [K]
 //   delta   share of the second reference fluid [-]                             Tc    critical temperature [K]
-//   tau     1 - Tx/Tc [-]                 h = Zc1 rhoc1/(Zc2 rhoc2) [-]          CTL   X(Tx)/X(60 degF) [-]
-//   X       density at saturation, of the mixture in terms of the first fluid [mol/l]
+//   tau     1 - Tx/Tc [-]                                                       CTL   X(Tx)/X(60 degF) [-]
+//   X       density of the mixture at saturation, by that of the reference fluids at the same tau:
+//           rho1/(1 + delta (rho1/(h rho2) - 1)), h = Zc1 rhoc1/(Zc2 rhoc2)
+//   rho     density of a reference fluid at saturation:
+//           rhoc (1 + (k1 tau^0.35 + k3 tau^2 + k4 tau^3)/(1 + k2 tau^0.65))
 #include "math/liquid/api_11_2_4.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
@@ -19,6 +24,14 @@ using namespace liquid;
 
 namespace {
 
+// Reference fluids, in the order of their relative densities.
+struct Fluid {
+  double g;     // relative density 60/60 degF [-]
+  double tc;    // critical temperature [K]
+  double zc;    // critical compressibility factor [-]
+  double rhoc;  // critical density [mol/l]
+  double k1, k2, k3, k4;
+};
 // clang-format off
 constexpr Fluid fluids[] = {
     // G        Tc      Zc       rhoc   k1             k2               k3               k4
@@ -39,50 +52,56 @@ constexpr Fluid fluids[] = {
 constexpr std::size_t fluid_count = std::size(fluids);
 static_assert(fluid_count == 12 && fluids[0].g == lightest && fluids[fluid_count - 1].g == heaviest);
 
-// Saturation density of a reference fluid; powers of tau as they are the same for both of a pair.
+// A density at saturation is a fraction, X of two of them another. Carried as fractions they cost one division in all:
+//   rho = rhoc N/D, X = rhoc1 N1 N2/((1 - delta) N2 D1 + delta Zc2/Zc1 N1 D2)
 template <class Number>
-struct Powers {
-  Number p35, p65, p2, p3;
+struct Fraction {
+  Number over, under;
 };
 template <class Number>
-Number saturation_density(const Fluid& fluid, const Powers<Number>& tau) {
-  return fluid.rhoc *
-         (1.0 + (fluid.k1 * tau.p35 + fluid.k3 * tau.p2 + fluid.k4 * tau.p3) / (1.0 + fluid.k2 * tau.p65));
+struct Powers {
+  Number p35, p65, p2, p3;  // of tau
+};
+template <class Number>
+Fraction<Number> saturation(const Fluid& fluid, const Powers<Number>& tau) {
+  const Number under = 1.0 + fluid.k2 * tau.p65;
+  return {under + (fluid.k1 * tau.p35 + fluid.k3 * tau.p2 + fluid.k4 * tau.p3), under};
 }
+// X/rhoc1.
+template <class Number>
+Fraction<Number> mixture(const Fluid* pair, Number delta, const Powers<Number>& tau) {
+  const Fraction<Number> rho1 = saturation(pair[0], tau), rho2 = saturation(pair[1], tau);
+  return {rho1.over * rho2.over,
+          (1.0 - delta) * (rho2.over * rho1.under) + (delta * (pair[1].zc / pair[0].zc)) * (rho1.over * rho2.under)};
+}
+
+constexpr double kelvin_60F = kelvin_of_degF(60.0);
 
 }  // namespace
 
 template <class Number>
-Mixture<Number>::Mixture(Number g) noexcept {
+Number ctl_from_60F(Number g, double kelvin) noexcept {
   // The second fluid is the first that is not lighter than the liquid.
   std::size_t second = 1;
   while (second + 1 < fluid_count && fluids[second].g < value_of(g)) ++second;
-  const Fluid& a = fluids[second - 1];
-  const Fluid& b = fluids[second];
-  first_ = &a;
-  h_ = a.zc * a.rhoc / (b.zc * b.rhoc);
-  delta_ = (g - a.g) / (b.g - a.g);
-  tc_ = a.tc + delta_ * (b.tc - a.tc);
-}
-
-template <class Number>
-Number Mixture<Number>::saturation(double kelvin) const noexcept {
-  const Number tau = 1.0 - kelvin / tc_;
+  const Fluid* pair = &fluids[second - 1];
+  const Number delta = (g - pair[0].g) / (pair[1].g - pair[0].g);
+  const Number reciprocal_tc = 1.0 / (pair[0].tc + delta * (pair[1].tc - pair[0].tc));
+  const Number tau = 1.0 - kelvin * reciprocal_tc, tau_60 = 1.0 - kelvin_60F * reciprocal_tc;
   if (!(value_of(tau) >= 0.0)) return Number{std::numeric_limits<double>::quiet_NaN()};
-  Powers<Number> powers{};
-  if (value_of(tau) > 0.0) {
-    powers.p35 = exponential(0.35 * logarithm(tau));
-    powers.p65 = tau / powers.p35;
-    powers.p2 = tau * tau;
-    powers.p3 = powers.p2 * tau;
-  }
-  const Number rho1 = saturation_density(first_[0], powers);
-  const Number rho2 = saturation_density(first_[1], powers);
-  return rho1 / (1.0 + delta_ * (rho1 / (h_ * rho2) - 1.0));
-}
 
-template class Mixture<double>;
-template class Mixture<Dual>;
+  const Number log_60 = logarithm(tau_60);
+  // At the critical temperature itself every power of tau is 0.
+  const Number log_tau = value_of(tau) > 0.0 ? logarithm(tau) : Number{-std::numeric_limits<double>::infinity()};
+  const std::array<Number, 4> powers =
+      exponentials(std::array<Number, 4>{0.35 * log_tau, 0.65 * log_tau, 0.35 * log_60, 0.65 * log_60});
+  const Number square = tau * tau, square_60 = tau_60 * tau_60;
+  const Fraction<Number> x = mixture<Number>(pair, delta, {powers[0], powers[1], square, square * tau});
+  const Fraction<Number> x_60 = mixture<Number>(pair, delta, {powers[2], powers[3], square_60, square_60 * tau_60});
+  return (x.over * x_60.under) / (x.under * x_60.over);
+}
+template double ctl_from_60F(double g, double kelvin) noexcept;
+template Dual ctl_from_60F(Dual g, double kelvin) noexcept;
 
 double lightest_liquid(double kelvin) noexcept {
   if (kelvin <= fluids[0].tc) return lightest;
@@ -94,12 +113,23 @@ double lightest_liquid(double kelvin) noexcept {
   return std::numeric_limits<double>::infinity();
 }
 
+double guess(double observed, double degF) noexcept {
+  const double dt = degF - base_60F;
+  double g = std::clamp(observed, 0.35, heaviest);
+  for (int round = 0; round < 2; ++round) {
+    const double x = (5.46e-4 / (g - 0.2565) - 5.76e-4) * dt;
+    const double ctl = 1.0 - x - (0.57 + 1.82 * x) * x * x;
+    g = std::clamp(observed / std::max(ctl, 0.5), 0.35, heaviest);
+  }
+  return g;
+}
+
 Solution relative_density_60(double observed, double degF, double& g) noexcept {
   const double kelvin = kelvin_of_degF(degF);
   const double edges[] = {lightest_liquid(kelvin), heaviest};
   if (!(edges[0] < heaviest)) return {Search::none};
-  g = observed;
-  return solve_rising([&](std::size_t, Dual u) { return u * Mixture<Dual>(u).ctl(kelvin); }, edges, observed, g);
+  g = guess(observed, degF);
+  return solve_rising([&](std::size_t, Dual u) { return u * ctl_from_60F(u, kelvin); }, edges, observed, g);
 }
 
 bool out_of_range(double g, double degF) noexcept {
@@ -113,12 +143,15 @@ Outcome check_60F(const double& g) noexcept {
 }
 
 Outcome correct(double g, Base base, double degF, const double& temperature, Correction& out) noexcept {
-  const Mixture<double> liquid(g);
-  out.ctl = liquid.ctl(kelvin_of_degF(degF));
+  return correct(g, ctl_from_60F(g, kelvin_of_degF(degF)), base, degF, temperature, out);
+}
+Outcome correct(double g, double ctl_60, Base base, double degF, const double& temperature,
+                Correction& out) noexcept {
+  out.ctl = ctl_60;
   out.base_density = g;
   out.out_of_range = out_of_range(g, degF);
   if (base != Base::degF60) {
-    const double ctl_base = liquid.ctl(kelvin_of_degF(base_degF(base)));
+    const double ctl_base = ctl_from_60F(g, kelvin_of_degF(base_degF(base)));
     out.base_density = water_2004.density_of_relative(g * ctl_base);
     out.ctl /= ctl_base;
   }
@@ -178,7 +211,7 @@ Outcome to_base(const Observation& given, Base base, Correction& out) {
   double g;
   const Solution solution = relative_density_60(observed, degF, g);
   if (!solution.found()) return outcome_of(solution, given.density, unit_of(base));
-  Outcome outcome = correct(g, base, degF, given.temperature, out);
+  Outcome outcome = correct(g, observed / g, base, degF, given.temperature, out);
   const bool beyond = out.out_of_range || out_of_range_observed(observed);
   if (outcome.good() && o.rounding) {
     // As with the printed tables: the factor is looked up with the density that was found.

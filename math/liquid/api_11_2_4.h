@@ -13,15 +13,6 @@
 
 namespace norvane::API_11_2_4 {
 
-// Reference fluids, in the order of their relative densities.
-struct Fluid {
-  double g;     // relative density 60/60 degF [-]
-  double tc;    // critical temperature [K]
-  double zc;    // critical compressibility factor [-]
-  double rhoc;  // critical density [mol/l]
-  double k1, k2, k3, k4;
-};
-
 // The relative densities that lie between two of the fluids; beyond them the tables have no answer.
 inline constexpr double lightest = 0.325022, heaviest = 0.688039;
 
@@ -34,31 +25,19 @@ constexpr double base_degF(Base base) {
                                 : liquid::base_20C_in_degF;
 }
 
-// A liquid between two reference fluids. g: relative density at 60 degF, from lightest to heaviest.
+// The factor from 60 degF of a liquid with this relative density at 60 degF, from lightest to heaviest; NaN above its
+// critical temperature.
 template <class Number>
-class Mixture {
- public:
-  explicit Mixture(Number g) noexcept;
-
-  Number critical_temperature() const noexcept { return tc_; }  // K
-  // Density at saturation over that at the critical point of the lighter fluid, NaN above the critical temperature.
-  Number saturation(double kelvin) const noexcept;
-  // The factor from 60 degF.
-  Number ctl(double kelvin) const noexcept { return saturation(kelvin) / saturation(kelvin_of_degF(60.0)); }
-
- private:
-  const Fluid* first_;
-  double h_;      // Zc1 rhoc1/(Zc2 rhoc2)
-  Number delta_;  // share of the second fluid
-  Number tc_;
-};
-extern template class Mixture<double>;
-extern template class Mixture<Dual>;
+Number ctl_from_60F(Number g, double kelvin) noexcept;
+extern template double ctl_from_60F(double g, double kelvin) noexcept;
+extern template Dual ctl_from_60F(Dual g, double kelvin) noexcept;
 
 // The lightest relative density at 60 degF that is a liquid at this temperature; above `heaviest` when none is.
 double lightest_liquid(double kelvin) noexcept;
 
-// The relative density at 60 degF of an observed one.
+// The relative density at 60 degF of an observed one, by a fit to the tables: within 0.3 % below 100 degF from 0.4 up.
+double guess(double observed, double degF) noexcept;
+// The same as the tables have it.
 liquid::Solution relative_density_60(double observed, double degF, double& g) noexcept;
 
 // Outside the tables: relative density at 60 degF and temperature in degF; observed relative density.
@@ -91,5 +70,7 @@ inline constexpr double zero_degF = -459.67, zero_degC = -273.15;  // temperatur
 Outcome check_60F(const double& g) noexcept;
 // The correction of a known relative density at 60 degF; `temperature` is to blame where it is above the critical one.
 Outcome correct(double g, Base base, double degF, const double& temperature, Correction& out) noexcept;
+// The same where the factor from 60 degF is known.
+Outcome correct(double g, double ctl_60, Base base, double degF, const double& temperature, Correction& out) noexcept;
 
 }  // namespace norvane::API_11_2_4

@@ -37,6 +37,7 @@ Outcome check(const Flow& flow) {
 //   observed(band, u)          base density x CTL, in the unit of the argument
 //   d(band, u), f(u, d)        pressure above equilibrium and compressibility, in units that cancel
 //   f_unit, f_out_of_range(u)  one unit of the answer's f in that unit, and the limits of the chapter
+//   may_fall, falls_near(u)    whether base x CTL x CPL rises with u around this one and above
 //   unknown_of(density, u)     the unknown of a base density
 //   correct(u)                 the table's own answer, which table() holds from then on
 template <class Composite, class Table>
@@ -52,7 +53,11 @@ Outcome convert(const Composite& composite, const Flow& flow, double hydrometer_
       const Dual d = composite.d(band, v);
       return composite.observed(band, v) * cpl(composite.f(v, d), d);
     };
-    const Solution solution = solve_rising(left, composite.edges(), target, u);
+    Solution solution = solve_rising(left, composite.edges(), target, u);
+    if constexpr (Composite::may_fall) {
+      if (!solution.found() || composite.falls_near(u))
+        solution = solve_from_above(left, composite.edges(), target, u);
+    }
     if (!solution.found()) return outcome_of(solution, flow.density, factor);
   } else if (const Outcome outcome = composite.unknown_of(flow.density, u); !outcome.good()) {
     return outcome;
@@ -84,6 +89,7 @@ struct Generalised {
     if (metric) above_equilibrium = kPa_of_bar(above_equilibrium);
   }
   static constexpr double f_unit = 1.0;
+  static constexpr bool may_fall = false;
   template <class Number>
   Number d(std::size_t, Number) const {
     return Number{above_equilibrium};
@@ -201,13 +207,22 @@ struct CompositeNgl {
     edge_list[edge_count++] = API_11_2_4::heaviest;
   }
 
+  // Near the critical temperature 11.2.2 lets the left side fall.
+  static constexpr bool may_fall = true;
+  bool falls_near(double g) const { return API_11_2_2::near_critical(g, degF); }
+
   bool calculated() const { return in.equilibrium == Equilibrium::calculated; }
   std::span<const double> edges() const { return {edge_list.data(), edge_count}; }
-  double guess(double target) const { return metric ? water_2004.relative_of_density(target) : target; }
+  double guess(double target) const {
+    const double relative = metric ? water_2004.relative_of_density(target) : target;
+    const double g = std::clamp(API_11_2_4::guess(relative, degF), edge_list[0], API_11_2_4::heaviest);
+    const double above = d(band_of(g), g), factor = cpl(f(g, above), above);
+    return factor > 1.0 && factor < 1.2 ? API_11_2_4::guess(relative / factor, degF) : g;
+  }
   std::size_t band_of(double g) const { return calculated() ? GPA_TP15::band_of(g) - first_band : 0; }
   template <class Number>
   Number observed(std::size_t, Number g) const {
-    const Number g_t = g * API_11_2_4::Mixture<Number>(g).ctl(kelvin);
+    const Number g_t = g * API_11_2_4::ctl_from_60F(g, kelvin);
     return metric ? g_t * water_2004.density : g_t;
   }
 
