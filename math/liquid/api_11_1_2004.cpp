@@ -16,6 +16,9 @@
 #include "math/common/rounding.h"
 
 namespace norvane::API_11_1_2004 {
+
+using namespace liquid;
+
 namespace {
 
 constexpr double delta60 = 0.01374979547;        // temperature shift of the correlation at 60 degF [degF]
@@ -52,7 +55,6 @@ constexpr double fuel_oil_from = 838.3127;
 constexpr double temperature_low = -58.0, temperature_high = 302.0;  // degF
 constexpr double pressure_low = 0.0, pressure_high = 1500.0;         // psi gauge
 constexpr double alpha60_above = 0.00023, alpha60_below = 0.00093;   // 1/degF
-constexpr double limit_tolerance = 1e-6;
 
 // 11.1.6.2: the iteration ends when the observed density is met within this [kg/m3], or fails after so many steps.
 constexpr double converged = 1e-6;
@@ -89,7 +91,7 @@ constexpr Conditions conditions(double t, double psig) {
   return {t, psig > 0.0 ? psig : 0.0, t68 - base_temperature, -1.9947 + 0.00013427 * t68, 793920.0 + 2326.0 * t68};
 }
 
-constexpr Conditions base_conditions[] = {conditions(59.0, 0.0), conditions(68.0, 0.0)};  // 15 degC, 20 degC
+constexpr Conditions base_conditions[] = {conditions(base_15C_in_degF, 0.0), conditions(base_20C_in_degF, 0.0)};
 
 // 11.1.6.1: the factors of a base density at given conditions.
 struct Factors {
@@ -107,8 +109,6 @@ Group group_of(Group group, double rho60) {
   if (rho60 < transition_below) return Group::transition;
   return rho60 < fuel_oil_from ? Group::jet_fuel : Group::fuel_oil;
 }
-
-bool positive(double x) { return x > 0.0 && x <= std::numeric_limits<double>::max(); }
 
 // exp(x) - 1. For liquids x is a few 1e-6: the series then has every digit, the difference would have ten.
 double exponential_less_one(double x) {
@@ -154,7 +154,7 @@ Outcome factors_at(const Liquid& liquid, double rho60, const Conditions& at, Fac
   if (!positive(out.ctl)) return no_factor("CTL");
   if (!positive(out.f)) return no_factor("compressibility factor F");
   // Below 1 also beyond the pole f p = 1, which lies far below the density limits.
-  out.cpl = 1.0 / (1.0 - out.f * at.p);
+  out.cpl = cpl(out.f, at.p);
   if (out.cpl < 1.0) out.cpl = 1.0;
   out.observed = rho60 * out.ctl * out.cpl;
   if (!std::isfinite(out.observed) || out.observed == 0.0) return no_factor("observed density");
@@ -219,10 +219,6 @@ Outcome solve_from(double start, const Liquid& liquid, double observed, const Co
   return {};
 }
 
-bool outside(double value, double low, double high) {
-  return value < low - limit_tolerance || value > high + limit_tolerance;
-}
-
 // The iteration starts at the observed density. A hot light liquid under high pressure can be lost from
 // there: its compressibility is far from that of its base density. For a density within the limits the
 // standard's own start, held within the limits of the base density, then has a second try.
@@ -273,9 +269,6 @@ void fill_metric(const Factors& factors, double ctl_base, Rounding rounding, Cor
   result.alpha = factors.alpha60 * 1.8;
   result.f = factors.f / kPa_per_psi;
 }
-
-constexpr double degF_of_degC(double degC) { return degC * 1.8 + 32.0; }
-constexpr double psi_of_bar(double bar) { return bar * 100.0 / kPa_per_psi; }
 
 }  // namespace
 

@@ -11,28 +11,14 @@
 #include <cstdint>
 
 #include "core/outcome.h"
+#include "math/liquid/liquid.h"
 
 namespace norvane::API_11_1_2004 {
 
-// Commodity groups, by the numbers of the product lists. `special` is a liquid with a known coefficient of thermal
-// expansion; `refined` takes the constants of the refined product that the base density points to.
-enum class Group : int {
-  special = 0,
-  crude = 1,
-  refined = 2,
-  gasoline = 3,
-  transition = 4,
-  jet_fuel = 5,
-  fuel_oil = 6,
-  lubricating_oil = 7
-};
-
-// Constants of the correlation alpha60 = K0/rho*^2 + K1/rho* + K2; rho* in kg/m3, alpha60 in 1/degF.
-struct Constants {
-  double k0;  // kg2/(m6 degF)
-  double k1;  // kg/(m3 degF)
-  double k2;  // 1/degF
-};
+// Commodity groups: the products, of which `special` is a liquid with a known coefficient of thermal expansion.
+using Group = liquid::Product;
+// alpha60 = K0/rho*^2 + K1/rho* + K2; rho* in kg/m3, alpha60 in 1/degF.
+using liquid::Constants;
 
 struct Liquid {
   Group group = Group::crude;
@@ -60,13 +46,11 @@ struct Correction {
   int steps = 0;               // Newton steps that found the density at 60 degF
 };
 
-// Density conversions, with the water density of this edition, 999.016 kg/m3 at 60 degF.
-inline constexpr double water_density = 999.016;
-inline constexpr double kPa_per_psi = 6.894757;
-constexpr double density_of_gravity(double api) { return 141360.764 / (api + 131.5); }
-constexpr double gravity_of_density(double rho) { return 141.5 / (rho / water_density) - 131.5; }
-constexpr double density_of_relative(double rd) { return rd * water_density; }
-constexpr double relative_of_density(double rho) { return rho / water_density; }
+// Density conversions, with the water density of this edition.
+constexpr double density_of_gravity(double api) { return liquid::water_2004.density_of_gravity(api); }
+constexpr double gravity_of_density(double rho) { return liquid::water_2004.gravity_of_density(rho); }
+constexpr double density_of_relative(double rd) { return liquid::water_2004.density_of_relative(rd); }
+constexpr double relative_of_density(double rho) { return liquid::water_2004.relative_of_density(rho); }
 
 // IPTS-68 temperature of an ITS-90 temperature, both in degF.
 double ipts68_of_its90(double degF) noexcept;

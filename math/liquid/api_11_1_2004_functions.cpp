@@ -3,92 +3,58 @@
 
 #include "framework/binding.h"
 #include "math/liquid/api_11_1_2004.h"
+#include "math/liquid/liquid_records.h"
 
 namespace norvane::functions {
 namespace {
 
 using namespace API_11_1_2004;
-using record::input;
-using record::output;
+using liquid::answered;
+using liquid::customary;
+using liquid::density;
+using liquid::density_15;
+using liquid::density_20;
+using liquid::metric;
+using liquid::Quantity;
+using liquid::Units;
 
-struct Units {
-  std::uint32_t temperature;
-  double temperature_low, temperature_high;
-  std::uint32_t pressure;
-  double pressure_low, pressure_high;
-  std::uint32_t alpha;
-  std::uint32_t f;
-};
-constexpr Units customary = {unit::degF, -100, 400, unit::psig, -10, 2000, unit::per_degF, unit::per_psi};
-constexpr Units metric = {unit::degC, -100, 200, unit::bar_g, -1, 250, unit::per_degC, unit::per_kPa};
-
-// The first input or output: texts of a quantity, and its ranges and defaults table by table.
-struct Quantity {
-  std::u16string_view key, display, description;
-  std::uint32_t type;
-  std::u16string_view tag;
-  const record::Conversion* to_density = nullptr;
-};
-
-constexpr record::Conversion gravity_to_density{[](double api) noexcept { return density_of_gravity(api); },
-                                                [](double rho) noexcept { return gravity_of_density(rho); }};
-constexpr record::Conversion relative_to_density{[](double rd) noexcept { return density_of_relative(rd); },
-                                                 [](double rho) noexcept { return relative_of_density(rho); }};
-constexpr Quantity gravity = {u"api gravity", u"API Gravity", u"", data_type::num, u"API", &gravity_to_density};
-constexpr Quantity gravity_60 = {
-    u"api gravity 60", u"API Gravity @60\u00B0F", u"API gravity at 60 \u00B0F.", data_type::num,
-    u"API60",          &gravity_to_density};
-constexpr Quantity relative = {u"rel density", u"Relative Density", u"Observed relative density.", data_type::num,
-                               u"RD",          &relative_to_density};
-constexpr Quantity relative_60 = {
-    u"rel density 60", u"Rel. Density @60\u00B0F", u"Relative density at 60 \u00B0F and 0 psig.", data_type::num,
-    u"RD60",           &relative_to_density};
-constexpr Quantity density = {u"density", u"Density", u"Observed density.", unit::kg_m3, u"DENS"};
-constexpr Quantity density_15 = {u"density 15", u"Density @15\u00B0C", u"Density at 15 \u00B0C and 0 bar(g).",
-                                 unit::kg_m3, u"DENS15"};
-constexpr Quantity density_20 = {u"density 20", u"Density @20\u00B0C", u"Density at 20 \u00B0C and 0 bar(g).",
-                                 unit::kg_m3, u"DENS20"};
+constexpr const record::Conversion& of_gravity = liquid::gravity_to_density<liquid::water_2004>;
+constexpr const record::Conversion& of_relative = liquid::relative_to_density<liquid::water_2004>;
+constexpr Quantity gravity = liquid::gravity.through(of_gravity);
+constexpr Quantity gravity_60 = liquid::gravity_60.through(of_gravity);
+constexpr Quantity relative = liquid::relative.through(of_relative);
+constexpr Quantity relative_60 = liquid::relative_60.through(of_relative);
 
 // Every table has the same lines but for its first value and its units.
-// clang-format off
-constexpr std::array<record::Input, 6> inputs_of(const Units& units, double default_temperature, const Quantity& given,
+constexpr std::array<record::Input, 6> inputs_of(const Units& units, double default_temperature, const Quantity& q,
                                                  double low, double high, double otherwise) {
-  record::Input first = input(given.key, given.display, given.description, given.type).within(low, high).otherwise(otherwise);
-  first.field.conversion = given.to_density;
   return {
       record::name_input(),
-      in<&Observation::density>(first),
-      in<&Observation::temperature>(input(u"temperature", u"Temperature", u"Observed temperature.", units.temperature)
-          .within(units.temperature_low, units.temperature_high).otherwise(default_temperature)),
-      in<&Observation::pressure>(input(u"pressure", u"Pressure", u"Observed pressure.", units.pressure)
-          .within(units.pressure_low, units.pressure_high).otherwise(0)),
-      in<&Observation::product>(input(u"product", u"Product", u"", enumeration::apiproduct).otherwise(1)),
-      in<&Observation::rounding>(input(u"api rnd", u"API Rounding", u"API rounding and truncating.", data_type::boolean).otherwise(false)),
+      in<&Observation::density>(liquid::given(q, low, high, otherwise)),
+      in<&Observation::temperature>(liquid::temperature_input(units, default_temperature)),
+      in<&Observation::pressure>(liquid::pressure_input(units)),
+      in<&Observation::product>(liquid::product_input()),
+      in<&Observation::rounding>(liquid::rounding_input()),
   };
 }
 
 template <auto density>
 constexpr std::array<record::Output, 12> outputs_of(const Units& units, const Quantity& result) {
-  record::Output first = output(result.key, result.display, result.description, result.type, result.tag);
-  first.field.conversion = result.to_density;
   return {
       record::status_output(),
-      out<density>(first),
-      out<&Correction::ctl>(output(u"ctl", u"CTL", u"Volume correction factor for temperature.", data_type::num, u"CTL")),
-      out<&Correction::cpl>(output(u"cpl", u"CPL", u"Volume correction factor for pressure.", data_type::num, u"CPL")),
-      out<&Correction::ctpl>(output(u"ctpl", u"CTPL", u"Combined volume correction factor (CTPL = CTL * CPL).", data_type::num, u"CTPL")),
-      out<&Correction::k, &Constants::k0>(output(u"k0", u"K0", u"Actual value of constant K0 used for CTL calculation.", data_type::num, u"K0")),
-      out<&Correction::k, &Constants::k1>(output(u"k1", u"K1", u"Actual value of constant K1 used for CTL calculation.", data_type::num, u"K1")),
-      out<&Correction::k, &Constants::k2>(output(u"k2", u"K2", u"Actual value of constant K2 used for CTL calculation.", data_type::num, u"K2")),
-      out<&Correction::alpha>(output(u"alpha", u"Thermal Expansion", u"Thermal expansion factor (alpha).", units.alpha, u"ALPHA")),
-      out<&Correction::f>(output(u"f", u"Compressibility", u"Compressibility factor (F).", units.f, u"F")),
-      out<&Correction::group>(output(u"product", u"",
-          u"When input 'Product' is 'Auto select', then the output is set to the actual selected product of the used "
-          u"table, else the output is set equal to input 'Product'.", enumeration::apiproduct, u"PRDCUR")),
-      out<&Correction::out_of_range>(output(u"oor", u"Range Status", u"", enumeration::rangestatus, u"OOR")),
+      out<density>(answered(result)),
+      out<&Correction::ctl>(liquid::ctl_output()),
+      out<&Correction::cpl>(liquid::cpl_output()),
+      out<&Correction::ctpl>(liquid::ctpl_output()),
+      out<&Correction::k, &Constants::k0>(liquid::k0_output()),
+      out<&Correction::k, &Constants::k1>(liquid::k1_output()),
+      out<&Correction::k, &Constants::k2>(liquid::k2_output()),
+      out<&Correction::alpha>(liquid::alpha_output(units)),
+      out<&Correction::f>(liquid::f_output(units)),
+      out<&Correction::group>(liquid::product_output()),
+      out<&Correction::out_of_range>(liquid::range_output()),
   };
 }
-// clang-format on
 
 // Units, default temperature; range and default of the first input.
 constexpr auto table5_inputs = inputs_of(customary, 90, gravity, -20, 180, 30);
@@ -154,19 +120,10 @@ constexpr record::Function table(std::u16string_view id, std::u16string_view dis
                                  std::u16string_view keywords, std::span<const record::Input> inputs,
                                  std::span<const record::Output> outputs, const record::Binding& binding,
                                  std::u16string_view notes) {
-  return {.id = id,
-          .display = display,
-          .description = description,
-          .subcategory = u"API 11.1 (2004)",
-          .keywords = keywords,
-          .name_input = 0,
-          .inputs = inputs,
-          .outputs = outputs,
-          .binding = &binding,
-          .notes = notes};
+  return liquid::function(id, display, description, u"API 11.1 (2004)", keywords, inputs, outputs, binding, notes);
 }
-constexpr std::u16string_view customary_words = u"customary,liquid,api";
-constexpr std::u16string_view metric_words = u"metric,liquid,api";
+using liquid::customary_words;
+using liquid::metric_words;
 
 }  // namespace
 
