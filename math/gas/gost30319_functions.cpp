@@ -94,8 +94,9 @@ constexpr Output outputs_detail[] = {
   u"density, nitrogen and carbon dioxide; the pressure term of the viscosity acts from 0 bar on.\n"
 #define NV_GOST30319_GERG91                                                                                            \
   u"GERG-91 mod. is solved for the density that the gas reaches from zero pressure on. It equals the closed form of "  \
-  u"the standard to the last digits, but where that form loses its digits, at high pressure in cold, rich gas; status 2 " \
-  u"is answered where such gas would condense, and without a hydrocarbon density of its own.\n"
+  u"the standard to the last digits, but where that form loses its digits, at high pressure in cold, rich gas. Status 2 " \
+  u"is answered where such gas would condense, and where density and inert gases leave no hydrocarbon that the equation " \
+  u"has coefficients for.\n"
 // clang-format on
 
 }  // namespace
