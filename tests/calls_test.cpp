@@ -1,14 +1,17 @@
-// Calls as lines of data/calls/*.jsonl, above all with arguments at and beyond what a function takes: the status, which
-// argument the messages blame, and that nothing else is delivered.
+// Calls and their answers, as lines of data/*.jsonl (published check values) and data/calls/*.jsonl (arguments at and
+// beyond what a function takes).
 //
-//   {"gases":{"lean":[0.9,...]}}                     compositions for the lines that follow
+//   {"function":"AGA8_M","inputs":{"pressure":60,...},"outputs":{"status":0,"z":0.84,...},"rtol":1e-6,"source":"..."}
+//   {"gases":{"lean":[0.9,...]}}                      compositions for the lines that follow
 //   {"function":"AGA3_C","inputs":{"density":0},"status":1,"blames":"density","outputs":{"aga3 status":2}}
 //
-// The status is a number or "refused", where the fallback outputs stand in for the worksheet error "error". "blames" is an input's key or a list of
-// them, "says" a part of a message. With a status other than 0, outputs that are not named must not be written unless
-// the line is "delivered". An input is a number, a text ("nan" and "inf" are read as numbers), a boolean, null for a
-// blank cell, {"error":"#N/A"}, a list (one column), a list of rows, the name of a gas, or {"gas":{"3":0.5}}, a gas
-// with some cells (from 0) replaced.
+// An input is a number, a text ("nan" and "inf" are read as numbers), a boolean, null for a blank cell,
+// {"error":"#N/A"}, a list (one column), a list of rows, the name of a gas, or {"gas":{"3":0.5}}, a gas with some cells
+// (from 0) replaced. An expected null is an output that must not be written; with a status other than 0 that holds for
+// every output without a value here, unless the line is "delivered". Tolerances are relative ("rtol", 1e-9 when there
+// is none) or absolute ("atol"), of single outputs in "rtols" and "atols". The status is a number or "refused", where
+// the fallback outputs stand in for the worksheet error "error". "blames" is the key of an input that a message must
+// name, or a list of them, "says" a part of a message.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,6 +20,7 @@
 #include <nlohmann/json.hpp>
 
 #include "core/text.h"
+#include "hosts/cli/json_call.h"
 #include "tests/support/call.h"
 
 namespace norvane::test {
@@ -24,12 +28,13 @@ namespace {
 
 using nlohmann::json;
 
-std::vector<std::string> files() {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(NORVANE_TEST_DATA "/calls"))
-    names.push_back(entry.path().stem().string());
-  std::sort(names.begin(), names.end());
-  return names;
+std::vector<std::filesystem::path> files() {
+  std::vector<std::filesystem::path> paths;
+  for (const char* folder : {NORVANE_TEST_DATA, NORVANE_TEST_DATA "/calls"})
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+      if (entry.path().extension() == ".jsonl") paths.push_back(entry.path());
+  std::sort(paths.begin(), paths.end());
+  return paths;
 }
 
 json shown(const FUNCTION_ARG& value) {
@@ -46,7 +51,7 @@ json shown(const FUNCTION_ARG& value) {
   }
 }
 
-class Calls : public testing::TestWithParam<std::string> {
+class Calls : public testing::TestWithParam<std::filesystem::path> {
  protected:
   FUNCTION_ARG argument(Arguments& pool, json value) const {
     if (value.is_string() && gases_.contains(value)) value = gases_[value.get<std::string>()];
@@ -73,7 +78,20 @@ class Calls : public testing::TestWithParam<std::string> {
     return pool.cells(cells, columns);
   }
 
+  static double tolerance(const json& line, const char* one, const char* many, const std::string& key, double usual) {
+    return line.contains(many) && line[many].contains(key) ? line[many][key].get<double>() : line.value(one, usual);
+  }
+
+  // The command line answers in the same numbers, from a session that remembers the lines before.
+  void check_command_line(const std::string& line) {
+    std::string text;
+    session_.answer(line, text);
+    const json answer = json::parse(text);
+    EXPECT_EQ(answer.value("outputs", json()), answers_) << text;
+  }
+
   void check(const json& line) {
+    answers_ = json::object();
     Call call(to_utf16(line.at("function").get<std::string>()));
     for (const auto& [key, value] : line.at("inputs").items())
       call.set(to_utf16(key), argument(call.arguments(), value));
@@ -83,20 +101,33 @@ class Calls : public testing::TestWithParam<std::string> {
       for (const auto& message : call.context().messages) text += "\n  " + to_utf8(message);
       return text;
     };
-    EXPECT_EQ(status, line.at("status").is_string() ? Call::refused : line["status"].get<int>()) << answer();
     const json outputs = line.value("outputs", json::object());
+    // Published values know the status output only, whatever stands in it.
+    const bool fell_back = status == Call::refused;
+    const json want_status = line.value("status", outputs.value("status", json(0)));
+    EXPECT_EQ(!fell_back                ? json(status)
+              : line.contains("status") ? json("refused")
+                                        : shown(call.output(0)),
+              want_status)
+        << answer();
     for (std::size_t i = 0; i < call.spec().output_count; ++i) {
       const Function_COutput& output = call.spec().outputs[i];
       const std::string key = to_utf8(output.key);
-      const json got = shown(call.output(i)), want = outputs.contains(key) ? outputs[key] : got;
-      if (got.is_number() && want.is_number()) {
-        EXPECT_NEAR(got.get<double>(), want.get<double>(), 1e-9 * std::fabs(want.get<double>())) << key << answer();
+      const json got = fell_back && output.role == 0 ? json() : shown(call.output(i));
+      const json want = outputs.contains(key) ? outputs[key] : got;
+      if (got.is_number() && (want.is_number() || want.is_boolean())) {
+        const double value = want.is_number() ? want.get<double>() : want.get<bool>();
+        const double relative = tolerance(line, "rtol", "rtols", key, line.contains("atol") ? 0.0 : 1e-9);
+        EXPECT_NEAR(got.get<double>(), value,
+                    tolerance(line, "atol", "atols", key, 0.0) + relative * std::fabs(value))
+            << key << answer();
       } else {
         EXPECT_EQ(got, want) << key << answer();
       }
       EXPECT_TRUE(status <= 0 || output.role == 1 || outputs.contains(key) || got.is_null() ||
                   line.value("delivered", false))
           << key << " is written" << answer();
+      answers_[key] = got;
     }
     for (const auto& [key, want] : outputs.items()) EXPECT_NO_THROW(call[to_utf16(key)]) << key;
     const auto told = [&](const std::string& words) {
@@ -113,23 +144,28 @@ class Calls : public testing::TestWithParam<std::string> {
     }
   }
 
-  json gases_ = json::object();
+  json gases_ = json::object(), answers_;
+  cli::JsonCalls session_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Data, Calls, testing::ValuesIn(files()), [](const auto& file) { return file.param; });
+INSTANTIATE_TEST_SUITE_P(Data, Calls, testing::ValuesIn(files()), [](const auto& file) {
+  return file.param.stem().string() + "_" + file.param.parent_path().stem().string();
+});
 
 TEST_P(Calls, AreAsTheLinesSay) {
-  std::ifstream file(NORVANE_TEST_DATA "/calls/" + GetParam() + ".jsonl");
+  std::ifstream file(GetParam());
+  const bool published = GetParam().parent_path().stem() == "data";
   std::string text;
   int checked = 0;
-  for (int number_of_line = 1; std::getline(file, text); ++number_of_line) {
-    if (text.empty()) continue;
-    SCOPED_TRACE(GetParam() + ".jsonl:" + std::to_string(number_of_line) + " " + text.substr(0, 200));
+  for (int number = 1; std::getline(file, text); ++number) {
+    if (text.find_first_not_of(" \t\r") == std::string::npos) continue;
     const json line = json::parse(text, nullptr, false);
+    SCOPED_TRACE(GetParam().filename().string() + ":" + std::to_string(number) + " " + text.substr(0, 200));
     ASSERT_TRUE(line.is_object()) << "the line is not JSON";
     gases_.update(line.value("gases", json::object()));
     if (!line.contains("function")) continue;
     check(line);
+    if (published) check_command_line(text);
     ++checked;
   }
   EXPECT_GT(checked, 0);
