@@ -14,7 +14,7 @@
 
 #include "catalogue/catalogue.h"
 #include "core/text.h"
-#include "tests/framework/test_context.h"
+#include "tests/support/call.h"
 
 namespace norvane {
 namespace {
