@@ -2,6 +2,7 @@
 
 #include "core/text.h"
 #include "hosts/cli/record_text.h"
+#include "hosts/module/meaning.h"
 
 namespace norvane::cli {
 namespace {
@@ -59,7 +60,7 @@ std::string failure_text(const Session& session) {
   for (std::size_t i = 0; i < spec.output_count; ++i) {
     double status = 0.0;
     if (spec.outputs[i].role != 1 || !number_of(session.output(i), status)) continue;
-    const std::string meaning = meaning_of(session.units(), spec.outputs[i], status);
+    const std::string meaning = to_utf8(host::meaning_of(spec.outputs[i], status));
     return "status " + number_text(status) + (meaning.empty() ? "" : " (" + meaning + ")");
   }
   if (session.status() != ERROR_OK) return to_utf8(error_text(session.status()));

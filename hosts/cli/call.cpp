@@ -10,6 +10,7 @@
 #include "hosts/cli/session.h"
 #include "hosts/cli/table.h"
 #include "hosts/cli/values.h"
+#include "hosts/module/meaning.h"
 
 namespace norvane::cli {
 namespace {
@@ -31,12 +32,11 @@ std::string scalar_text(const FUNCTION_ARG& value, int precision) {
 }
 
 // "Range Status: Normal" for an option, "Mass Density" for a quantity.
-std::string remark_of(const Unit_CTypeAndUnitContainer& units, const Function_COutput& output,
-                      const FUNCTION_ARG& value) {
+std::string remark_of(const Function_COutput& output, const FUNCTION_ARG& value) {
   std::string remark = to_utf8(output.display_name.empty() ? output.description : output.display_name);
   std::string meaning;
-  if (value.kind == ARG_NUMBER) meaning = meaning_of(units, output, value.number);
-  if (value.kind == ARG_INTEGER) meaning = meaning_of(units, output, value.integer);
+  if (value.kind == ARG_NUMBER) meaning = to_utf8(host::meaning_of(output, value.number));
+  if (value.kind == ARG_INTEGER) meaning = to_utf8(host::meaning_of(output, value.integer));
   if (meaning.empty()) return remark;
   return remark.empty() ? meaning : remark + ": " + meaning;
 }
@@ -49,7 +49,7 @@ std::string table_of(const Session& session, int precision) {
     const FUNCTION_ARG& value = shown_output(session, i);
     if (value.kind != ARG_ARRAY) {
       table.add({to_utf8(output.key), scalar_text(value, precision), unit_text(session.units(), output.type),
-                 remark_of(session.units(), output, value)});
+                 remark_of(output, value)});
       continue;
     }
     for (std::uint32_t row = 0; row < value.array.rows; ++row) {

@@ -4,6 +4,7 @@
 #include "hosts/cli/names.h"
 #include "hosts/cli/record_text.h"
 #include "hosts/cli/table.h"
+#include "hosts/module/meaning.h"
 
 namespace norvane::cli {
 namespace {
@@ -55,9 +56,11 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
     if (output.unit_input >= 0) unit = "as " + to_utf8(spec.inputs[output.unit_input].key);
     outputs.add({to_utf8(output.key), unit.empty() ? "-" : unit, sentence(output.display_name, description.text)});
     add_options(outputs, description, 3);
-    for (const Function_CStatusValue& value : output.values())
-      outputs.add(
-          {"", "", number_text(value.value) + " = " + to_utf8(value.description) + " (" + to_utf8(value.id) + ")"});
+    if (!output.choices.empty()) continue;  // they stand in the description
+    for (const host::Meaning& meaning : host::meanings_of(output))
+      outputs.add({"", "",
+                   number_text(meaning.number) + " = " + to_utf8(meaning.text) +
+                       (meaning.id.empty() ? "" : " (" + to_utf8(meaning.id) + ")")});
   }
   text += outputs.text();
   if (!spec.notes.empty()) text += "\n" + to_utf8(spec.notes) + (spec.notes.ends_with(u'\n') ? "" : "\n");

@@ -5,6 +5,7 @@
 #include "core/text.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/record_text.h"
+#include "hosts/module/meaning.h"
 
 namespace norvane::cli {
 namespace {
@@ -84,12 +85,12 @@ std::string outputs_table(const Unit_CTypeAndUnitContainer& units, const Functio
 std::string values_table(const Function_CFunctionSpec& spec) {
   std::string out;
   for (const Function_COutput& output : spec.output_records()) {
-    if (output.values().empty()) continue;
+    const std::vector<host::Meaning> meanings = host::meanings_of(output);
+    if (meanings.empty() || !output.choices.empty()) continue;  // options stand in the description
     out += "\n## Values of " + code(to_utf8(output.key)) + "\n\n";
     head(out, {"Value", "Name", "Meaning"});
-    if (output.role == 1) row(out, {"0", "", "success"});
-    for (const Function_CStatusValue& value : output.values())
-      row(out, {number_text(value.value), escaped(to_utf8(value.id)), escaped(to_utf8(value.description))});
+    for (const host::Meaning& meaning : meanings)
+      row(out, {number_text(meaning.number), escaped(to_utf8(meaning.id)), escaped(to_utf8(meaning.text))});
   }
   return out;
 }

@@ -90,18 +90,6 @@ std::string range_text(const Function_CInput& input) {
   return input.has_maximum() ? "<= " + number_text(input.maximum) : std::string();
 }
 
-std::string meaning_of(const Unit_CTypeAndUnitContainer& units, const Function_COutput& output, double value) {
-  for (const Function_CStatusValue& status : output.values())
-    if (status.value == value) return to_utf8(status.description);
-  std::uint32_t code = 0;
-  const Unit_CEntry* entry = nullptr;
-  if (kind_of_code(output.type) == CodeKind::enumeration &&
-      units.EnumerationValueByNumber(output.type, value, code) == UNIT_OK &&
-      units.EnumerationValueDetails(code, entry) == UNIT_OK)
-    return to_utf8(entry->text);
-  return output.role == 1 && value == 0.0 ? "success" : std::string();
-}
-
 std::vector<std::string> keywords_of(const Function_CFunctionSpec& spec) {
   std::vector<std::string> list;
   const std::string text = to_utf8(spec.keywords);

@@ -40,8 +40,6 @@ std::string variant_text(const Core_CVariant& value);
 std::string number_text(double value);
 // "0 to 10000", ">= 0", "<= 1" or empty.
 std::string range_text(const Function_CInput& input);
-// What a value of an output means, "" when its record and its enumeration say nothing.
-std::string meaning_of(const Unit_CTypeAndUnitContainer& units, const Function_COutput& output, double value);
 // Comma-separated keywords as a list.
 std::vector<std::string> keywords_of(const Function_CFunctionSpec& spec);
 // A function's display name, its identifier when it has none.

@@ -24,7 +24,7 @@ HINSTANCE this_module() noexcept {
   return module;
 }
 
-INT_PTR CALLBACK AboutDialog(HWND dialog, UINT message, WPARAM parameter, LPARAM) {
+INT_PTR CALLBACK about_dialog(HWND dialog, UINT message, WPARAM parameter, LPARAM) {
   switch (message) {
     case WM_INITDIALOG:
       SetDlgItemTextW(dialog, NORVANE_ABOUT_VERSION, wide(about_version));
@@ -112,7 +112,7 @@ void debug_output(std::u16string_view line) noexcept {
 }
 
 void show_about() noexcept {
-  DialogBoxParamW(this_module(), MAKEINTRESOURCEW(NORVANE_DIALOG_ABOUT), GetActiveWindow(), AboutDialog, 0);
+  DialogBoxParamW(this_module(), MAKEINTRESOURCEW(NORVANE_DIALOG_ABOUT), GetActiveWindow(), about_dialog, 0);
 }
 
 }  // namespace norvane::excel::platform

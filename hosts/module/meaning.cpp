@@ -9,11 +9,16 @@ namespace {
 
 constexpr bool is_status(const Function_COutput& output) { return output.role == 1; }
 
+const Function_CStatusValue* own_value(const Function_COutput& output, double number) noexcept {
+  for (const Function_CStatusValue& value : output.values())
+    if (value.value == number) return &value;
+  return nullptr;
+}
+
 }  // namespace
 
 std::u16string_view meaning_of(const Function_COutput& output, double number) noexcept {
-  for (const Function_CStatusValue& value : output.values())
-    if (value.value == number) return value.description;
+  if (const Function_CStatusValue* value = own_value(output, number)) return value->description;
   for (const record::Option& option : output.choices)
     if (option.number == number) return option.label;
   const auto& units = Unit_CTypeAndUnitContainer::Instance();
@@ -44,7 +49,10 @@ std::vector<Meaning> meanings_of(const Function_COutput& output) {
   std::sort(numbers.begin(), numbers.end());
   numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
   std::vector<Meaning> meanings;
-  for (const double number : numbers) meanings.push_back({number, meaning_of(output, number)});
+  for (const double number : numbers) {
+    const Function_CStatusValue* own = own_value(output, number);
+    meanings.push_back({number, own != nullptr ? own->id : std::u16string_view{}, meaning_of(output, number)});
+  }
   return meanings;
 }
 

@@ -13,6 +13,7 @@ std::u16string_view meaning_of(const Function_COutput& output, double number) no
 
 struct Meaning {
   double number;
+  std::u16string_view id;  // "OOR"; empty where the number has none of the function's own
   std::u16string_view text;
 };
 
