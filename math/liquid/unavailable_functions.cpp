@@ -9,9 +9,13 @@ namespace {
 using liquid::customary;
 using record::output;
 
+// What is read all the same, so that an argument that is none is refused as everywhere.
+struct Given {
+  bool rounding;
+};
 struct Nothing {};
 
-Outcome no_tables(const Nothing&, Nothing&) noexcept {
+Outcome no_tables(const Given&, Nothing&) noexcept {
   return failure(calculation_error, u"the tables of this standard are not part of this build");
 }
 
@@ -23,7 +27,7 @@ constexpr record::Input state_inputs[] = {
     record::name_input(),
     liquid::temperature_input(customary),
     liquid::pressure_input(customary),
-    liquid::rounding_input(),
+    in<&Given::rounding>(liquid::rounding_input()),
 };
 constexpr record::Output state_outputs[] = {
     record::status_output(),
