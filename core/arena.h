@@ -43,7 +43,6 @@ class Core_CArena {
 
   // At most this many blocks, and large allocations refused beyond as many blocks' worth of bytes; 0 for no limit.
   void SetBlockLimit(std::size_t blocks) noexcept { block_limit_ = blocks; }
-  std::size_t BlockCount() const noexcept { return block_count_; }
 
  private:
   struct Block {

@@ -4,6 +4,7 @@
 
 #include "core/text_buffer.h"
 #include "framework/call.h"
+#include "framework/data_accessor.h"
 
 namespace norvane {
 namespace {

@@ -158,6 +158,7 @@ constexpr record::Binding bind() {
   using Results = typename P::Results;
   using Memory = typename P::Memory;
   record::Binding result;
+  result.run = &run_bound;
   result.arguments = structure<Arguments>();
   result.results = structure<Results>();
   if constexpr (std::is_void_v<Memory>) {

@@ -83,6 +83,7 @@ std::uint32_t Function_CContext::Execute(const Function_CFunctionSpec& spec, FUN
   output_ = &output;
   data_slot_ = data_slot;
   flags = 0;
+  replaced_status_ = ERROR_OK;
   std::uint32_t status = ERROR_OK;
 
   const bool variable = spec.has(FUNCTION_VARIABLE_INPUTS);
@@ -194,9 +195,7 @@ void Function_CContext::CheckTypes(const Function_CFunctionSpec& spec, const FUN
           complaint = u"is not a valid whole number";
         break;
       case data_type::unit:
-        if (!ReadIdentifier(&args[i], code) ||
-            (code != 0 && (kind_of_code(code) != CodeKind::unit || !units_->IsKnown(code))))
-          complaint = u"is not a valid unit";
+        if (!IsUnit(args[i])) complaint = u"is not a valid unit";
         break;
       case data_type::enumeration:
         if (!ReadIdentifier(&args[i], code) ||
@@ -214,6 +213,18 @@ void Function_CContext::CheckTypes(const Function_CFunctionSpec& spec, const FUN
   }
 }
 
+// By number (also as a text or in a cell), key or symbol; an empty text or cell passes.
+bool Function_CContext::IsUnit(const FUNCTION_ARG& arg) noexcept {
+  std::int32_t number = 0;
+  std::uint32_t code = 0;
+  std::u16string_view text;
+  if (ReadInteger(&arg, number))
+    code = static_cast<std::uint32_t>(number);
+  else if (!ReadText(&arg, text) || !units_->CodeOfText(text, code))
+    return units_->IsSymbol(text);
+  return code == 0 || (kind_of_code(code) == CodeKind::unit && units_->IsKnown(code));
+}
+
 void Function_CContext::CheckRange(std::size_t index, const Function_CInput& input, const FUNCTION_ARG& arg,
                                    std::uint32_t& status, std::uint32_t& flags) noexcept {
   const auto fail = [&status, &flags] {
@@ -225,7 +236,12 @@ void Function_CContext::CheckRange(std::size_t index, const Function_CInput& inp
     value = arg.number;
   } else if (!ReadNumber(&arg, value)) {
     fail();
-    ReportError(index, u"is not a valid number");
+    MessageText text;
+    if (input.place.kind == record::Field::Kind::numbers)
+      text << u"needs an array of " << input.place.count << u" numbers";
+    else
+      text << u"is not a valid number";
+    ReportError(index, text.view());
     return;
   }
   if (input.enumerated) {
@@ -270,6 +286,7 @@ void Function_CContext::CompleteOutputs(std::uint32_t& status, const Function_CF
   }
   if (status != ERROR_OK && spec.has(FUNCTION_FALLBACK) && WriteFallbackOutputs(spec, output)) {
     flags |= FLAG_OUTPUT_FALLBACK;
+    replaced_status_ = status;
     status = ERROR_OK;
   }
   if (status == ERROR_OK && output.kind == ARG_ARRAY && output.array.columns == 1 && output.array.rows >= 2) {

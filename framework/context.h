@@ -73,6 +73,13 @@ class Function_CContext {
   std::uint32_t Execute(const Function_CFunctionSpec& spec, FUNCTION_ARG* args, std::size_t count,
                         FUNCTION_ARG& output, std::uint32_t& flags, std::uint64_t* data_slot = nullptr) noexcept;
 
+  // The status of the last call that its fallback outputs replaced, 0 when they did not; and the same, but 0 where
+  // those outputs tell of the failure themselves. A cell shows what is concealed, not the plausible 0 beside it.
+  std::uint32_t replaced_status() const noexcept { return replaced_status_; }
+  std::uint32_t concealed_error() const noexcept {
+    return replaced_status_ == ERROR_OK || specification_->outputs_tell_failure() ? ERROR_OK : replaced_status_;
+  }
+
   // Memory of the call; null when refused.
   void* Allocate(std::size_t size) noexcept { return arena_.Allocate(size); }
   Core_CArena& arena() noexcept { return arena_; }
@@ -131,7 +138,6 @@ class Function_CContext {
   std::uint64_t* data_slot() const noexcept { return data_slot_; }
   Function_CDataManager& data_manager() noexcept { return data_manager_; }
   std::uint32_t conversion_error() const noexcept { return conversion_error_; }
-  void SetConversionError(std::uint32_t code) noexcept { conversion_error_ = code; }
   // Given to Reset, or fetched on first use; null when the host does not know.
   const Function_CCallerInfo* caller_info() noexcept {
     if (caller_ == nullptr) caller_ = FetchCallerInfo();
@@ -162,6 +168,7 @@ class Function_CContext {
   void SubstituteDefaults(const Function_CFunctionSpec& spec, FUNCTION_ARG* args, std::size_t n) noexcept;
   void CheckName(const Function_CFunctionSpec& spec, const FUNCTION_ARG* args, std::size_t count) noexcept;
   void CheckTypes(const Function_CFunctionSpec& spec, const FUNCTION_ARG* args, std::size_t n) noexcept;
+  bool IsUnit(const FUNCTION_ARG& arg) noexcept;
   void CheckRange(std::size_t index, const Function_CInput& input, const FUNCTION_ARG& arg, std::uint32_t& status,
                   std::uint32_t& flags) noexcept;
   void ReportArgument(std::uint32_t level, std::size_t index, std::u16string_view message) noexcept;
@@ -176,6 +183,7 @@ class Function_CContext {
   const Function_CLibrary* library_;
   const Unit_CTypeAndUnitContainer* units_;
   std::uint32_t conversion_error_ = ERROR_OK;
+  std::uint32_t replaced_status_ = ERROR_OK;
   bool messages_enabled_ = false;
   Function_CDataManager data_manager_;
   HookNode* pre_hooks_ = nullptr;

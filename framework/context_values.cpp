@@ -317,8 +317,8 @@ bool Function_CContext::ReadIdentifier(const FUNCTION_ARG* arg, std::uint32_t& c
     code = static_cast<std::uint32_t>(value);
     return true;
   }
-  if (arg->kind > ARG_EMPTY) {
-    // A host's own kind (a reference of cells): the first of its values decides.
+  if (arg->kind == ARG_ARRAY || arg->kind > ARG_EMPTY) {
+    // Cells, or a host's own kind (a reference of cells): the first of the values decides.
     FUNCTION_ARG::Array cells;
     if (ReadArray(arg, cells) && std::uint64_t{cells.columns} * cells.rows != 0 &&
         cells.elements->kind <= ARG_EMPTY && cells.elements->kind != ARG_ARRAY)

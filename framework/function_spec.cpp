@@ -6,8 +6,8 @@
 #include <string>
 
 #include "core/text.h"
-#include "framework/binding.h"
-#include "framework/context.h"
+#include "framework/retentive.h"
+#include "units/unit_catalogue.h"
 
 namespace norvane {
 namespace {
@@ -35,11 +35,6 @@ static_assert(std::size(math_keywords) == 16);
 constexpr Function_CGroup extended_group{u"Extended", u"General purpose functions", u"nv", 1, {}};
 constexpr Function_CGroup math_group{u"Math", u"Mathematical functions", u"nv", 1, math_keywords};
 constexpr Function_CGroup gerg_math_group{u"GergMath", u"Mathematical functions", u"nv", 1, {}};
-
-// Number of the enumeration value "function disabled", which stands for a status that was never calculated.
-constexpr std::uint32_t disabled_status =
-    make_code(CodeKind::enumeration_value, type_number(enumeration::mathfunctionstatus), 6);
-static_assert(disabled_status == 0x02000E06);
 
 Core_CVariant to_variant(const record::Value& value) {
   Core_CVariant out;
@@ -193,9 +188,11 @@ Function_CFunctionSpec::Function_CFunctionSpec(const Function_CGroup& group_, Fu
 
 Function_CFunctionSpec::Function_CFunctionSpec(const record::Function& record)
     : Function_CFunctionSpec(Function_CGroup::Of(record.group),
-                             record.implementation != nullptr ? record.implementation : &run_bound, record.id,
-                             record.display, record.description, record.category, record.flags, record.inputs.size(),
-                             record.outputs.size()) {
+                             record.implementation != nullptr ? record.implementation
+                             : record.binding != nullptr      ? record.binding->run
+                                                              : nullptr,
+                             record.id, record.display, record.description, record.category, record.flags,
+                             record.inputs.size(), record.outputs.size()) {
   subcategory = record.subcategory;
   keywords = record.keywords;
   name_input = record.name_input;
@@ -249,6 +246,15 @@ Function_CStatusValue* Function_CFunctionSpec::AllocateStatusValues(std::size_t 
   return record.status_values.get();
 }
 
+bool Function_CFunctionSpec::outputs_tell_failure() const noexcept {
+  for (const Function_COutput& output : output_records()) {
+    if (output.role == 1 || !output.fallback.empty()) return true;
+    for (const Function_CStatusValue& value : output.values())
+      if (value.value == 0.0) return true;
+  }
+  return false;
+}
+
 void Function_CLibrary::Register(const Function_CFunctionSpec& spec) { map_.Insert(spec.worksheet_name(), &spec); }
 
 const Function_CFunctionSpec* Function_CLibrary::Find(std::u16string_view worksheet_name) const noexcept {
@@ -259,27 +265,6 @@ const Function_CFunctionSpec* Function_CLibrary::Find(std::u16string_view worksh
 const Function_CFunctionSpec* Function_CLibrary::FindVisible(std::u16string_view worksheet_name) const noexcept {
   const Function_CFunctionSpec* found = Find(worksheet_name);
   return found != nullptr && found->visible() ? found : nullptr;
-}
-
-std::uint32_t default_status_filler(Function_CContext& context, const Function_CFunctionSpec& spec,
-                                    FUNCTION_ARG& output) {
-  if (spec.has(FUNCTION_FALLBACK) && !context.WriteFallbackOutputs(spec, output)) return ERROR_OUTPUTMISMATCH;
-  bool filled = false;
-  for (std::size_t i = 0; i < spec.output_count; ++i) {
-    if (spec.outputs[i].role != 1) continue;
-    const Unit_CEntry* entry = nullptr;
-    if (context.units().EnumerationValueDetails(disabled_status, entry) != UNIT_OK) break;
-    const FUNCTION_ARG value = FUNCTION_ARG::Integer(static_cast<std::int32_t>(entry->factor));
-    if (spec.output_count == 1) {
-      output = value;
-    } else if (output.kind == ARG_ARRAY && i < output.count()) {
-      output.array.elements[i] = value;
-    } else {
-      continue;
-    }
-    filled = true;
-  }
-  return filled ? ERROR_OK : ERROR_OUTPUTMISMATCH;
 }
 
 }  // namespace norvane

@@ -153,6 +153,9 @@ class Function_CFunctionSpec {
   std::unique_ptr<const Function_CRegisteredType> memory_type;
 
   bool has(FUNCTION_FLAGS flag) const noexcept { return (flags & flag) != 0; }
+  // Whether the fallback outputs of a failed call show that it failed: by a status output, by a value of their own,
+  // or because the 0 that stands for none is listed as the value of a failure.
+  bool outputs_tell_failure() const noexcept;
   bool visible() const noexcept { return !has(FUNCTION_HIDDEN) && enabled_state == 1; }
   std::u16string worksheet_name() const { return std::u16string(group->prefix).append(id); }
   std::span<const Function_CInput> input_records() const noexcept { return {inputs.get(), input_count}; }

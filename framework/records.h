@@ -111,6 +111,7 @@ struct Binding {
     const void* prototype = nullptr;  // what no line fills keeps the values of this one
     const void* identity = nullptr;
   };
+  Function_Implementation run = nullptr;  // reads, calculates, writes
   Structure arguments{};
   Structure results{};
   Outcome (*calculate)(const void* arguments, void* results, void* memory) noexcept = nullptr;

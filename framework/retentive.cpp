@@ -7,7 +7,7 @@
 #include <mutex>
 #include <new>
 
-#include "framework/context.h"
+#include "core/text.h"
 
 namespace norvane {
 namespace {
@@ -19,30 +19,6 @@ class MutexSynchronization final : public Function_CSynchronization {
 
  private:
   std::mutex mutex_;
-};
-
-// Writes into a fixed buffer and cuts what does not fit.
-template <std::size_t Size>
-class KeyBuffer {
- public:
-  void Append(std::u16string_view text) noexcept {
-    const std::size_t room = Size - length_;
-    const std::size_t n = text.size() < room ? text.size() : room;
-    if (n != 0) std::memcpy(buffer_ + length_, text.data(), n * sizeof(char16_t));
-    length_ += n;
-  }
-  // As a pointer prints: 16 hexadecimal digits.
-  void AppendAddress(const void* address) noexcept {
-    char16_t digits[16];
-    auto value = reinterpret_cast<std::uintptr_t>(address);
-    for (int i = 15; i >= 0; --i, value >>= 4) digits[i] = u"0123456789ABCDEF"[value & 0xF];
-    Append({digits, 16});
-  }
-  std::u16string_view view() const noexcept { return {buffer_, length_}; }
-
- private:
-  char16_t buffer_[Size];
-  std::size_t length_ = 0;
 };
 
 constexpr std::uint64_t make_handle(std::size_t index, std::uint32_t generation) {
@@ -100,7 +76,8 @@ std::uint32_t Function_CSynchronizedData::GetBuffer(void*& bytes, std::size_t& s
 
 std::uint32_t Function_CSynchronizedData::SetBuffer(const void* bytes, std::size_t size) noexcept {
   if (bytes == nullptr || size == 0) return 1;
-  if (bytes == buffer_ && size <= size_) {
+  if (bytes == buffer_) {
+    if (size > size_) return 1;
     size_ = size;
     return 0;
   }
@@ -201,46 +178,6 @@ Function_CData* Function_CDataManager::Open(const Function_CRegisteredType& type
   } catch (...) {
     return nullptr;
   }
-}
-
-bool Function_CDataAccessor::Open(Function_CContext& context, const Function_CRegisteredType& type,
-                                  std::u16string_view name, bool global) noexcept {
-  Close();
-  context.HostNotify1();
-  Function_CDataManager& manager = context.data_manager();
-  std::uint64_t* const slot = context.data_slot();
-  if (slot != nullptr && *slot != 0) {
-    // A calling place whose formula changed holds an object of another function: not this one's.
-    Function_CData* held = manager.OfHandle(*slot);
-    if (held != nullptr && held->type == &type) {
-      data_ = held;
-      return true;
-    }
-  }
-  KeyBuffer<64> derived;
-  const bool unnamed = name.empty();
-  if (slot != nullptr && name.empty()) {
-    derived.Append(u"CachedData:");
-    derived.AppendAddress(slot);
-    name = derived.view();
-  }
-  const Function_CCallerInfo* caller = context.caller_info();
-  KeyBuffer<1024> key;
-  if (name.empty()) {
-    if (caller != nullptr) key.Append(caller->range_text);
-  } else if (global) {
-    key.Append(name);
-  } else {
-    key.Append(type.name());
-    key.Append(u".");
-    if (caller != nullptr) key.Append(caller->scope_text);
-    key.Append(u"!");
-    key.Append(name);
-  }
-  data_ = manager.Open(type, key.view(), name, caller != nullptr ? caller->range_text : std::u16string_view{});
-  if (data_ != nullptr) data_->unnamed = unnamed;
-  if (data_ != nullptr && slot != nullptr) *slot = data_->handle;
-  return data_ != nullptr;
 }
 
 }  // namespace norvane

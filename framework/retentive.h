@@ -1,4 +1,4 @@
-// Retentive data: what a function keeps from one call to the next.
+// Retentive data: what a function keeps from one call to the next. A call opens its own with a data accessor.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,6 @@
 
 namespace norvane {
 
-class Function_CContext;
 class Function_CData;
 
 // One static object per kind of retentive data.
@@ -102,8 +101,8 @@ class Function_CSynchronizedData : public Function_CData {
   // 0: the buffer that exists, whatever size was requested; 2: a new one, zero-filled; 4: none exists and the
   // requested size is 0 (also when memory is refused).
   virtual std::uint32_t GetBuffer(void*& bytes, std::size_t& size, std::size_t requested) noexcept;
-  // 1: bytes absent or size 0; 0: the payload is a copy of the bytes. The object's
-  // own buffer with a smaller size is kept and cut.
+  // 1: bytes absent, size 0, or more of the object's own buffer than it has; 0: the payload is a copy of the bytes.
+  // The object's own buffer with a smaller size is kept and cut.
   virtual std::uint32_t SetBuffer(const void* bytes, std::size_t size) noexcept;
   virtual std::uint32_t FreeBuffer() noexcept;
 
@@ -152,29 +151,6 @@ class Function_CDataManager {
   std::vector<std::uint32_t> free_handles_;
   Function_CData* in_use_ = nullptr;
   bool no_replace_ = false;
-};
-
-// Holds the data object of one call; letting go does not destroy the object.
-class Function_CDataAccessor {
- public:
-  Function_CDataAccessor() = default;
-  ~Function_CDataAccessor() { Close(); }
-  Function_CDataAccessor(const Function_CDataAccessor&) = delete;
-  Function_CDataAccessor& operator=(const Function_CDataAccessor&) = delete;
-
-  // The object in the caller's data slot when it is of this type; otherwise the one under the key of type, caller
-  // and name, made when there is none, its handle stored in the slot. An empty name stands for the calling place.
-  bool Open(Function_CContext& context, const Function_CRegisteredType& type, std::u16string_view name,
-            bool global = false) noexcept;
-  void Close() noexcept { data_ = nullptr; }
-  Function_CData* data() const noexcept { return data_; }
-  template <class Data>
-  Data& as() const noexcept {
-    return static_cast<Data&>(*data_);
-  }
-
- private:
-  Function_CData* data_ = nullptr;
 };
 
 }  // namespace norvane

@@ -11,7 +11,7 @@
 // every output without a value here, unless the line is "delivered". Tolerances are relative ("rtol", 1e-9 when there
 // is none) or absolute ("atol"), of single outputs in "rtols" and "atols". The status is a number or "refused", where
 // the fallback outputs stand in for the worksheet error "error". "blames" is the key of an input that a message must
-// name, or a list of them, "says" a part of a message.
+// name, or a list of them, "says" a part of a message, "messages" a list of all of them.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -138,10 +138,17 @@ class Calls : public testing::TestWithParam<std::filesystem::path> {
     for (const json& key : blamed.is_array() ? blamed : json::array({blamed}))
       EXPECT_TRUE(told("] " + key.get<std::string>() + " ")) << "does not blame " << key << answer();
     EXPECT_TRUE(!line.contains("says") || told(line["says"].get<std::string>())) << answer();
-    EXPECT_TRUE(status <= 0 || !call.context().messages.empty()) << "no message";
+    EXPECT_TRUE(status == 0 || !call.context().messages.empty()) << "no message";
+    if (line.contains("messages")) {
+      json texts = json::array();
+      for (const auto& message : call.context().messages) texts.push_back(to_utf8(message.substr(2)));
+      EXPECT_EQ(texts, line["messages"]);
+    }
     if (line.contains("error")) {
       EXPECT_EQ(to_utf8(error_text(call.error())), line["error"].get<std::string>()) << answer();
     }
+    // A cell shows the error where the fallback outputs would conceal it.
+    EXPECT_EQ(call.shown_error(), call.spec().outputs_tell_failure() ? 0 : call.error()) << answer();
   }
 
   json gases_ = json::object(), answers_;

@@ -297,6 +297,12 @@ bool Unit_CTypeAndUnitContainer::CodeOfText(std::u16string_view text, std::uint3
   return true;
 }
 
+bool Unit_CTypeAndUnitContainer::IsSymbol(std::u16string_view text) const noexcept {
+  return std::any_of(std::begin(rows), std::end(rows), [text](const Row& row) {
+    return row.kind == CodeKind::unit && equal_ignoring_case(row.text, text);
+  });
+}
+
 std::uint32_t Unit_CTypeAndUnitContainer::ListMembers(CodeKind kind, std::uint32_t type,
                                                       std::vector<std::uint32_t>& codes) const {
   codes.clear();

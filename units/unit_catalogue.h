@@ -71,6 +71,8 @@ class Unit_CTypeAndUnitContainer {
   // Key (any case) of a unit or type, or data type name (exact case). False and code 0 when
   // not found; an empty text gives code 0 and true.
   bool CodeOfText(std::u16string_view text, std::uint32_t& code) const noexcept;
+  // Whether at least one unit bears this symbol, in any case. Walks through the units.
+  bool IsSymbol(std::u16string_view text) const noexcept;
   // type 0: every entry of that kind in map order; otherwise the type's members of that kind in their order.
   std::uint32_t ListMembers(CodeKind kind, std::uint32_t type, std::vector<std::uint32_t>& codes) const;
   static std::uint32_t KindOfCode(std::uint32_t code) noexcept;

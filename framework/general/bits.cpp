@@ -30,8 +30,12 @@ std::uint32_t bit_test(Function_CContext& context, FUNCTION_ARG* args, std::size
   const Arguments arg{args, count};
   double number = 0.0;
   std::int32_t bit = 0;
-  if (!context.ReadNumber(arg[0], number) || !context.ReadInteger(arg[1], bit)) return ERROR_VALUE;
-  if (!std::isfinite(number) || static_cast<std::uint32_t>(bit) > 31) return ERROR_VALUE;
+  if (!context.ReadNumber(arg[0], number) || !read_whole(context, arg[1], bit)) return ERROR_VALUE;
+  if (!std::isfinite(number)) {
+    context.ReportError(0, u"is not a finite number");
+    return ERROR_VALUE;
+  }
+  if (static_cast<std::uint32_t>(bit) > 31) return ERROR_VALUE;
   output = FUNCTION_ARG::Integer(static_cast<std::int32_t>(low_bits(number) >> bit & 1u));
   return ERROR_OK;
 }
@@ -51,13 +55,16 @@ std::uint32_t bits_to_number(Function_CContext& context, FUNCTION_ARG* args, std
     double place = 1.0;
     for (std::uint32_t i = 0; i < (bits.rows != 0 ? bits.columns : 0); ++i, place *= 2.0) {
       std::int32_t bit = 0;
-      if (!context.ReadInteger(&bits.elements[i], bit)) return ERROR_VALUE;
+      if (!context.ReadInteger(&bits.elements[i], bit)) {
+        context.ReportError(0, u"has a cell that is not a whole number");
+        return ERROR_VALUE;
+      }
       // The place counts whatever the bit is: n readable cells give 2^n - 1, and sheets rely on it. Intended.
       sum += place;
     }
   }
   std::int32_t base = 0;
-  if (!context.ReadInteger(arg[1], base, 10)) return ERROR_VALUE;
+  if (!read_whole(context, arg[1], base)) return ERROR_VALUE;
   // The description names 8 and 16 as well, but base 10 alone has ever been accepted. Intended.
   if (base != 10) {
     context.ReportError(1, u"should be 10");
@@ -77,8 +84,8 @@ std::uint32_t number_to_number(Function_CContext& context, FUNCTION_ARG* args, s
   std::int32_t from = 0;
   std::int32_t to = 0;
   std::int32_t length = 0;
-  if (!context.ReadText(arg[0], text) || !context.ReadInteger(arg[1], from) || !context.ReadInteger(arg[2], to) ||
-      !context.ReadInteger(arg[3], length))
+  if (!context.ReadText(arg[0], text) || !read_whole(context, arg[1], from) || !read_whole(context, arg[2], to) ||
+      !read_whole(context, arg[3], length))
     return ERROR_VALUE;
   if (from < 2 || from > 16 || to < 2 || to > 16 || length < 0 || length > static_cast<std::int32_t>(longest))
     return ERROR_VALUE;
@@ -117,7 +124,7 @@ constexpr record::Output bit_test_outputs[] = {
 
 constexpr record::Input bits_inputs[] = {
     record::input(u"bits", u"Bits", u"Range of bits", data_type::any).required().range(),
-    record::input(u"base", u"Base", u"Base (8,10,16)", data_type::integer).required(),
+    record::input(u"base", u"Base", u"Base (8,10,16)", data_type::integer).otherwise(10),
 };
 constexpr record::Output bits_outputs[] = {
     record::output(u"Num", u"Number", u"Sum of the place values", data_type::num, u""),

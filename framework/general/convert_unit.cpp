@@ -1,4 +1,5 @@
 // ConvertUnit: converts a value between two units of one quantity, given by code, key or symbol.
+#include <cmath>
 #include <cstdint>
 #include <iterator>
 #include <memory>
@@ -8,8 +9,8 @@
 #include "core/string_map.h"
 #include "framework/call.h"
 #include "framework/context.h"
+#include "framework/data_accessor.h"
 #include "framework/records.h"
-#include "framework/retentive.h"
 #include "units/unit_catalogue.h"
 
 namespace norvane::functions {
@@ -68,55 +69,45 @@ class CSymbols final : public Function_CData {
 
 const Function_CTypeOf<CSymbols, true> symbols_type{u"ConvertUnit_GetUnitID"};
 
-// Code of a symbol. False when it is none or several, with the complaint.
-bool code_of_symbol(Function_CContext& context, std::u16string_view text, std::uint32_t& code,
-                    std::u16string_view& complaint) noexcept {
-  complaint = not_a_unit;
+// Code of a symbol; 0 when it is none, or several, with the complaint about what only this function can know.
+std::uint32_t code_of_symbol(Function_CContext& context, std::u16string_view text,
+                             std::u16string_view& complaint) noexcept {
   Function_CDataAccessor accessor;
-  if (!accessor.Open(context, symbols_type, u"ConvertUnit", true)) return false;
-  const SymbolMap* map = accessor.as<CSymbols>().Map(context.units());
-  const std::uint32_t* found = map != nullptr ? map->Find(text) : nullptr;
-  if (found == nullptr) return false;
-  if (*found == 0) {
-    complaint = ambiguous;
-    return false;
+  const SymbolMap* map = nullptr;
+  if (accessor.Open(context, symbols_type, u"ConvertUnit", true)) map = accessor.as<CSymbols>().Map(context.units());
+  if (map == nullptr) {
+    complaint = not_a_unit;  // memory is refused
+    return 0;
   }
-  code = *found;
-  return true;
+  const std::uint32_t* found = map->Find(text);
+  if (found == nullptr) return 0;
+  if (*found == 0) complaint = ambiguous;
+  return *found;
 }
 
 enum class In { name, input_value, input_unit, output_unit, count };
 enum class Out { output_value, conversion_error, count };
 
-// A unit as code, key or symbol. A code is not checked here: a wrong one shows when it
-// is used. Code 0 (an empty text or cell) is a failure.
+// A unit as code, key or symbol. A code is not checked here: a wrong one shows when it is used. Code 0 (an empty
+// text or cell) is a failure. What is no unit at all has been reported by the checks of the arguments.
 bool read_unit(Call& call, In index, std::uint32_t& code) noexcept {
   Function_CContext& context = call.context();
   const FUNCTION_ARG* arg = call.argument(index);
   std::int32_t number = 0;
+  std::u16string_view text;
+  std::u16string_view complaint;
   if (context.ReadInteger(arg, number)) {
     code = static_cast<std::uint32_t>(number);
-    return code != 0;
+    if (code == 0 && arg->kind != ARG_EMPTY) complaint = not_a_unit;
+  } else if (!context.ReadText(arg, text)) {
+    return false;
+  } else if (!context.units().CodeOfText(text, code)) {
+    code = code_of_symbol(context, text, complaint);
+  } else if (code == 0) {
+    complaint = not_a_unit;
   }
-  std::u16string_view text;
-  if (!context.ReadText(arg, text)) return false;
-  if (context.units().CodeOfText(text, code)) return code != 0;
-  std::u16string_view complaint;
-  if (code_of_symbol(context, text, code, complaint)) return true;
-  context.ReportError(static_cast<std::size_t>(index), complaint);
-  return false;
-}
-
-void report_mismatch(Call& call, std::uint32_t from, std::uint32_t to) noexcept {
-  Function_CContext& context = call.context();
-  if (!context.messages_enabled()) return;
-  const auto is_unit = [&context](std::uint32_t code) {
-    const Unit_CEntry* entry = nullptr;
-    return context.units().UnitDetails(code, entry) == UNIT_OK;
-  };
-  if (!is_unit(from)) context.ReportError(static_cast<std::size_t>(In::input_unit), not_a_unit);
-  if (!is_unit(to)) context.ReportError(static_cast<std::size_t>(In::output_unit), not_a_unit);
-  if (is_unit(from) && is_unit(to)) context.ReportError(u"Input- and Output unit are not of the same type");
+  if (!complaint.empty()) context.ReportError(static_cast<std::size_t>(index), complaint);
+  return code != 0;
 }
 
 std::uint32_t convert_unit(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
@@ -128,10 +119,13 @@ std::uint32_t convert_unit(Function_CContext& context, FUNCTION_ARG* args, std::
   const bool has_from = read_unit(call, In::input_unit, from);
   const bool has_to = read_unit(call, In::output_unit, to);
   if (!has_value || !has_from || !has_to) return ERROR_VALUE;
-  if (context.units().Convert(from, to, value) != UNIT_OK) {
-    report_mismatch(call, from, to);
+  if (const std::uint32_t result = context.units().Convert(from, to, value); result != UNIT_OK) {
+    if (result == UNIT_MISMATCH && context.units().IsKnown(from) && context.units().IsKnown(to))
+      context.ReportError(u"Input- and Output unit are not of the same type");
     return ERROR_VALUE;
   }
+  if (!std::isfinite(value))
+    context.ReportError(static_cast<std::size_t>(In::input_value), u"gives a value that is not a finite number");
   call.set(Out::output_value, value);
   call.set_integer(Out::conversion_error, 0);
   return call.done();
@@ -184,7 +178,10 @@ const record::Function ConvertUnit = {
         u"Absolute, gauge and differential pressures are quantities of their own and are not converted into "
         u"each other, nor volumes into standard volumes.\n"
         u"value in the output unit = (value * factor + offset - output offset) / output factor, by way of the base "
-        u"unit, with the factors of the unit tables.\n",
+        u"unit, with the factors of the unit tables. Some of these are not the physical ones and are kept, because "
+        u"results in service depend on them: between in3, kg_kmol, g_mol, lb_lbmol, klb_klbmol, lbmol, klbmol, Mcal, "
+        u"Btu_lbmol, kBtu_lbmol, Btu_lbmol_degF and other units the result is wrong by a factor of 1000 or more, with "
+        u"in3_pulse by 0.08 %, with mmH2O_60_degF, mmH2Oa_60_degF, mmH2Og_60_degF and mmH2O_60_degF_d by 0.0016 %.\n",
 };
 
 }  // namespace norvane::functions

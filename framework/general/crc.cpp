@@ -26,7 +26,7 @@ bool add_element(Function_CContext& context, const FUNCTION_ARG& element, std::u
 // The register starts at 0 and is not inverted at the end.
 std::uint32_t checksum(Function_CContext& context, FUNCTION_ARG* args, std::size_t count, FUNCTION_ARG& output) {
   FUNCTION_ARG::Array range{};
-  if (!context.ReadArray(Arguments{args, count}[0], range)) return ERROR_VALUE;
+  if (!read_range(context, {args, count}, 0, range)) return ERROR_VALUE;
   const auto bits = [](const FUNCTION_ARG& number) { return std::bit_cast<std::uint64_t>(number.number); };
   const FUNCTION_ARG* element = range.elements;
   std::uint32_t state = 0;
@@ -37,7 +37,10 @@ std::uint32_t checksum(Function_CContext& context, FUNCTION_ARG* args, std::size
       left -= 2;
       continue;
     }
-    if (!add_element(context, *element, state)) return element->error;
+    if (!add_element(context, *element, state)) {
+      context.ReportError(0, u"has a cell that holds an error");
+      return element->error;
+    }
     ++element;
     --left;
   }

@@ -56,9 +56,10 @@ std::uint32_t function_test(Function_CContext& context, FUNCTION_ARG* args, std:
   FUNCTION_ARG::Array values{};
   FUNCTION_ARG::Array references{};
   FUNCTION_ARG::Array precisions{};
-  if (!context.ReadArray(arg[1], values) || !context.ReadArray(arg[2], references)) return ERROR_VALUE;
-  const bool precise = arg[3] != nullptr && arg[3]->kind != ARG_MISSING && arg[3]->kind != ARG_EMPTY;
-  if (precise && !context.ReadArray(arg[3], precisions)) return ERROR_VALUE;
+  if (!read_range(context, arg, 1, values) || !read_range(context, arg, 2, references)) return ERROR_VALUE;
+  // Only an omitted argument means "no precisions": one that is there and empty is a mistake.
+  const bool precise = arg[3] != nullptr && arg[3]->kind != ARG_MISSING;
+  if (precise && !read_range(context, arg, 3, precisions)) return ERROR_VALUE;
   if (!same_shape(values, references) || (precise && !same_shape(values, precisions))) {
     context.ReportError(u"all ranges should have the same dimensions");
     return ERROR_VALUE;

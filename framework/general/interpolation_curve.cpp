@@ -2,14 +2,15 @@
 //
 //   (x_k, y_k)   reference point k = 0, 1, ..., n - 1, the inputs x_k increasing
 //   X            input value
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
 #include "framework/call.h"
 #include "framework/context.h"
+#include "framework/data_accessor.h"
 #include "framework/general/arguments.h"
 #include "framework/records.h"
-#include "framework/retentive.h"
 
 namespace norvane::functions {
 namespace {
@@ -165,10 +166,13 @@ std::uint32_t interpolate(Function_CContext& context, FUNCTION_ARG* args, std::s
   }
 
   Function_CDataAccessor accessor;
-  if (!accessor.Open(context, stored_curve, {})) return ERROR_NA;
-  Stored* const stored =
-      open_store(accessor.as<Function_CSynchronizedData>(), std::uint64_t{range.columns} * range.rows);
-  if (stored == nullptr) return ERROR_NA;
+  Stored* stored = nullptr;
+  if (accessor.Open(context, stored_curve, {}))
+    stored = open_store(accessor.as<Function_CSynchronizedData>(), std::uint64_t{range.columns} * range.rows);
+  if (stored == nullptr) {
+    context.ReportError(static_cast<std::size_t>(In::reference_values), u"cannot be kept for the next call");
+    return ERROR_NA;
+  }
   bool changed = stored->initialised == 0;
   stored->initialised = 1;
 
@@ -183,6 +187,8 @@ std::uint32_t interpolate(Function_CContext& context, FUNCTION_ARG* args, std::s
   }
   if (changed) stored->change_time = change_clock;
 
+  if (!std::isfinite(curve.value()))
+    context.ReportError(static_cast<std::size_t>(In::input_value), u"gives a value that is not a finite number");
   call.set(Out::value, curve.value());
   call.set(Out::datetime, stored->change_time);
   call.set_integer(Out::out_of_range, curve.out_of_range() ? 1 : 0);

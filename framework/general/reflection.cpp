@@ -11,25 +11,49 @@
 namespace norvane::functions {
 namespace {
 
-// The visible function of a worksheet name, or none with the status of the call.
-const Function_CFunctionSpec* find_function(Function_CContext& context, const FUNCTION_ARG* arg,
-                                            std::uint32_t& status) noexcept {
-  std::u16string_view name;
-  if (!context.ReadText(arg, name)) {
-    status = ERROR_VALUE;
-    return nullptr;
-  }
-  const Function_CFunctionSpec* spec = context.library().FindVisible(name);
-  status = spec != nullptr ? ERROR_OK : ERROR_NA;
-  if (spec == nullptr) context.ReportError(0, u"is not a function");
-  return spec;
+// What a property function is asked: a property of a function, or of one of its inputs or outputs.
+struct Question {
+  const Function_CFunctionSpec* spec = nullptr;
+  std::uint32_t index = 0;
+  std::int32_t property = 0;
+};
+
+// The scalar that stands for an argument: the first cell of a range.
+const FUNCTION_ARG& scalar(const FUNCTION_ARG& arg) noexcept {
+  return arg.kind == ARG_ARRAY && arg.count() != 0 && arg.array.elements != nullptr ? arg.array.elements[0] : arg;
 }
 
-// A number that is no 32-bit unsigned one is another error than a value that is no number.
-std::uint32_t read_index(Function_CContext& context, const FUNCTION_ARG* arg, std::uint32_t& index) noexcept {
-  double number = 0.0;
-  if (!context.ReadNumber(arg, number)) return ERROR_VALUE;
-  return context.ReadUnsigned(arg, index) ? ERROR_OK : ERROR_NUM;
+// Reads every argument before it judges any: (function, property), or (function, index, property) for one of so
+// many inputs or outputs as the count says. The status of the call.
+std::uint32_t read_question(Function_CContext& context, Arguments arg, Question& question,
+                            std::size_t Function_CFunctionSpec::*indexed = nullptr,
+                            std::u16string_view beyond = {}) noexcept {
+  const std::size_t last = indexed != nullptr ? 2 : 1;
+  std::u16string_view name;
+  double index = 0.0;
+  if (!context.ReadText(arg[0], name) || (indexed != nullptr && !context.ReadNumber(arg[1], index)) ||
+      !read_whole(context, arg[last], question.property))
+    return ERROR_VALUE;
+  // A number reads as a text too, but is no name.
+  const std::uint32_t kind = scalar(*arg[0]).kind;
+  if (kind != ARG_STRING && kind != ARG_EMPTY) {
+    context.ReportError(0, u"is not a valid text");
+    return ERROR_VALUE;
+  }
+  if (indexed != nullptr && !context.ReadUnsigned(arg[1], question.index)) {
+    context.ReportError(1, u"should be between 0 and 4294967295");
+    return ERROR_NUM;
+  }
+  question.spec = context.library().FindVisible(name);
+  if (question.spec == nullptr) {
+    context.ReportError(0, u"is not a function");
+    return ERROR_NA;
+  }
+  if (indexed != nullptr && question.index >= question.spec->*indexed) {
+    context.ReportError(1, beyond);
+    return ERROR_NA;
+  }
+  return ERROR_OK;
 }
 
 std::uint32_t set_text(Function_CContext& context, FUNCTION_ARG& output, std::u16string_view text) noexcept {
@@ -67,13 +91,11 @@ std::uint32_t set_bound(FUNCTION_ARG& output, bool present, double bound) noexce
 
 std::uint32_t function_property(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
                                 FUNCTION_ARG& output) {
-  const Arguments arg{args, count};
-  std::uint32_t status = ERROR_OK;
-  const Function_CFunctionSpec* spec = find_function(context, arg[0], status);
-  std::int32_t property = 0;
-  if (status == ERROR_VALUE || !context.ReadInteger(arg[1], property)) return ERROR_VALUE;
-  if (spec == nullptr) return status;
-  switch (property) {
+  Question question;
+  const std::uint32_t status = read_question(context, {args, count}, question);
+  if (status != ERROR_OK) return status;
+  const Function_CFunctionSpec* const spec = question.spec;
+  switch (question.property) {
     case 1: return set_text(context, output, spec->category);
     case 2: return set_text(context, output, spec->subcategory);
     case 3: return set_text(context, output, spec->description);
@@ -89,19 +111,11 @@ std::uint32_t function_property(Function_CContext& context, FUNCTION_ARG* args, 
 
 std::uint32_t input_property(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
                              FUNCTION_ARG& output) {
-  const Arguments arg{args, count};
-  std::uint32_t status = ERROR_OK;
-  const Function_CFunctionSpec* spec = find_function(context, arg[0], status);
-  std::uint32_t index = 0;
-  std::int32_t property = 0;
-  const std::uint32_t index_status = read_index(context, arg[1], index);
-  if (status == ERROR_VALUE || !context.ReadInteger(arg[2], property)) return ERROR_VALUE;
-  if (index_status != ERROR_OK) return index_status;
-  if (spec == nullptr) return status;
-  if (index >= spec->input_count) {
-    context.ReportError(1, u"is not an input of the function");
-    return ERROR_NA;
-  }
+  Question question;
+  const std::uint32_t status = read_question(context, {args, count}, question, &Function_CFunctionSpec::input_count,
+                                             u"is not an input of the function");
+  if (status != ERROR_OK) return status;
+  const auto [spec, index, property] = question;
   const Function_CInput& input = spec->inputs[index];
   switch (property) {
     case 1: return set_text(context, output, input.key);
@@ -121,19 +135,11 @@ std::uint32_t input_property(Function_CContext& context, FUNCTION_ARG* args, std
 
 std::uint32_t output_property(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
                               FUNCTION_ARG& output) {
-  const Arguments arg{args, count};
-  std::uint32_t status = ERROR_OK;
-  const Function_CFunctionSpec* spec = find_function(context, arg[0], status);
-  std::uint32_t index = 0;
-  std::int32_t property = 0;
-  const std::uint32_t index_status = read_index(context, arg[1], index);
-  if (status == ERROR_VALUE || !context.ReadInteger(arg[2], property)) return ERROR_VALUE;
-  if (index_status != ERROR_OK) return index_status;
-  if (spec == nullptr) return status;
-  if (index >= spec->output_count) {
-    context.ReportError(1, u"is not an output of the function");
-    return ERROR_NA;
-  }
+  Question question;
+  const std::uint32_t status = read_question(context, {args, count}, question, &Function_CFunctionSpec::output_count,
+                                             u"is not an output of the function");
+  if (status != ERROR_OK) return status;
+  const auto [spec, index, property] = question;
   const Function_COutput& record = spec->outputs[index];
   switch (property) {
     case 1: return set_text(context, output, record.key);

@@ -5,6 +5,7 @@
 #include "hosts/cli/json_text.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/units_text.h"
+#include "units/unit_oddities.h"
 
 namespace norvane::cli {
 namespace {
@@ -13,6 +14,11 @@ std::vector<const Unit_CEntry*> known_units(const std::string& text) {
   std::vector<const Unit_CEntry*> named = units_named(text);
   if (named.empty()) throw UsageError(in_quotes(text) + " is no unit" + unit_suggestion(text));
   return named;
+}
+
+// The rounded factors put absolute zero itself a hair below 0 K.
+bool below_absolute_zero(const Unit_CTypeAndUnitContainer& units, std::uint32_t unit, double value) {
+  return units.Convert(unit, unit::K, value) == UNIT_OK && value < -1e-9;
 }
 
 }  // namespace
@@ -36,6 +42,9 @@ ExitCode convert(const ConvertOptions& options, Output& out) {
   if (source == nullptr)
     throw UsageError(to_utf8(from.front()->text) + " is a unit of " + quantity_of(from.front()->code) + ", but " +
                      to_utf8(to.front()->text) + " is one of " + quantity_of(to.front()->code));
+  if (below_absolute_zero(units, source->code, value))
+    throw UsageError(to_utf8(format_number(value)) + " " + to_utf8(source->text) + " is below absolute zero");
+  const std::string warning = to_utf8(conversion_warning(source->code, target->code));
   if (const std::uint32_t result = units.Convert(source->code, target->code, value); result != UNIT_OK)
     throw UsageError("the value cannot be converted");
   const bool finite = std::isfinite(value);
@@ -44,9 +53,14 @@ ExitCode convert(const ConvertOptions& options, Output& out) {
     append_value(out.buffer(), finite ? FUNCTION_ARG::Number(value) : FUNCTION_ARG::Empty());
     out.buffer() += ",\"unit\":";
     append_text(out.buffer(), target->key);
+    if (!warning.empty()) {
+      out.buffer() += ",\"warning\":";
+      append_text(out.buffer(), warning);
+    }
     out.write("}\n");
   } else {
     out.write(to_utf8(format_number(value)) + " " + to_utf8(target->text) + "\n");
+    if (!warning.empty()) tell("warning: " + warning + "\n");
   }
   return finite ? exit_good : exit_calculation;
 }

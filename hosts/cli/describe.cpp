@@ -1,3 +1,5 @@
+#include <set>
+
 #include "core/text.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/describe_json.h"
@@ -5,6 +7,7 @@
 #include "hosts/cli/record_text.h"
 #include "hosts/cli/table.h"
 #include "hosts/module/meaning.h"
+#include "units/unit_oddities.h"
 
 namespace norvane::cli {
 namespace {
@@ -22,6 +25,18 @@ void add_options(Table& table, const Description& description, std::size_t colum
     if (!option.key.empty() && !equal_names(option.key, option.text)) row.back() += " (" + option.key + ")";
     table.add(std::move(row));
   }
+}
+
+// One line a unit of the function that does not convert as it should.
+std::string warnings_of(const Function_CFunctionSpec& spec) {
+  std::set<std::uint32_t> codes;
+  for (const Function_CInput& input : spec.input_records()) codes.insert(input.type);
+  for (const Function_COutput& output : spec.output_records()) codes.insert(output.type);
+  std::string text;
+  for (const std::uint32_t code : codes)
+    if (const std::u16string warning = unit_warning(code); !warning.empty())
+      text += "\nWarning: values in other units are converted, and " + to_utf8(warning) + "\n";
+  return text;
 }
 
 std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFunctionSpec& spec) {
@@ -62,7 +77,7 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
                    number_text(meaning.number) + " = " + to_utf8(meaning.text) +
                        (meaning.id.empty() ? "" : " (" + to_utf8(meaning.id) + ")")});
   }
-  text += outputs.text();
+  text += outputs.text() + warnings_of(spec);
   if (!spec.notes.empty()) text += "\n" + to_utf8(spec.notes) + (spec.notes.ends_with(u'\n') ? "" : "\n");
   return text;
 }

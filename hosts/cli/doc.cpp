@@ -4,8 +4,10 @@
 #include "catalogue/catalogue.h"
 #include "core/text.h"
 #include "hosts/cli/commands.h"
+#include "hosts/cli/json_text.h"
 #include "hosts/cli/record_text.h"
 #include "hosts/module/meaning.h"
+#include "units/unit_oddities.h"
 
 namespace norvane::cli {
 namespace {
@@ -18,6 +20,13 @@ std::string escaped(std::string_view text) {
     out += c == '\n' ? ' ' : c;
   }
   return out;
+}
+
+// All digits of a factor.
+std::string full_number(double value) {
+  std::string text;
+  append_number(text, value);
+  return text;
 }
 
 std::string code(std::string_view text) { return "`" + std::string(text) + "`"; }
@@ -143,6 +152,33 @@ std::string link(const Function_CFunctionSpec& spec) {
   return "[" + escaped(id) + "](" + id + ".md)";
 }
 
+// Every quantity with its units, and a warning where a factor is not the physical one.
+std::string units_page(const Unit_CTypeAndUnitContainer& units) {
+  std::string out = "# Units\n\nWritten by `norvane doc` from the unit table; do not edit.\n\n";
+  out += "A value in the base unit, the first of each quantity, is the value times the factor plus the offset. A unit is\n"
+         "named by its key in any case, or by its symbol where only one unit bears it.\n";
+  std::vector<std::uint32_t> quantities, members;
+  units.ListMembers(CodeKind::quantity, 0, quantities);
+  for (const std::uint32_t quantity : quantities) {
+    const Unit_CEntry* entry = nullptr;
+    if (units.TypeDetails(quantity, entry) != UNIT_OK) continue;
+    out += "\n## " + escaped(to_utf8(entry->text)) + "\n\n";
+    head(out, {"Key", "Symbol", "Factor", "Offset", "Name"});
+    std::string warnings;
+    units.ListMembers(CodeKind::unit, quantity, members);
+    for (const std::uint32_t member : members) {
+      if (units.UnitDetails(member, entry) != UNIT_OK) continue;
+      const std::u16string warning = unit_warning(member);
+      row(out, {code(to_utf8(entry->key)), escaped(to_utf8(entry->text)),
+                full_number(entry->factor) + (warning.empty() ? "" : " (!)"),
+                entry->offset == 0.0 ? "" : full_number(entry->offset), escaped(to_utf8(entry->long_name))});
+      if (!warning.empty()) warnings += "- **Warning:** " + escaped(to_utf8(warning)) + "\n";
+    }
+    if (!warnings.empty()) out += "\n" + warnings;
+  }
+  return out;
+}
+
 std::string index_page() {
   std::map<std::string, std::vector<const Function_CFunctionSpec*>> standards, keywords;
   for (const Function_CFunctionSpec* spec : catalogue::specifications()) {
@@ -150,7 +186,7 @@ std::string index_page() {
     for (const std::string& word : keywords_of(*spec)) keywords[word].push_back(spec);
   }
   std::string out = "# Functions\n\nWritten by `norvane doc` from the catalogue's records; do not edit.\n\n";
-  out += "[By standard](#by-standard), [by keyword](#by-keyword)\n\n## By standard\n";
+  out += "[By standard](#by-standard), [by keyword](#by-keyword), [units](units.md)\n\n## By standard\n";
   for (const auto& [standard, functions] : standards) {
     out += "\n### " + escaped(standard) + "\n\n";
     head(out, {"Function", "Name", "Description"});
@@ -183,8 +219,9 @@ ExitCode doc(const DocOptions& options, Output& out) {
   for (const Function_CFunctionSpec* spec : catalogue::specifications())
     write_page(options.folder + "/" + to_utf8(spec->id) + ".md", page(units, *spec));
   write_page(options.folder + "/README.md", index_page());
-  out.write(std::to_string(catalogue::specifications().size()) + " pages and README.md written to " + options.folder +
-            "\n");
+  write_page(options.folder + "/units.md", units_page(units));
+  out.write(std::to_string(catalogue::specifications().size()) + " pages, README.md and units.md written to " +
+            options.folder + "\n");
   return exit_good;
 }
 

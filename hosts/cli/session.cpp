@@ -64,10 +64,12 @@ FUNCTION_ARG Session::array(std::size_t columns, std::size_t rows) {
 
 void Session::run() {
   status_ = context_->Execute(*spec_, arguments_.data(), arguments_.size(), output_, flags_, state_.slot(*spec_));
+  if (status_ == ERROR_OK) status_ = context_->concealed_error();
+  error_ = FUNCTION_ARG::Error(status_);
 }
 
 const FUNCTION_ARG& Session::output(std::size_t index) const {
-  if (status_ != ERROR_OK) return not_written;
+  if (status_ != ERROR_OK) return error_;
   if (spec_->output_count == 1) return output_;
   if (output_.kind == ARG_ARRAY) return index < output_.count() ? output_.array.elements[index] : not_written;
   return index == 0 ? output_ : not_written;

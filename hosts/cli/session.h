@@ -33,11 +33,11 @@ class Session {
   const Function_CFunctionSpec& function() const { return *spec_; }
   std::uint32_t status() const { return status_; }
   std::uint32_t flags() const { return flags_; }
-  // ARG_EMPTY when the output was not written.
+  // ARG_EMPTY when the output was not written; the error when the call failed and its outputs would not tell.
   const FUNCTION_ARG& output(std::size_t index) const;
   std::span<const Message> messages() const { return context_->messages(); }
   // The call failed and its outputs are the fallback values of the record.
-  bool fallback() const { return (flags_ & (FLAG_OUTPUT_FALLBACK & 0xFFFFFF)) != 0; }
+  bool fallback() const { return status_ == ERROR_OK && (flags_ & (FLAG_OUTPUT_FALLBACK & 0xFFFFFF)) != 0; }
   // False when the call failed, or a status output answered with anything but 0.
   bool good() const;
 
@@ -52,6 +52,7 @@ class Session {
   const Function_CFunctionSpec* spec_ = nullptr;
   std::vector<FUNCTION_ARG> arguments_;
   FUNCTION_ARG output_ = FUNCTION_ARG::Empty();
+  FUNCTION_ARG error_ = FUNCTION_ARG::Empty();  // in place of every output
   std::uint32_t status_ = ERROR_OK;
   std::uint32_t flags_ = 0;
 };

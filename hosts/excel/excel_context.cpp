@@ -187,6 +187,7 @@ std::uint32_t Excel_CFunctionContext::Run(Dialect dialect, const Function_CFunct
   if (!host_closed_) {
     std::uint32_t flags = 0;
     status = Execute(spec, args, count, output, flags, data_slot);
+    if (status == ERROR_OK) status = concealed_error();
   }
   // Also when a cell turned out to be uncalculated while it was read, and whatever the fallback outputs say.
   if (host_closed_) status = ERROR_NA;

@@ -51,8 +51,11 @@ Code check_arguments(const Measurement& measured, const Geometry& geometry, doub
   if (!(geometry.device_diameter < geometry.pipe_diameter)) return Code::division_by_zero;
   if (!(measured.density > 0.0)) return Code::density;
   if (!(measured.kappa > 0.0)) return Code::isentropic_exponent;
-  if (!(measured.pressure > 0.0) || measured.pressure_location == Location::recovered) return Code::pressure;
-  if (!(measured.dp >= 0.0)) return Code::differential_pressure;
+  // Without a differential pressure nothing flows, whatever the pressure.
+  if (measured.dp != 0.0) {
+    if (!(measured.pressure > 0.0) || measured.pressure_location == Location::recovered) return Code::pressure;
+    if (!(measured.dp >= 0.0)) return Code::differential_pressure;
+  }
   return all_finite(measured) && all_finite(geometry) && std::isfinite(coefficient) ? Code::ok : Code::argument;
 }
 
@@ -69,10 +72,12 @@ class Calculation {
 
   Code run() noexcept {
     // The geometry at the temperature measured is where the rounds start.
-    if (!annulus_.set(geometry_, measured_.temperature)) return Code::division_by_zero;
+    const bool gap = annulus_.set(geometry_, measured_.temperature);
     Code code = Code::ok;
     if (measured_.dp == 0.0) {
       at_rest();
+    } else if (!gap) {
+      code = Code::division_by_zero;
     } else if (!(measured_.viscosity > 0.0)) {
       code = Code::viscosity;
     } else {
@@ -90,6 +95,7 @@ class Calculation {
       result_.density[at] = measured_.density;
     }
     store_geometry();
+    if (!(annulus_.beta2 > 0.0)) result_.beta = 0.0;  // hot, the cone fills the pipe
   }
 
   Code flowing() noexcept {

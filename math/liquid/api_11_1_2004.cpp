@@ -221,7 +221,8 @@ Outcome solve_from(double start, const Liquid& liquid, double observed, const Co
 
 // The iteration starts at the observed density. A hot light liquid under high pressure can be lost from
 // there: its compressibility is far from that of its base density. For a density within the limits the
-// standard's own start, held within the limits of the base density, then has a second try.
+// standard's own start, held within the limits of the base density, then has a second try, whose answer counts only
+// if it converges: otherwise the first one says what is wrong.
 Outcome solve(const Liquid& liquid, double observed, const Conditions& at, double& rho60, Factors& factors,
               int& steps) {
   const Outcome outcome = solve_from(observed, liquid, observed, at, rho60, factors, steps);
@@ -229,7 +230,7 @@ Outcome solve(const Liquid& liquid, double observed, const Conditions& at, doubl
   const Data& limits = data[static_cast<std::size_t>(liquid.group)];
   const double start = std::clamp(observed, limits.base_low, limits.base_high);
   if (start == observed || outside(observed, limits.observed_low, limits.observed_high)) return outcome;
-  return solve_from(start, liquid, observed, at, rho60, factors, steps);
+  return solve_from(start, liquid, observed, at, rho60, factors, steps).good() ? Outcome{} : outcome;
 }
 
 bool out_of_range(const Liquid& liquid, double t, double psig, double observed, double rho60) {

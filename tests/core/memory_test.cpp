@@ -19,11 +19,8 @@ TEST(Arena, CarvesPadsAndMovesOn) {
   EXPECT_EQ(second - first, 4);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(arena.Allocate(8)) % 8, 0u);
   EXPECT_NE(arena.Allocate(Core_CArena::block_size), nullptr);  // fits a block, not this one
-  EXPECT_EQ(arena.BlockCount(), 2u);
   EXPECT_NE(arena.Allocate(Core_CArena::block_size + 1), nullptr);  // large: no block
-  EXPECT_EQ(arena.BlockCount(), 2u);
   arena.Reset();
-  EXPECT_EQ(arena.BlockCount(), 1u);
   EXPECT_EQ(arena.Allocate(3, 4), first);
 }
 

@@ -24,7 +24,7 @@ std::string readings(TestContext& context, const FUNCTION_ARG& arg) {
   std::string all;
   const auto add = [&](bool good, const std::u16string& shown) {
     all += (all.empty() ? "" : " | ") + (good ? to_utf8(shown) : "#" + std::to_string(context.conversion_error()));
-    context.SetConversionError(0);
+    context.Reset();
   };
   double number = 0.0;
   std::int32_t integer = 0;

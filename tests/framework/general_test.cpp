@@ -89,6 +89,36 @@ TEST(General, InterpolationCurveKeepsTablesOfAnySize) {
   EXPECT_EQ(call.context().data_manager().Count(), 1u);
 }
 
+TEST(General, EverySymbolIsAUnitOrSeveral) {
+  std::vector<std::uint32_t> codes;
+  Call call(u"ConvertUnit");
+  call.context().units().ListMembers(CodeKind::unit, 0, codes);
+  for (const std::uint32_t code : codes) {
+    const Unit_CEntry* entry = nullptr;
+    ASSERT_EQ(call.context().units().UnitDetails(code, entry), UNIT_OK);
+    for (const std::u16string& name : {std::u16string(entry->key), std::u16string(entry->text)}) {
+      call.set(1, 7.0).set(2, text(name.c_str())).set(3, text(name.c_str()));
+      const bool good = call.run() == 0;
+      EXPECT_EQ(call.value(0), good ? 7.0 : 0.0);
+      EXPECT_TRUE(good || name != entry->key) << to_utf8(name);
+      ASSERT_EQ(call.context().messages.size(), good ? 0u : 2u) << to_utf8(name);
+      for (const auto& message : call.context().messages) EXPECT_TRUE(message.ends_with(u"could mean multiple units"));
+    }
+  }
+}
+
+// Exactly the general functions without a status, an error or a failed test among their outputs show their error.
+TEST(General, FailuresShow) {
+  for (const Function_CFunctionSpec* spec : catalogue::specifications())
+    EXPECT_EQ(spec->outputs_tell_failure(),
+              spec->group->name != u"Extended" || spec->id == u"ConvertUnit" || spec->id == u"FunctionTest");
+  Call call(u"BitTest");
+  EXPECT_EQ(call.set(0, 5.0).set(1, 32.0).run(), Call::refused);
+  EXPECT_EQ(call.shown_error(), ERROR_VALUE);
+  EXPECT_EQ(call.set(1, 2.0).run(), 0);  // and the next call is a good one again
+  EXPECT_EQ(call.shown_error(), ERROR_OK);
+}
+
 // The symbols are built once for all threads.
 TEST(General, ConvertUnitFromManyThreads) {
   std::vector<std::thread> threads;

@@ -1,4 +1,4 @@
-#include "framework/retentive.h"
+#include "framework/data_accessor.h"
 
 #include <gtest/gtest.h>
 
@@ -114,6 +114,7 @@ TEST(Retentive, BufferOperations) {
   EXPECT_EQ(size, 16u);
   EXPECT_EQ(data.SetBuffer(nullptr, 4), 1u);
   EXPECT_EQ(data.SetBuffer("abc", 0), 1u);
+  EXPECT_EQ(data.SetBuffer(bytes, 17), 1u);  // more of its own buffer than there is
   std::memcpy(bytes, "0123456789abcdef", 16);
   EXPECT_EQ(data.SetBuffer(bytes, 5), 0u);  // its own buffer, cut
   void* again = nullptr;

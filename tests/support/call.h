@@ -90,16 +90,9 @@ class Call {
     return spec_->outputs[0].role == 1 ? static_cast<int>(value(0)) : 0;
   }
 
-  // The worksheet error that the fallback outputs stood in for: of a specification that has none.
-  std::uint32_t error() {
-    for (const catalogue::Line& line : catalogue::lines()) {
-      if (line.record == nullptr || line.id != spec_->id) continue;
-      Function_CFunctionSpec bare(*line.record);
-      bare.flags &= ~std::uint32_t{FUNCTION_FALLBACK};
-      return context_.Run(bare, arguments_.values);
-    }
-    return ERROR_OK;
-  }
+  // The worksheet error that the fallback outputs stood in for, and the one that a cell shows in their place.
+  std::uint32_t error() const { return context_.replaced_status(); }
+  std::uint32_t shown_error() const { return context_.concealed_error(); }
 
   const FUNCTION_ARG& output(std::size_t index) const {
     return spec_->output_count > 1 ? context_.output.array.elements[index] : context_.output;

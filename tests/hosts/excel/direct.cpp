@@ -120,8 +120,9 @@ Value Direct::Call(const Function_CFunctionSpec& spec, const std::vector<Value>&
   state_->context.Reset();
   FUNCTION_ARG output = FUNCTION_ARG::Empty();
   std::uint32_t flags = 0;
-  const std::uint32_t status =
+  std::uint32_t status =
       state_->context.Execute(spec, values.data(), values.size(), output, flags, &state_->slots[spec.position]);
+  if (status == ERROR_OK) status = state_->context.concealed_error();
   if (status == ERROR_OK) return Shown(output);
   return Error(status <= 7 ? host_errors[status - 1] : XL_ERROR_VALUE);
 }

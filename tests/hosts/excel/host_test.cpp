@@ -242,14 +242,27 @@ TEST_F(ExcelHost, AnswersNotAvailableUntilACellIsCalculated) {
   EXPECT_FALSE(met);
 }
 
+// A general function has nothing but its error to show; the others have a status, a failed test or an error output.
+TEST_F(ExcelHost, ShowsWhyAGeneralFunctionFailed) {
+  const Place cell = Place::Cell(0, 70, 0);
+  book().Set(cell, Number(5));
+  EXPECT_EQ(book().Call(u"nvBitTest", {Reference(cell), Number(32)}), Error(XL_ERROR_VALUE));
+  EXPECT_EQ(book().Call(u"nvFunctionProperty", {Reference(cell), Number(1)}), Error(XL_ERROR_VALUE));
+  EXPECT_EQ(book().Call(u"nvFunctionProperty", {Text(u"nvNone"), Number(1)}), Error(XL_ERROR_NA));
+  book().Set(cell, Error(XL_ERROR_DIV0));
+  EXPECT_EQ(book().Call(u"nvCRC32", {Reference(cell)}), Error(XL_ERROR_VALUE));
+  EXPECT_EQ(book().Call(u"nvCRC32", {Reference({0, 70, 0, 71, 0})}), Error(XL_ERROR_DIV0));
+  EXPECT_EQ(book().Call(u"nvFunctionTest", {Missing(), Reference(cell), Number(1), Missing()}), Number(0));
+}
+
 TEST_F(ExcelHost, WorksWithAHostThatOnlyRegisters) {
   book().SetMinimal(true);
   EXPECT_EQ(book().Open(), 1);
   EXPECT_EQ(book().Call(u"nvBitTest", {Number(5), Number(2)}), Integer(1));
   const Value outputs = book().Call(u"nvAGA5_C", std::vector<Value>(3, Missing()), {0, 2, 2, 2, 4});
   EXPECT_EQ(outputs.kind, Kind::array);
-  // A reference cannot be read: the fallback outputs.
-  EXPECT_EQ(book().Call(u"nvBitTest", {Reference(Place::Cell(0, 0, 0)), Number(2)}), Number(0));
+  // A reference cannot be read.
+  EXPECT_EQ(book().Call(u"nvBitTest", {Reference(Place::Cell(0, 0, 0)), Number(2)}), Error(XL_ERROR_VALUE));
   // What such a host filled was never handed out.
   book().SetMinimal(false);
 }
@@ -349,7 +362,7 @@ TEST_F(ExcelHost, TakesTextsOfAnyLengthAndContent) {
   strange += u'\0';
   for (char16_t c = 1; c < 256; ++c) strange += c;
   strange.resize(std::min(strange.size(), std::size_t{255}));
-  EXPECT_EQ(book().Call(u"nvBitTest", {Text(strange), Number(0)}), Number(0));
+  EXPECT_EQ(book().Call(u"nvBitTest", {Text(strange), Number(0)}), Error(XL_ERROR_VALUE));
   EXPECT_EQ(book().Call(u"nvCRC32", {Text(strange)}), book().Call(u"nvCRC32", {Text(strange)}));
   if (excel12) {
     // A count that no text has.
@@ -366,11 +379,10 @@ TEST_F(ExcelHost, TakesTextsOfAnyLengthAndContent) {
 }
 
 TEST_F(ExcelHost, ErrorsOfCellsAreErrorsOfTheCall) {
-  // BitTest answers a failed call with its fallback; CRC32 of an error cell as well. None of them crashes or hangs.
   for (const int code : {0, 7, 15, 23, 29, 36, 42, 43, 1000}) {
     book().Set(Place::Cell(0, 70, 0), Error(code));
-    EXPECT_EQ(book().Call(u"nvBitTest", {Error(code), Number(0)}), Number(0)) << code;
-    EXPECT_EQ(book().Call(u"nvBitTest", {Reference(Place::Cell(0, 70, 0)), Number(0)}), Number(0)) << code;
+    EXPECT_EQ(book().Call(u"nvBitTest", {Error(code), Number(0)}), Error(XL_ERROR_VALUE)) << code;
+    EXPECT_EQ(book().Call(u"nvBitTest", {Reference(Place::Cell(0, 70, 0)), Number(0)}), Error(XL_ERROR_VALUE)) << code;
   }
   // FunctionTest does not compare what is #N/A.
   const Value tested = book().Call(u"nvFunctionTest", {Missing(), Array(1, 2, {Number(1), Number(2)}),

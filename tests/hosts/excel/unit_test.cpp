@@ -12,6 +12,7 @@
 #include "catalogue/catalogue.h"
 #include "core/text.h"
 #include "framework/call.h"
+#include "framework/data_accessor.h"
 #include "hosts/excel/convert.h"
 #include "hosts/excel/excel_context.h"
 #include "hosts/excel/host.h"
