@@ -120,6 +120,24 @@ void explain(Call& call, const Function_CFunctionSpec& spec, const Outcome& outc
     context.ReportError(text.view());
 }
 
+// A calculation that fails on a number that is none may see it too late to say whose it was.
+void blame_what_is_not_finite(Call& call, const Function_CFunctionSpec& spec, const Outcome& outcome,
+                              const std::byte* structure) noexcept {
+  if (outcome.good() || !call.context().messages_enabled()) return;
+  const Blamed blamed = blamed_of(spec, structure, outcome.member);
+  for (std::size_t i = 0; i < spec.input_count; ++i) {
+    const Function_CPlace& place = spec.inputs[i].place;
+    const std::size_t cells = place.kind == Kind::number ? 1 : place.kind == Kind::numbers ? place.count : 0;
+    for (std::size_t cell = 0; cell < cells; ++cell) {
+      double value;
+      std::memcpy(&value, structure + place.offset + cell * sizeof value, sizeof value);
+      if (value - value == 0.0 || blamed.input == &spec.inputs[i]) continue;
+      call.context().ReportError(i, u"is not a finite number");
+      break;
+    }
+  }
+}
+
 // A good status does not make a good number: what no meter can have is delivered, and said.
 void warn_of(Call& call, const Function_COutput& line, double value) noexcept {
   if (!call.context().messages_enabled() || !(value - value == 0.0)) return;
@@ -224,6 +242,7 @@ std::uint32_t run_bound(Function_CContext& context, FUNCTION_ARG* args, std::siz
   } else {
     outcome = binding.calculate(arguments, results, memory);
     explain(call, spec, outcome, arguments);
+    blame_what_is_not_finite(call, spec, outcome, arguments);
     if (outcome.status == refused) return ERROR_VALUE;
   }
 

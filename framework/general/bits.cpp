@@ -64,7 +64,10 @@ std::uint32_t bits_to_number(Function_CContext& context, FUNCTION_ARG* args, std
     }
   }
   std::int32_t base = 0;
-  if (!read_whole(context, arg[1], base)) return ERROR_VALUE;
+  if (!read_whole(context, arg[1], base)) {
+    context.ReportError(1, u"is not a whole number");
+    return ERROR_VALUE;
+  }
   // The description names 8 and 16 as well, but base 10 alone has ever been accepted. Intended.
   if (base != 10) {
     context.ReportError(1, u"should be 10");

@@ -372,12 +372,40 @@ std::array<double, N> in_rows(const std::array<double, n_common>& composition) n
   return x;
 }
 
+// The list to look at when the amounts together are none of a gas: the first that holds an amount below 0 or no number,
+// else the one with the largest amount.
+const void* culprit_of(const auto&... lists) noexcept {
+  const void* found = nullptr;
+  double largest = -1.0;
+  const auto look = [&](const auto& list) {
+    for (double amount : list) {
+      if (amount >= 0.0 && !(amount > largest)) continue;
+      if (std::isnan(largest)) return;
+      largest = amount >= 0.0 ? amount : std::nan("");
+      found = &list;
+    }
+  };
+  (look(lists), ...);
+  return found;
+}
+const void* culprit(const Gas22& gas) noexcept { return culprit_of(gas.composition); }
+const void* culprit(const Gas55& gas) noexcept {
+  return culprit_of(gas.composition, gas.alkanes, gas.alkenes, gas.cycloalkanes, gas.aromatics, gas.others);
+}
+const void* culprit(const Gas60& gas) noexcept {
+  return culprit_of(gas.composition, gas.alkanes, gas.alkenes, gas.ring_compounds, gas.others);
+}
+
 // Normalises x, which holds all of the gas, and calculates: calculate(x) is the edition's.
 template <class Gas, std::size_t N, class Calculate>
 Outcome deliver(const Gas& gas, std::array<double, N>& x, Delivered& delivered, Calculate calculate) noexcept {
   const double sum = composition::sum_of(x);
   const Outcome judged = composition::judge(composition::normalise(x), gas.composition, sum, composition_error);
-  if (!judged.good()) return judged;
+  if (!judged.good()) {
+    Outcome blamed = judged;
+    blamed.member = culprit(gas);
+    return blamed;
+  }
   const Result result = calculate(x);
   if (result.outcome.status == argument_error)
     return blame(gas.options.reference, argument_error, u"must be within 1 to %", result.outcome.limits[0]);

@@ -109,13 +109,21 @@ class ValidationModel {
   static bool is_identifier(const FUNCTION_ARG& arg, CodeKind kind) {
     const auto& units = Unit_CTypeAndUnitContainer::Instance();
     std::uint32_t code = 0;
-    if (arg.kind == ARG_NUMBER || arg.kind == ARG_INTEGER) {
+    // A unit may also be a whole number written as a text or in a cell, and a symbol.
+    if (kind == CodeKind::unit && arg.kind == ARG_ARRAY && arg.count() != 0 && arg.array.elements != nullptr)
+      return is_identifier(*arg.array.elements, kind);
+    static const std::regex whole("[ \\t\\n\\v\\f\\r]*[+-]?[0-9]+[ \\t\\n\\v\\f\\r]*");
+    const bool by_text = arg.kind == ARG_STRING && std::regex_match(to_utf8(*text(arg)), whole);
+    const bool by_number = arg.kind == ARG_NUMBER || arg.kind == ARG_INTEGER ||
+                           (kind == CodeKind::unit && (by_text || arg.kind == ARG_BOOLEAN || arg.kind == ARG_EMPTY));
+    if (by_number) {
       const double value = *number(arg);
       const double held = std::isnan(value) ? 0.0 : std::min(std::max(std::trunc(value), -0x1p31), 0x1p31 - 1.0);
       code = static_cast<std::uint32_t>(static_cast<std::int32_t>(held));
     } else {
       const auto name = text(arg);
-      if (!name || !units.CodeOfText(*name, code)) return false;
+      if (!name) return false;
+      if (!units.CodeOfText(*name, code)) return kind == CodeKind::unit && units.IsSymbol(*name);
     }
     return code == 0 || (code >> 24 == static_cast<std::uint32_t>(kind) && units.IsKnown(code));
   }
@@ -227,6 +235,8 @@ class ValidationModel {
       report(i, error, complaint);
     };
     const auto value = number(args_[i]);
+    if (!value && input->place.count != 0)
+      return fail(true, u"needs an array of " + general(input->place.count) + u" numbers");
     if (!value) return fail(true, u"is not a valid number");
     if (listed && !is_member(input->type, *value)) {
       std::u16string_view name;
