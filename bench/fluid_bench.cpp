@@ -1,5 +1,5 @@
-// Water and steam, carbon dioxide, ethylene: the algorithms beside plain transcriptions of their equations, and the whole
-// call through the context.
+// Water and steam, carbon dioxide, ethylene: the algorithms beside plain transcriptions of their equations, and the
+// whole call through the context.
 #include <array>
 #include <cmath>
 #include <cstddef>

@@ -27,7 +27,7 @@ struct Branch {
   bool curved = true;                       // curvature as said above: one that is not tells the loop
 };
 
-inline constexpr int max_steps = 100;            // at most 40 are seen, within a millikelvin of a critical point
+inline constexpr int max_steps = 100;            // at most 55 are seen, most of them halvings towards a spinodal
 inline constexpr int free_steps = 50;            // after which brackets are halved
 inline constexpr double longest_step = 0.25;     // upward, as a share of the density
 inline constexpr double outward_step = 0.1;      // back to a dense branch that the start missed
@@ -36,10 +36,10 @@ inline constexpr double root_tolerance = 1e-13;  // share of the density that th
 // of pressures says nothing, and moves the root within a millikelvin of a critical point.
 inline constexpr double pressure_rounding = 1e-15;
 
-// Steps in a bracket, towards a p that is above 0. The first is Newton's; the others go to where the cubic through the
-// last two points, density over pressure with its slopes, has the pressure. A step that leaves the branch (p falls,
-// or the curvature is that of the loop) is halved back towards the last density that did not.
-// False when the branch has no such pressure.
+// Steps in a bracket, towards a p that is above 0. The first is Newton's; the others go to where the cubic through
+// the last two points, density over pressure with its slopes, has the pressure. A step that leaves the branch (p
+// falls, or the curvature is that of the loop) is halved back towards the last density that did not. False when the
+// branch has no such pressure.
 template <class Isotherm>
 bool find_density(const Isotherm& isotherm, double p, const Branch& branch, double& rho) noexcept {
   constexpr double infinity = std::numeric_limits<double>::infinity();

@@ -1,8 +1,8 @@
 // Ethylene: the equation of state behind the IUPAC tables.
 //
 // Source: M. Jahangiri, R. T Jacobsen, R. B. Stewart, R. D. McCarty, Thermodynamic properties of ethylene from the
-// freezing line to 450 K at pressures to 260 MPa, J. Phys. Chem. Ref. Data 15 (1986) 593-734; tabulated in International
-// Thermodynamic Tables of the Fluid State, volume 10 (1988). Check values: Tables 24, 27 and 28.
+// freezing line to 450 K at pressures to 260 MPa, J. Phys. Chem. Ref. Data 15 (1986) 593-734; tabulated in
+// International Thermodynamic Tables of the Fluid State, volume 10 (1988). Check values: Tables 24, 27 and 28.
 //
 // Uncertainty told by the authors: 0.1 % in density, 3 % in heat capacities, 1 % in the speed of sound.
 #pragma once
@@ -41,9 +41,9 @@ struct Result {
   Range range = Range::normal;  // outside: below the triple point, above 450 K or 260 MPa
 };
 
-// Properties of the stable phase; at the saturation pressure the liquid's. Errors: argument_error for a number that is
-// no pressure or temperature, no_convergence when the equation has no density there, calculation_error when a property
-// is not a positive or finite number. Beyond its range the equation is continued, with a remark.
+// Properties of the stable phase; at the saturation pressure the liquid's. Errors: argument_error for a number that
+// is no pressure or temperature, no_convergence when the equation has no density there, calculation_error when a
+// property is not a positive or finite number. Beyond its range the equation is continued, with a remark.
 Outcome calculate(const Arguments& in, Result& out) noexcept;
 
 // ---- The equation -----------------------------------------------------------------------------------------------

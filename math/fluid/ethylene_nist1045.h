@@ -1,7 +1,7 @@
 // Ethylene: the 32-term equation of state of NBS Technical Note 1045.
 //
-// Source: R. D. McCarty, R. T Jacobsen, An equation of state for fluid ethylene, National Bureau of Standards Technical
-// Note 1045 (1981). Check values: Tables B-1 and B-2.
+// Source: R. D. McCarty, R. T Jacobsen, An equation of state for fluid ethylene, National Bureau of Standards
+// Technical Note 1045 (1981). Check values: Tables B-1 and B-2.
 #pragma once
 
 #include "core/outcome.h"
@@ -38,15 +38,15 @@ struct Result {
 };
 
 // At the saturation pressure the answer is the liquid's. Errors: argument_error for a number that is no pressure or
-// temperature or a phase outside its list, no_convergence when the phase wanted, or in solid ethylene any, has
-// no such pressure, calculation_error when the density is not a positive number. Beyond its range and for a phase that
+// temperature or a phase outside its list, no_convergence when the phase wanted, or in solid ethylene any, has no
+// such pressure, calculation_error when the density is not a positive number. Beyond its range and for a phase that
 // is not the stable one the equation is continued, with a remark.
 Outcome calculate(const Arguments& in, Result& out) noexcept;
 
 // ---- The equation -----------------------------------------------------------------------------------------------
 
-// Every property at T [K] and rho [kmol/m3], per mole. Enthalpy and entropy of the ideal gas at 298.15 K and 101.325 kPa
-// are 29610.0025 J/mol and 219.225 J/(mol K).
+// Every property at T [K] and rho [kmol/m3], per mole. Enthalpy and entropy of the ideal gas at 298.15 K and 101.325
+// kPa are 29610.0025 J/mol and 219.225 J/(mol K).
 helmholtz::State state(double T, double rho) noexcept;
 
 // Density [kmol/m3] at p [MPa] and T [K]. False when the phase has none.

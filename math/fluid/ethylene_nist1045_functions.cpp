@@ -44,12 +44,13 @@ const record::Function Ethylene_NIST1045 = {
     .binding = &bound<norvane::Ethylene_NIST1045::calculate>,
     .notes =
         u"Source: R. D. McCarty, R. T Jacobsen, NBS Technical Note 1045 (1981), a 32-term equation. Valid from the "
-        u"freezing line (triple point 103.986 K) to 450 K and to 400 bar; range status 2 outside. Range status 1 where the "
-        u"temperature is within 5 % and the density within 30 % of the critical ones: by the Note itself the density "
-        u"may be 10 % off there.\n"
-        u"The phase is the stable one: the equation's own saturation pressure decides, by equal Gibbs energies. On the "
-        u"saturation line the liquid is answered. Phase 2 or 3 takes the liquid or the gas also where it is not stable, "
-        u"with a warning; status 3 where that phase does not exist, and in the solid at 104 K above 300 bar.\n",
+        u"freezing line (triple point 103.986 K) to 450 K and to 400 bar; range status 2 outside. Range status 1 "
+        u"where the temperature is within 5 % and the density within 30 % of the critical ones: by the Note itself "
+        u"the density may be 10 % off there.\n"
+        u"The phase is the stable one: the equation's own saturation pressure decides, by equal Gibbs energies. On "
+        u"the saturation line the liquid is answered. Phase 2 or 3 takes the liquid or the gas also where it is not "
+        u"stable, with a warning; status 3 where that phase does not exist, and in the solid at 104 K above "
+        u"300 bar.\n",
 };
 
 }  // namespace norvane::functions

@@ -46,7 +46,8 @@ inline constexpr double b[] = {
 static_assert(std::size(b) == 32);
 
 // Ideal-gas heat capacity over R: g1 T^-3 ... g7 T^3, and g8 u^2 e^u/(e^u - 1)^2 with u = g9/T.
-inline constexpr double g[] = {560361.5762, -21410.69802, 253.2008897, 3.554495281, -0.009951927478, 5.10893107e-05, -1.928667482e-08, -20.61703241, 3000.0};
+inline constexpr double g[] = {560361.5762, -21410.69802, 253.2008897, 3.554495281, -0.009951927478,
+                               5.10893107e-05, -1.928667482e-08, -20.61703241, 3000.0};
 static_assert(std::size(g) == 9);
 
 // clang-format on

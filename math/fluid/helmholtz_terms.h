@@ -2,8 +2,8 @@
 //
 //   n delta^d tau^t exp(-delta^c), without the exponential where c is 0; t a multiple of one quarter
 //
-// At one temperature the terms fall into few pairs of exponents (c, d), and with them into one polynomial of delta for
-// each c: what a step of a density search has to work out.
+// At one temperature the terms fall into few pairs of exponents (c, d), and with them into one polynomial of delta
+// for each c: what a step of a density search has to work out.
 #pragma once
 
 #include <algorithm>
@@ -44,40 +44,40 @@ class TermSums {
     std::size_t groups = 0, slots = 0;
     int highest_d = 0, highest_t = 0;
   };
-  static consteval Layout make_layout() {
-    Layout layout;
+  static constexpr Layout make_layout() {
+    Layout made;
     for (const Term& term : terms) {
-      layout.highest_d = std::max(layout.highest_d, term.d);
-      layout.highest_t = std::max(layout.highest_t, static_cast<int>(term.t));
+      made.highest_d = std::max(made.highest_d, term.d);
+      made.highest_t = std::max(made.highest_t, static_cast<int>(term.t));
     }
     for (int c = 0; c <= 6; ++c) {
       bool some = false;
-      for (int d = 1; d <= layout.highest_d; ++d) {
+      for (int d = 1; d <= made.highest_d; ++d) {
         bool used = false;
         for (std::size_t k = 0; k < count; ++k) {
           if (terms[k].c != c || terms[k].d != d) continue;
-          layout.slot_of[k] = layout.slots;
+          made.slot_of[k] = made.slots;
           used = true;
         }
         if (!used) continue;
-        if (!some) layout.first[layout.groups] = layout.slots;
+        if (!some) made.first[made.groups] = made.slots;
         some = true;
-        layout.d[layout.slots++] = d;
+        made.d[made.slots++] = d;
       }
-      if (some) layout.c[layout.groups++] = c;
+      if (some) made.c[made.groups++] = c;
     }
-    layout.first[layout.groups] = layout.slots;
-    return layout;
+    made.first[made.groups] = made.slots;
+    return made;
   }
   static constexpr Layout layout = make_layout();
   static_assert(layout.c[0] == 0);
 
-  static consteval auto wanted_t() {
+  static constexpr auto wanted_t() {
     Exponents<static_cast<std::size_t>(layout.highest_t) + 1> wanted{};
     for (const Term& term : terms) wanted[static_cast<std::size_t>(term.t)] = true;
     return wanted;
   }
-  static consteval auto wanted_d() {
+  static constexpr auto wanted_d() {
     Exponents<static_cast<std::size_t>(std::max(layout.highest_d, 6)) + 1> wanted{};
     for (const Term& term : terms)
       wanted[static_cast<std::size_t>(term.d)] = wanted[static_cast<std::size_t>(term.c)] = true;

@@ -40,10 +40,12 @@ constexpr int highest(const Term (&terms)[size], int Term::*exponent, int sign) 
 }
 
 template <const auto& terms, int Term::*exponent, int sign>
-consteval auto exponents_of() {
+constexpr auto exponents_of() {
   fluid::Exponents<static_cast<std::size_t>(highest(terms, exponent, sign)) + 1> wanted{};
-  for (const Term& term : terms)
-    if (sign * (term.*exponent) >= 0) wanted[static_cast<std::size_t>(sign * (term.*exponent))] = true;
+  for (const Term& term : terms) {
+    const int power = sign * (term.*exponent);
+    if (power >= 0) wanted[static_cast<std::size_t>(power)] = true;
+  }
   return wanted;
 }
 
@@ -71,7 +73,7 @@ struct Rows {
     std::array<TermPair, count> pairs{};
     std::size_t size = 0;
   };
-  static consteval Plan make() {
+  static constexpr Plan make() {
     std::array<std::size_t, count + 1> first{};  // of each row
     std::size_t rows = 0;
     for (std::size_t k = 0; k < count; ++k)
@@ -82,17 +84,17 @@ struct Rows {
     const auto length = [&first](std::size_t r) { return first[r + 1] - first[r]; };
     std::sort(order.begin(), order.begin() + rows,
               [&](std::size_t a, std::size_t b) { return length(a) != length(b) ? length(a) > length(b) : a < b; });
-    Plan plan;
+    Plan made;
     for (std::size_t r = 0; r < rows; r += 2) {
       const std::size_t left = order[r], right = r + 1 < rows ? order[r + 1] : left;
       const std::size_t right_length = r + 1 < rows ? length(right) : 0;
       for (std::size_t k = 0; k < length(left); ++k) {
         const Term filler{terms[first[right]].I, 0, 0.0};
-        plan.pairs[plan.size++] = {terms[first[left] + k], k < right_length ? terms[first[right] + k] : filler,
+        made.pairs[made.size++] = {terms[first[left] + k], k < right_length ? terms[first[right] + k] : filler,
                                    k + 1 == length(left)};
       }
     }
-    return plan;
+    return made;
   }
   static constexpr Plan plan = make();
 };
@@ -302,8 +304,8 @@ State state3(const Isotherm3& isotherm, double rho) noexcept {
 }
 
 // Below the critical temperature the phase decides about the branch, above it the side of the critical density that
-// has the pressure. Some microkelvins below it the saturation pressure of region 4 is, by its rounding, beyond the end
-// of the branch it stands for: then the pressure has one density only, and that one is the answer.
+// has the pressure. Some microkelvins below it the saturation pressure of region 4 is, by its rounding, beyond the
+// end of the branch it stands for: then the pressure has one density only, and that one is the answer.
 bool density3(const Isotherm3& isotherm, double p, double T, Phase phase, double& rho) noexcept {
   const double target = kJ * p / (critical_density * isotherm.RT);
   // Above every root of the region, and where the isotherm still rises: a constant fails above 860 K.

@@ -1,7 +1,7 @@
 // IAPWS-IF97: thermodynamic properties of water and steam.
 //
-// Source: IAPWS R7-97(2012), Revised Release on the IAPWS Industrial Formulation 1997 for the Thermodynamic Properties
-// of Water and Steam (2007, with the revision of 2012). Check values: Tables 5, 15, 18, 33, 35, 36 and 42.
+// Source: IAPWS R7-97(2012), Revised Release on the IAPWS Industrial Formulation 1997 for the Thermodynamic
+// Properties of Water and Steam (2007, with the revision of 2012). Check values: Tables 5, 15, 18, 33, 35, 36 and 42.
 #pragma once
 
 #include "core/outcome.h"

@@ -1,5 +1,5 @@
-// IAPWS R7-97(2012), Revised Release on the IAPWS Industrial Formulation 1997 for the Thermodynamic Properties of Water
-// and Steam: the coefficients of the five regions and of the two boundary equations, as printed.
+// IAPWS R7-97(2012), Revised Release on the IAPWS Industrial Formulation 1997 for the Thermodynamic Properties of
+// Water and Steam: the coefficients of the five regions and of the two boundary equations, as printed.
 #pragma once
 
 #include <iterator>

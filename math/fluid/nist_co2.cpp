@@ -56,7 +56,8 @@ struct Point {
   double e10, e12, e15, e20, e25;  // exp(-10 x) and so on; e12 is exp(-12.5 x)
 
   Point(double at, double Psi_exponent) noexcept : delta(at), powers(Terms::powers_of(at)) {
-    // At the critical density itself the derivatives of the critical terms are limits, which this distance stands for.
+    // At the critical density itself the derivatives of the critical terms are limits, which this distance stands
+    // for.
     constexpr double least = 1e-15;
     offset = delta - 1.0;
     if (std::fabs(offset) < least) offset = std::copysign(least, offset);

@@ -1,8 +1,8 @@
 // Carbon dioxide: the reference equation of state behind NIST's data.
 //
-// Source: R. Span, W. Wagner, A new equation of state for carbon dioxide covering the fluid region from the triple-point
-// temperature to 1100 K at pressures up to 800 MPa, J. Phys. Chem. Ref. Data 25 (1996) 1509-1596. Check values: Tables
-// 34 and 35.
+// Source: R. Span, W. Wagner, A new equation of state for carbon dioxide covering the fluid region from the
+// triple-point temperature to 1100 K at pressures up to 800 MPa, J. Phys. Chem. Ref. Data 25 (1996) 1509-1596. Check
+// values: Tables 34 and 35.
 #pragma once
 
 #include "core/outcome.h"
@@ -32,9 +32,9 @@ struct Result {
   Range range = Range::normal;  // outside: below the triple point, above 1100 K or 800 MPa, or solid
 };
 
-// Density of the stable phase; at the saturation pressure the liquid's. Errors: argument_error for a number that is no
-// pressure or temperature, no_convergence when the equation has no density there, calculation_error when the density
-// is not a positive number. Beyond its range the equation is continued, with a remark.
+// Density of the stable phase; at the saturation pressure the liquid's. Errors: argument_error for a number that is
+// no pressure or temperature, no_convergence when the equation has no density there, calculation_error when the
+// density is not a positive number. Beyond its range the equation is continued, with a remark.
 Outcome calculate(const Arguments& in, Result& out) noexcept;
 
 // ---- The equation -----------------------------------------------------------------------------------------------

@@ -28,9 +28,9 @@ constexpr auto inputs_customary = inputs(customary, {0, 116030, 14.696}, {-76, 2
 constexpr auto outputs_metric = outputs(metric), outputs_customary = outputs(customary);
 
 constexpr std::u16string_view notes =
-    u"Source: R. Span, W. Wagner, J. Phys. Chem. Ref. Data 25 (1996) 1509, the reference equation behind NIST's data for "
-    u"carbon dioxide. Valid from the triple point (216.592 K) to 1100 K and to 8000 bar in the fluid; range status 1 "
-    u"outside, and above the melting pressure, where the density is that of the continued liquid.\n"
+    u"Source: R. Span, W. Wagner, J. Phys. Chem. Ref. Data 25 (1996) 1509, the reference equation behind NIST's data "
+    u"for carbon dioxide. Valid from the triple point (216.592 K) to 1100 K and to 8000 bar in the fluid; range "
+    u"status 1 outside, and above the melting pressure, where the density is that of the continued liquid.\n"
     u"Uncertainty told by the authors: 0.03 % to 0.05 % in density up to 523 K and 300 bar.\n"
     u"The phase is the stable one: the equation's own saturation pressure decides, by equal Gibbs energies. On the "
     u"saturation line the liquid is answered.\n";

@@ -1,5 +1,5 @@
-// R. Span, W. Wagner, J. Phys. Chem. Ref. Data 25 (1996) 1509-1596: the coefficients of the equation of state for carbon
-// dioxide, as printed.
+// R. Span, W. Wagner, J. Phys. Chem. Ref. Data 25 (1996) 1509-1596: the coefficients of the equation of state for
+// carbon dioxide, as printed.
 #pragma once
 
 #include <iterator>

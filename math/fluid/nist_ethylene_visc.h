@@ -1,8 +1,8 @@
 // Dynamic viscosity of ethylene.
 //
-// Source: P. M. Holland, B. E. Eaton, H. J. M. Hanley, A correlation of the viscosity and thermal conductivity data of
-// gaseous and liquid ethylene, J. Phys. Chem. Ref. Data 12 (1983) 917-932, with the density of NBS Technical Note 1045.
-// Check values: Tables 5 and 8.
+// Source: P. M. Holland, B. E. Eaton, H. J. M. Hanley, A correlation of the viscosity and thermal conductivity data
+// of gaseous and liquid ethylene, J. Phys. Chem. Ref. Data 12 (1983) 917-932, with the density of NBS Technical Note
+// 1045. Check values: Tables 5 and 8.
 #pragma once
 
 #include "core/outcome.h"

@@ -29,8 +29,8 @@ constexpr auto inputs_customary = inputs(customary, {0, 7252, 14.696}, {-274, 48
 constexpr auto outputs_metric = outputs(metric), outputs_customary = outputs(customary);
 
 constexpr std::u16string_view notes =
-    u"Source: P. M. Holland, B. E. Eaton, H. J. M. Hanley, J. Phys. Chem. Ref. Data 12 (1983) 917, with the density of "
-    u"NBS Technical Note 1045 for the stable phase. Tabulated from 110 K to 500 K and to 500 bar; range status 1 "
+    u"Source: P. M. Holland, B. E. Eaton, H. J. M. Hanley, J. Phys. Chem. Ref. Data 12 (1983) 917, with the density "
+    u"of NBS Technical Note 1045 for the stable phase. Tabulated from 110 K to 500 K and to 500 bar; range status 1 "
     u"outside. The density equation is continued above 450 K and 400 bar, as the source does.\n"
     u"There is no term for the rise of the viscosity next to the critical point.\n";
 

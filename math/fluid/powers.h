@@ -12,7 +12,7 @@ template <std::size_t size>
 using Exponents = std::array<bool, size>;
 
 template <std::size_t size>
-consteval Exponents<size> with_halves(Exponents<size> wanted) {
+constexpr Exponents<size> with_halves(Exponents<size> wanted) {
   for (std::size_t k = size; k-- > 2;) {
     if (!wanted[k]) continue;
     wanted[k / 2] = wanted[k - k / 2] = true;

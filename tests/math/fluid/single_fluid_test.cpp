@@ -1,4 +1,5 @@
-// The equations of state of carbon dioxide and ethylene, which share their terms, their density search and their phases.
+// The equations of state of carbon dioxide and ethylene, which share their terms, their density search and their
+// phases.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -69,7 +70,8 @@ TEST(SingleFluid, PropertiesBelongTogether) {
     SCOPED_TRACE(fluid.name);
     const auto state = [&](double p, double T) { return at(fluid, p, T); };
     const double Tc = fluid.critical_temperature, pc = fluid.critical_pressure;
-    // Thin and dense gas, liquid, and states around the critical point, where the special terms of carbon dioxide count.
+    // Thin and dense gas, liquid, and states around the critical point, where the special terms of carbon dioxide
+    // count.
     for (const auto& [pr, Tr] : {std::pair{0.01, 0.9}, {0.4, 0.95}, {0.5, 1.5}, {4.0, 1.45}, {1.2, 0.75}, {4.8, 0.8}})
       expect_consistent(state, pr * pc, Tr * Tc, 1e-5);
     for (const auto& [pr, Tr] : {std::pair{1.2, 0.99}, {0.85, 0.99}, {1.1, 1.01}, {1.3, 1.04}})
