@@ -112,13 +112,14 @@ ExitCode batch(const BatchOptions& options, Output& standard) {
   const BatchColumns columns(spec, header, options, reading);
   const RowFormat format = {reader.delimiter(), reading.decimal, options.precision, reader.line_end()};
 
+  // From before the file is there: whoever ends the program then is told what became of it.
+  const Interruption interruption;
   std::unique_ptr<ReplacedFile> file;
   if (!options.out.empty() && options.out != "-") file = std::make_unique<ReplacedFile>(options.out);
   Output to_file(file ? file->descriptor() : standard_output, file ? file->path() : "standard output");
   Output& out = file ? to_file : standard;
   out.write(reader.before_header() + columns.answer_header(format.delimiter) + std::string(format.line_end));
 
-  const Interruption interruption;
   Run run(options, reader, columns, reading, format, out);
   try {
     Progress progress(is_terminal(standard_error) && (file || !is_terminal(standard_output)),
