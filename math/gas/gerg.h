@@ -52,8 +52,8 @@ struct PhaseMixture : Mixture {
   void set(Edition of, const Composition& composition) noexcept;
 };
 
-// The terms have only 25 different factors delta^d exp(-delta^c), and 11 of the departure functions' kind, so that at one
-// temperature they are 36 coefficients; some places stay empty.
+// The terms have only 25 different factors delta^d exp(-delta^c), and 11 of the departure functions' kind, so that
+// at one temperature they are 36 coefficients; some places stay empty.
 inline constexpr std::size_t slot_count = 42;
 using Slots = std::array<double, slot_count>;
 
@@ -88,6 +88,9 @@ struct Isotherm {
   // The density of a liquid: the root from which the pressure rises all the way up. False when there is none. At
   // temperatures and pressures with one root only both give that.
   bool liquid_density(double p, double& rho) const noexcept;
+  // The root of least density on any rising stretch: where there is neither vapour nor liquid, that of a mixture which
+  // is about to split.
+  bool loop_density(double p, double& rho) const noexcept;
   // Whether the pressure rises with density all the way, so that there is one root.
   bool has_one_root() const noexcept;
   // The root close to a guess, on the branch of the guess. False when there is none, or none close enough.
@@ -97,8 +100,8 @@ struct Isotherm {
 // Residual Helmholtz energy and its derivatives.
 helmholtz::Residual residual(const Mixture& mixture, const Isotherm& isotherm, double rho) noexcept;
 
-// The ideal gas at a temperature T [K]. Enthalpy and entropy of each component are zero at 298.15 K and 101.325 kPa; the
-// entropy is that at 101.325 kPa, without the entropy of mixing.
+// The ideal gas at a temperature T [K]. Enthalpy and entropy of each component are zero at 298.15 K and 101.325
+// kPa; the entropy is that at 101.325 kPa, without the entropy of mixing.
 enum class Entropy { leave_out, include };  // leaving it out saves the logarithms
 helmholtz::IdealGas ideal_mixture(const Composition& x, double T, Entropy entropy) noexcept;
 

@@ -2,8 +2,8 @@
 //
 // O. Kunz, R. Klimeck, W. Wagner, M. Jaeschke: The GERG-2004 Wide-Range Equation of State for Natural Gases and Other
 // Mixtures, GERG Technical Monograph 15 (2007). It has 18 components: not n-nonane, n-decane and hydrogen sulfide.
-// The equations of carbon monoxide and i-pentane are others, and so are the reducing parameters that follow from their
-// critical values.
+// The equations of carbon monoxide and i-pentane are others, and so are the reducing parameters that follow from
+// their critical values.
 #pragma once
 
 #include "math/gas/gerg2008_table.h"

@@ -8,46 +8,44 @@
 #include <cstddef>
 #include <iterator>
 
+#include "math/common/components.h"
+
 namespace norvane::GERG2008 {
 
 // clang-format off
 
 inline constexpr std::size_t component_count = 21;
 
-// Component numbers.
-enum ComponentIndex : std::size_t {
-  methane, nitrogen, carbon_dioxide, ethane, propane, water, hydrogen_sulfide, hydrogen, carbon_monoxide, oxygen,
-  i_butane, n_butane, i_pentane, n_pentane, n_hexane, n_heptane, n_octane, n_nonane, n_decane, helium, argon
-};
+using namespace component;  // the numbers of the components
 
 // Molar mass [kg/kmol], critical density [kmol/m3] and critical temperature [K].
-struct Component { const char* name; double M, rho_c, T_c; };
+struct Component { double M, rho_c, T_c; };
 inline constexpr Component components[] = {
-    {"methane"         ,  16.04246, 10.139342719,  190.564},
-    {"nitrogen"        ,   28.0134,      11.1839,  126.192},
-    {"carbon dioxide"  ,   44.0095, 10.624978698, 304.1282},
-    {"ethane"          ,  30.06904,   6.87085454,  305.322},
-    {"propane"         ,  44.09562,  5.000043088,  369.825},
-    {"water"           ,  18.01528,  17.87371609,  647.096},
-    {"hydrogen sulfide",  34.08088,        10.19,    373.1},
-    {"hydrogen"        ,   2.01588,        14.94,    33.19},
-    {"carbon monoxide" ,   28.0101,        10.85,   132.86},
-    {"oxygen"          ,   31.9988,        13.63,  154.595},
-    {"i-butane"        ,   58.1222,   3.86014294,  407.817},
-    {"n-butane"        ,   58.1222,  3.920016792,  425.125},
-    {"i-pentane"       ,  72.14878,        3.271,   460.35},
-    {"n-pentane"       ,  72.14878,  3.215577588,    469.7},
-    {"n-hexane"        ,  86.17536,  2.705877875,   507.82},
-    {"n-heptane"       , 100.20194,  2.315324434,   540.13},
-    {"n-octane"        , 114.22852,  2.056404127,   569.32},
-    {"n-nonane"        ,  128.2551,         1.81,   594.55},
-    {"n-decane"        , 142.28168,         1.64,    617.7},
-    {"helium"          ,  4.002602,       17.399,   5.1953},
-    {"argon"           ,    39.948, 13.407429659,  150.687},
+    { 16.04246, 10.139342719,  190.564},  // methane
+    {  28.0134,      11.1839,  126.192},  // nitrogen
+    {  44.0095, 10.624978698, 304.1282},  // carbon dioxide
+    { 30.06904,   6.87085454,  305.322},  // ethane
+    { 44.09562,  5.000043088,  369.825},  // propane
+    { 18.01528,  17.87371609,  647.096},  // water
+    { 34.08088,        10.19,    373.1},  // hydrogen sulfide
+    {  2.01588,        14.94,    33.19},  // hydrogen
+    {  28.0101,        10.85,   132.86},  // carbon monoxide
+    {  31.9988,        13.63,  154.595},  // oxygen
+    {  58.1222,   3.86014294,  407.817},  // i-butane
+    {  58.1222,  3.920016792,  425.125},  // n-butane
+    { 72.14878,        3.271,   460.35},  // i-pentane
+    { 72.14878,  3.215577588,    469.7},  // n-pentane
+    { 86.17536,  2.705877875,   507.82},  // n-hexane
+    {100.20194,  2.315324434,   540.13},  // n-heptane
+    {114.22852,  2.056404127,   569.32},  // n-octane
+    { 128.2551,         1.81,   594.55},  // n-nonane
+    {142.28168,         1.64,    617.7},  // n-decane
+    { 4.002602,       17.399,   5.1953},  // helium
+    {   39.948, 13.407429659,  150.687},  // argon
 };
 static_assert(std::size(components) == component_count);
 
-// ---- Pure fluids: ar = sum n delta^d tau^t exp(-delta^c), the exponential where c > 0 -----------------------------
+// ---- Pure fluids: ar = sum n delta^d tau^t exp(-delta^c), the exponential where c > 0 ----------------------------
 
 // Fluids that share their exponents share a form; its coefficients are one row of n a fluid.
 struct Exponents { int d; double t; int c; };
@@ -197,7 +195,7 @@ inline constexpr double helium_n[][12] = {
 };
 static_assert(std::size(helium_form) == 12 && std::size(helium_n) == 1);
 
-// ---- Reducing functions: parameters of the 210 pairs --------------------------------------------------------------
+// ---- Reducing functions: parameters of the 210 pairs -------------------------------------------------------------
 
 // The betas hold for the order (i, j) as written; exchanging i and j inverts them. The gammas are symmetrical.
 struct Pair { std::size_t i, j; double beta_v, gamma_v, beta_T, gamma_T; };
@@ -415,7 +413,7 @@ inline constexpr Pair pairs[] = {
 };
 static_assert(std::size(pairs) == component_count * (component_count - 1) / 2);
 
-// ---- Departure functions -------------------------------------------------------------------------------------------
+// ---- Departure functions -----------------------------------------------------------------------------------------
 
 //   ar_ij = sum n delta^d tau^t + sum n delta^d tau^t exp(-eta (delta-eps)^2 - beta (delta-gamma))
 
@@ -514,7 +512,7 @@ inline constexpr Departure departures[] = {
 };
 static_assert(std::size(departures) == 15);
 
-// ---- Ideal gas ----------------------------------------------------------------------------------------------------
+// ---- Ideal gas ---------------------------------------------------------------------------------------------------
 
 //   cp0/R  = n3 + sum(4, 6) n (th/T)^2/sinh^2(th/T) + sum(5, 7) n (th/T)^2/cosh^2(th/T)
 //   a0/(RT) = ln(rho/rho_ref) + n1 + n2/T - (n3-1) ln T + sum(4, 6) n ln sinh(th/T) - sum(5, 7) n ln cosh(th/T)

@@ -133,8 +133,8 @@ class DensitySearch {
   }
 
  private:
-  // Whether the pressure falls somewhere between two places where it rises. The cubic through both has no fall when its
-  // slopes are below three times the mean one; else the middle is looked at.
+  // Whether the pressure falls somewhere between two places where it rises. The cubic through both has no fall when
+  // its slopes are below three times the mean one; else the middle is looked at.
   bool falls_between(const Place& a, const Place& b, double& where) const noexcept {
     const double mean = (b.p - a.p) / (b.rho - a.rho);
     constexpr double steep = 2.5;
@@ -181,6 +181,18 @@ bool Isotherm::liquid_density(double p, double& rho) const noexcept {
   }
   if (!(top.slope > 0.0)) return false;
   return search.follow(top, top.rho + (p - top.p) / top.slope, rho);
+}
+
+bool Isotherm::loop_density(double p, double& rho) const noexcept {
+  constexpr double step = 0.02;  // in delta
+  const DensitySearch search(*this, p);
+  Place last{0.0, 0.0, RT};
+  for (double delta = step; delta < highest_delta; delta += step) {
+    const Place now = search.at(delta / v_r);
+    if (last.p < p && now.p >= p && search.polish(last.rho, now.rho, now, rho)) return true;
+    last = now;
+  }
+  return false;
 }
 
 bool Isotherm::density_near(double p, double guess, double& rho) const noexcept {

@@ -54,8 +54,8 @@ constexpr Volatility volatility[component_count] = {
 // Lists of the components that take part, from 0.
 using List = std::array<double, component_count>;
 
-// Solves (A + lambda I) s = -g with the least lambda of a growing row that makes the matrix positive. A has about 1 on
-// its diagonal.
+// Solves (A + lambda I) s = -g with the least lambda of a growing row that makes the matrix positive. A has about 1
+// on its diagonal.
 bool solve(const std::array<List, component_count>& A, const List& g, std::size_t n, double lambda,
            List& s) noexcept {
   for (int attempt = 0; attempt < 14; ++attempt) {
@@ -100,9 +100,10 @@ struct Trial {
   List x{};  // mole fractions
   List ln_x{};
   List ln_phi{};
-  double rho = 0.0;  // 0: not known yet
-  List x_of_rho{};   // the composition that has this density
-  double g = 0.0;    // Gibbs energy over R T, sum x_i (ln x_i + ln phi_i)
+  double rho = 0.0;   // 0: not known yet
+  List x_of_rho{};    // the composition that has this density
+  bool loop = false;  // neither a vapour's nor a liquid's density
+  double g = 0.0;     // Gibbs energy over R T, sum x_i (ln x_i + ln phi_i)
 };
 
 class Flash {
@@ -132,7 +133,8 @@ class Flash {
   };
   enum class Ending { converged, collapsed, outside, failed };
 
-  // Density and fugacities of a composition: close to the density it has already, or at the root of less Gibbs energy.
+  // Density and fugacities of a composition: close to the density it has already, or at the root of less Gibbs
+  // energy.
   bool evaluate(Trial& trial, std::array<List, component_count>* slope = nullptr) noexcept;
   bool evaluate_afresh(Trial& trial) noexcept {
     trial.rho = 0.0;
@@ -192,8 +194,11 @@ bool Flash::evaluate(Trial& trial, std::array<List, component_count>* slope) noe
     double vapour = 0.0, liquid = 0.0;
     const bool has_vapour = isotherm_.vapour_density(p_, vapour);
     const bool has_liquid = !(has_vapour && isotherm_.has_one_root()) && isotherm_.liquid_density(p_, liquid);
-    if (!has_vapour && !has_liquid) return false;
-    trial.rho = has_vapour ? vapour : liquid;
+    // Close to its critical point a mixture may have neither, between the two: it splits, and a root on the loop
+    // serves as the reference for that.
+    trial.loop = !has_vapour && !has_liquid;
+    if (trial.loop && !isotherm_.loop_density(p_, vapour)) return false;
+    trial.rho = has_liquid && !has_vapour ? liquid : vapour;
     if (has_vapour && has_liquid) {
       const auto gibbs = [&](double rho) {
         const double z = p_ / (rho * isotherm_.RT);
@@ -394,7 +399,8 @@ void Flash::from(const Trial& one, const Trial& two, Pair& pair) const noexcept 
   for (std::size_t a = 0; a < count_; ++a) pair.ln_K[a] = pair.vapour.ln_x[a] - pair.liquid.ln_x[a];
 }
 
-// Successive substitution, ln K = ln phi of the liquid - ln phi of the vapour, accelerated along the slowest direction.
+// Successive substitution, ln K = ln phi of the liquid - ln phi of the vapour, accelerated along the slowest
+// direction.
 Flash::Ending Flash::substitute(Pair& pair) noexcept {
   constexpr int steps = 12, between = 4;
   constexpr double close = 1e-3;  // from here Newton's method takes two or three steps
@@ -429,8 +435,8 @@ Flash::Ending Flash::substitute(Pair& pair) noexcept {
   return Ending::converged;
 }
 
-// Newton's method on the Gibbs energy as a function of the vapour's amounts v_i = b y_i. Scaled by sqrt(v_i l_i/z_i) the
-// matrix of second derivatives is near the unit matrix. A step uphill is taken back and shortened.
+// Newton's method on the Gibbs energy as a function of the vapour's amounts v_i = b y_i. Scaled by sqrt(v_i
+// l_i/z_i) the matrix of second derivatives is near the unit matrix. A step uphill is taken back and shortened.
 Flash::Ending Flash::newton(Pair& pair) noexcept {
   constexpr int steps = 60;
   constexpr double share_kept = 0.1;  // of an amount, in one step
@@ -590,6 +596,7 @@ FlashResult Flash::run(Equilibrium& answer) noexcept {
   for (std::size_t a = 0; a < count_; ++a) d[a] = ln_z_[a] + feed.ln_phi[a];
   Find find;
   if (count_ == 1 || !test(d, feed, nullptr, find)) {
+    if (feed.loop) return FlashResult::no_density;
     answer.untested = untested_;
     answer.vapour = phase_of(feed);
     return FlashResult::found;
@@ -613,6 +620,7 @@ FlashResult Flash::run(Equilibrium& answer) noexcept {
     }
     if (!(best.g < before)) break;
   }
+  if (best.vapour.loop || best.liquid.loop) return FlashResult::not_converged;
   answer.split = true;
   if (best.vapour.rho > best.liquid.rho) {
     std::swap(best.vapour, best.liquid);

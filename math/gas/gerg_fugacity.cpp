@@ -9,8 +9,8 @@
 //   ln phi_i = dW/dn_i + delta W_delta (1/delta) d(delta)/dn_i + tau W_tau (1/tau) d(tau)/dn_i - ln Z
 //   n d(ln phi_i)/dn_j = d2W/dn_i dn_j (total) + 1 - (1 + P_i)(1 + P_j)/(1 + 2 d + dd)
 //
-// with 1 + P_i the derivative of p V/(R T) to n_i at constant volume. Lower-case d, t and their doubles are the reduced
-// derivatives of ar, as in math/common/helmholtz.h.
+// with 1 + P_i the derivative of p V/(R T) to n_i at constant volume. Lower-case d, t and their doubles are the
+// reduced derivatives of ar, as in math/common/helmholtz.h.
 
 #include <algorithm>
 #include <cmath>

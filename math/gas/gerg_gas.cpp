@@ -68,10 +68,10 @@ Outcome prepare(Edition edition, const Gas& gas, Given& given) noexcept {
   const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, composition_error, given.x);
   if (!prepared.good()) return prepared;
   if (edition == Edition::gerg_2004) {
-    for (std::size_t component : edition_2004::absent)
-      if (given.x[component] > 0.0)
+    for (std::size_t absent : edition_2004::absent)
+      if (given.x[absent] > 0.0)
         return blame(gas.composition, composition_error, u"holds $, which GERG-2004 does not have")
-            .naming(components[component].name);
+            .naming(component::table[absent].name);
   }
   constexpr double lowest_t = -250.0, highest_t = 450.0, highest_p = 200.0;
   if (!(gas.temperature >= lowest_t && gas.temperature <= highest_t))

@@ -1,0 +1,228 @@
+// GERG-2008: the whole call through the context, the bare algorithm and its parts, and a plain transcription of the
+// equation as the baseline of the ratios.
+#include <array>
+#include <cmath>
+
+#include "bench/bench_call.h"
+#include "math/gas/gerg.h"
+
+namespace norvane::bench {
+namespace {
+
+using namespace GERG2008;
+
+using Amounts = std::array<double, component_count + 1>;
+Amounts gas_of_21(double shift) {
+  return {0.77824 - shift, 0.02 + shift, 0.06,    0.08,    0.03,    0.0001,  0.0025,  0.004,   0.002, 0.005, 0.0015,
+          0.003,           0.0005,       0.00165, 0.00215, 0.00088, 0.00024, 0.00015, 0.00009, 0.007, 0.001, 0.0};
+}
+Amounts gas_of_10(double shift) {
+  return {0.906724 - shift, 0.031284 + shift, 0.004676, 0.045279, 0.00828, 0, 0, 0, 0, 0, 0.001037,
+          0.001563,         0.000321,         0.000443, 0.000393, 0.0,     0, 0, 0, 0, 0, 0};
+}
+Composition fractions(const Amounts& amounts) {
+  Composition x{};
+  (void)composition::prepare(amounts, composition::add_to_i_pentane, composition_error, x);
+  return x;
+}
+
+// ---- Whole calls -------------------------------------------------------------------------------------------------
+
+enum class Change { nothing, state, composition };
+
+void gerg_call(benchmark::State& state, std::u16string_view id, Amounts (*gas)(double), Change change, double p,
+               double t) {
+  BenchCall call(id);
+  if (!call.ready(state)) return;
+  std::array<std::array<FUNCTION_ARG, component_count + 1>, 2> cells;
+  for (std::size_t g = 0; g < 2; ++g)
+    for (std::size_t i = 0; i < component_count + 1; ++i)
+      cells[g][i] = FUNCTION_ARG::Number(gas(1e-4 * static_cast<double>(g))[i]);
+  call[1] = FUNCTION_ARG::Number(p);
+  call[2] = FUNCTION_ARG::Number(t);
+  call[3] = FUNCTION_ARG::OfArray(1, cells[0].size(), cells[0].data());
+  call();
+  const AllocationCounter counter(state);
+  unsigned i = 0;
+  for (auto _ : state) {
+    ++i;
+    if (change != Change::nothing) {
+      call[1].number = p + i % 37 * 0.1;
+      call[2].number = t + i % 41 * 0.1;
+    }
+    if (change == Change::composition) call[3].array.elements = cells[i % 2].data();
+    if (call() != ERROR_OK) state.SkipWithError("call failed");
+  }
+}
+BENCHMARK_CAPTURE(gerg_call, gas_identical, u"GERG2008_Gas", gas_of_21, Change::nothing, 60.0, 20.0);
+BENCHMARK_CAPTURE(gerg_call, gas_new_state_10, u"GERG2008_Gas", gas_of_10, Change::state, 60.0, 20.0);
+BENCHMARK_CAPTURE(gerg_call, gas_new_state_21, u"GERG2008_Gas", gas_of_21, Change::state, 60.0, 20.0);
+BENCHMARK_CAPTURE(gerg_call, gas_new_composition_10, u"GERG2008_Gas", gas_of_10, Change::composition, 60.0, 20.0);
+BENCHMARK_CAPTURE(gerg_call, gas_new_composition_21, u"GERG2008_Gas", gas_of_21, Change::composition, 60.0, 20.0);
+BENCHMARK_CAPTURE(gerg_call, z_new_state_10, u"GERG_ZOTPX", gas_of_10, Change::state, 60.0, 20.0);
+BENCHMARK_CAPTURE(gerg_call, flash_two_phases_10, u"GERG2008_Flash", gas_of_10, Change::state, 30.0, -68.0);
+BENCHMARK_CAPTURE(gerg_call, flash_gas_10, u"GERG2008_Flash", gas_of_10, Change::state, 30.0, 0.0);
+
+// ---- The parts ---------------------------------------------------------------------------------------------------
+
+struct Parts {
+  Mixture mixture;
+  Isotherm isotherm;
+  explicit Parts(const Amounts& gas, double T = 300.0) {
+    mixture.set(Edition::gerg_2008, fractions(gas));
+    isotherm.set(mixture, T);
+  }
+};
+
+void gerg_mixture(benchmark::State& state, Amounts (*gas)(double)) {
+  const Composition x = fractions(gas(0.0));
+  Mixture mixture;
+  for (auto _ : state) {
+    mixture.set(Edition::gerg_2008, x);
+    benchmark::DoNotOptimize(mixture);
+  }
+}
+BENCHMARK_CAPTURE(gerg_mixture, 10, gas_of_10);
+BENCHMARK_CAPTURE(gerg_mixture, 21, gas_of_21);
+
+void gerg_isotherm(benchmark::State& state) {
+  Parts parts(gas_of_21(0.0));
+  double T = 250.0;
+  for (auto _ : state) {
+    parts.isotherm.set(parts.mixture, T);
+    T = T < 400.0 ? T + 1.0 : 250.0;
+    benchmark::DoNotOptimize(parts.isotherm);
+  }
+}
+BENCHMARK(gerg_isotherm);
+
+void gerg_density(benchmark::State& state, Change change) {
+  Composition gases[2] = {fractions(gas_of_21(0.0)), fractions(gas_of_21(1e-4))};
+  Parts parts(gas_of_21(0.0));
+  unsigned i = 0;
+  for (auto _ : state) {
+    ++i;
+    if (change == Change::composition) parts.mixture.set(Edition::gerg_2008, gases[i % 2]);
+    parts.isotherm.set(parts.mixture, 278.15 + i % 41);
+    double rho = 0.0;
+    benchmark::DoNotOptimize(parts.isotherm.vapour_density(4.0 + i % 37 * 0.1, rho));
+    benchmark::DoNotOptimize(rho);
+  }
+}
+BENCHMARK_CAPTURE(gerg_density, new_state_21, Change::state);
+BENCHMARK_CAPTURE(gerg_density, new_composition_21, Change::composition);
+
+void gerg_properties(benchmark::State& state, Entropy entropy) {
+  const Parts parts(gas_of_21(0.0));
+  double rho = 0.0;
+  for (auto _ : state) {
+    rho = rho < 10.0 ? rho + 0.1 : 0.1;
+    benchmark::DoNotOptimize(GERG2008::state(parts.mixture, parts.isotherm, rho, entropy));
+  }
+}
+BENCHMARK_CAPTURE(gerg_properties, without_entropy, Entropy::leave_out);
+BENCHMARK_CAPTURE(gerg_properties, with_entropy, Entropy::include);
+
+void gerg_fugacity(benchmark::State& state) {
+  PhaseMixture mixture;
+  mixture.set(Edition::gerg_2008, fractions(gas_of_10(0.0)));
+  Isotherm isotherm;
+  isotherm.set(mixture, 300.0);
+  PerComponent ln_phi;
+  for (auto _ : state) {
+    fugacity(mixture, isotherm, 3.0, 0.85, ln_phi);
+    benchmark::DoNotOptimize(ln_phi);
+  }
+}
+BENCHMARK(gerg_fugacity);
+
+void gerg_pressure(benchmark::State& state) {
+  const Parts parts(gas_of_21(0.0));
+  double rho = 0.0;
+  for (auto _ : state) {
+    rho = rho < 10.0 ? rho + 0.1 : 0.1;
+    benchmark::DoNotOptimize(parts.isotherm.at(rho));
+  }
+}
+BENCHMARK(gerg_pressure);
+
+// The baseline: the same pressure and slope term by term with the C library's pow and exp; of a density only, all of
+// the temperature too, and the whole search as Newton's method in ln v from the ideal gas.
+struct Transcription {
+  Composition x;
+  double T_r, v_r, tau;
+
+  // z and (dp/drho)/(R T), with tau^t per term.
+  void at(double rho, double& z, double& slope) const {
+    const double delta = rho * v_r;
+    double d1 = 0.0, d2 = 0.0;
+    const auto term = [&](double n, int d, double t, double w, double q, double r) {
+      const double value = n * std::pow(delta, d) * std::pow(tau, t) * std::exp(-w), D = d - q;
+      d1 += value * D;
+      d2 += value * (D * D - D - r);
+    };
+    const auto form = [&](const auto& terms, const auto& members, const auto& n) {
+      for (std::size_t m = 0; m < std::size(members); ++m) {
+        if (x[members[m]] == 0.0) continue;
+        for (std::size_t k = 0; k < std::size(terms); ++k) {
+          const double w = terms[k].c == 0 ? 0.0 : std::pow(delta, terms[k].c);
+          term(x[members[m]] * n[m][k], terms[k].d, terms[k].t, w, terms[k].c * w, terms[k].c * terms[k].c * w);
+        }
+      }
+    };
+    form(light_form, light_members, light_n);
+    form(carbon_dioxide_form, carbon_dioxide_members, carbon_dioxide_n);
+    form(simple_form, simple_members, simple_n);
+    form(water_form, water_members, water_n);
+    form(hydrogen_form, hydrogen_members, hydrogen_n);
+    form(helium_form, helium_members, helium_n);
+    for (const Departure& pair : departures) {
+      const double weight = x[pair.i] * x[pair.j] * pair.F;
+      if (weight == 0.0) continue;
+      for (const DepartureTerm& row : departure_terms) {
+        if (row.function != pair.function) continue;
+        const double y = delta - departure_centre, q = delta * (2.0 * row.eta * y + row.beta);
+        term(weight * row.n, row.d, row.t, row.eta * y * y + row.beta * y, q, q + 2.0 * row.eta * delta * delta);
+      }
+    }
+    z = 1.0 + d1;
+    slope = 1.0 + 2.0 * d1 + d2;
+  }
+};
+
+void gerg_pressure_term_by_term(benchmark::State& state) {
+  const Parts parts(gas_of_21(0.0));
+  const Transcription plain{parts.mixture.x, parts.mixture.T_r, parts.mixture.v_r, parts.isotherm.tau};
+  double rho = 0.0;
+  for (auto _ : state) {
+    rho = rho < 10.0 ? rho + 0.1 : 0.1;
+    double z = 0.0, slope = 0.0;
+    plain.at(rho, z, slope);
+    benchmark::DoNotOptimize(z);
+    benchmark::DoNotOptimize(slope);
+  }
+}
+BENCHMARK(gerg_pressure_term_by_term);
+
+void gerg_density_term_by_term(benchmark::State& state) {
+  const Parts parts(gas_of_21(0.0));
+  unsigned i = 0;
+  for (auto _ : state) {
+    ++i;
+    const double T = 278.15 + i % 41, p = 4.0 + i % 37 * 0.1, RT = R * T;
+    const Transcription plain{parts.mixture.x, parts.mixture.T_r, parts.mixture.v_r, parts.mixture.T_r / T};
+    double rho = p / RT;
+    for (int step = 0; step < 50; ++step) {
+      double z = 0.0, slope = 0.0;
+      plain.at(rho, z, slope);
+      const double change = std::log(p / (rho * RT * z)) * z / slope;
+      rho *= std::exp(change);
+      if (std::fabs(change) < 1e-7) break;
+    }
+    benchmark::DoNotOptimize(rho);
+  }
+}
+BENCHMARK(gerg_density_term_by_term);
+
+}  // namespace
+}  // namespace norvane::bench

@@ -1,0 +1,494 @@
+#include "math/gas/gerg.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "tests/math/gas/gerg_reference.h"
+#include "tests/support/call.h"
+
+namespace norvane::test {
+namespace {
+
+using namespace GERG2008;
+using Real = GergReference::Real;
+
+Composition normalised(Composition x) {
+  double sum = 0.0;
+  for (double amount : x) sum += amount;
+  for (double& amount : x) amount /= sum;
+  return x;
+}
+
+Composition pure(std::size_t i) {
+  Composition x{};
+  x[i] = 1.0;
+  return x;
+}
+
+// Kinds of gases: lean, rich, carbon dioxide with others, wet, with hydrogen and helium, anything.
+enum Kind : int { lean, rich, carbonic, wet, light, any, kind_count };
+Composition random_gas(Random& random, Kind kind) {
+  Composition x{};
+  const auto up_to = [&](std::size_t i, double most) { x[i] = random.within(0.0, most); };
+  if (kind == any) {
+    for (double& amount : x) amount = random.below(2) == 0 ? std::pow(random.unit(), 3.0) : 0.0;
+    x[methane] += 0.01;
+    return normalised(x);
+  }
+  x[methane] = random.within(0.5, 0.95);
+  up_to(nitrogen, 0.1);
+  up_to(ethane, 0.1);
+  up_to(propane, 0.05);
+  if (kind == lean || kind == rich) {
+    const double heavy = kind == rich ? 0.03 : 0.004;
+    for (std::size_t i : {i_butane, n_butane, i_pentane, n_pentane, n_hexane}) up_to(i, heavy);
+    if (kind == rich)
+      for (std::size_t i : {n_heptane, n_octane, n_nonane, n_decane}) up_to(i, heavy);
+  }
+  if (kind == carbonic) {
+    x[carbon_dioxide] = random.within(0.2, 3.0);
+    up_to(hydrogen_sulfide, 0.3);
+  }
+  if (kind == wet) {
+    up_to(water, 0.1);
+    up_to(n_pentane, 0.2);
+  }
+  if (kind == light) {
+    up_to(hydrogen, 1.0);
+    up_to(helium, 0.2);
+    up_to(carbon_monoxide, 0.1);
+  }
+  return normalised(x);
+}
+
+std::string shown(const Composition& x, double T, double p) {
+  std::string text = "T " + std::to_string(T) + " p " + std::to_string(p);
+  for (std::size_t i = 0; i < component_count; ++i)
+    if (x[i] > 0.0) text += " " + std::to_string(i) + ":" + std::to_string(x[i]);
+  return text;
+}
+
+// Fourth-order slope of f at 0 for a step.
+template <class Function>
+auto slope(const Function& f, Real step) {
+  return (f(-2 * step) - 8 * f(-step) + 8 * f(step) - f(2 * step)) / (12 * step);
+}
+
+// ---- The equation ------------------------------------------------------------------------------------------------
+
+TEST(Gerg, EnergyAndItsDerivativesAreThoseOfTheEquationWrittenOut) {
+  Random random(u"energy", 1, 1);
+  for (int n = 0; n < 90; ++n) {
+    const auto edition = n % 2 == 0 ? Edition::gerg_2008 : Edition::gerg_2004;
+    const auto i = static_cast<std::size_t>(n / 2);
+    const Composition x = i < component_count ? pure(i) : random_gas(random, static_cast<Kind>(n % kind_count));
+    Mixture mixture;
+    mixture.set(edition, x);
+    const double T = mixture.T_r * random.within(0.4, 2.0), rho = random.within(0.02, 2.5) / mixture.v_r;
+    Isotherm isotherm;
+    isotherm.set(mixture, T);
+    const helmholtz::Residual r = residual(mixture, isotherm, rho);
+
+    const GergReference reference(edition);
+    GergReference::Moles moles;
+    std::copy(x.begin(), x.end(), moles.begin());
+    // Of ln tau and ln rho.
+    const auto ar = [&](Real t, Real d) { return reference.energy(moles, T * std::exp(-t), std::exp(-d) / rho); };
+    const Real h = 2e-4L;  // the highest power of tau is 30
+    const auto at_d = [&](Real d) { return slope([&](Real t) { return ar(t, d); }, h); };
+    const Real t = at_d(0), d = slope([&](Real s) { return ar(0, s); }, h);
+    const Real tt = slope([&](Real s) { return slope([&](Real u) { return ar(s + u, 0); }, h); }, h) - t;
+    const Real dd = slope([&](Real s) { return slope([&](Real u) { return ar(0, s + u); }, h); }, h) - d;
+    const Real want[] = {ar(0, 0), d, dd, t, tt, slope(at_d, h)};
+    const double got[] = {r.ar, r.d, r.dd, r.t, r.tt, r.dt};
+    const double size = std::fabs(r.ar) + std::fabs(r.d) + std::fabs(r.dd) + std::fabs(r.tt) + std::fabs(r.dt);
+    for (std::size_t k = 0; k < std::size(got); ++k)
+      ASSERT_NEAR(got[k], static_cast<double>(want[k]), (k == 0 ? 1e-13 : 2e-8) * size)
+          << k << " " << shown(x, T, rho);
+    const Isotherm::Point point = isotherm.at(rho);
+    ASSERT_NEAR(point.z, 1.0 + r.d, 1e-13 * size);
+    ASSERT_NEAR(point.dp_drho, 1.0 + 2.0 * r.d + r.dd, 1e-13 * size);
+    ASSERT_NEAR(isotherm.energy(rho), r.ar, 1e-13 * size);
+  }
+}
+
+TEST(Gerg, FugacitiesAreDerivativesOfTheEnergy) {
+  Random random(u"fugacity", 1, 1);
+  for (int n = 0; n < 12; ++n) {
+    const Composition x = random_gas(random, static_cast<Kind>(n % kind_count));
+    PhaseMixture mixture;
+    mixture.set(Edition::gerg_2008, x);
+    const double T = mixture.T_r * random.within(1.15, 1.6), p = random.within(0.5, 20.0);
+    Isotherm isotherm;
+    isotherm.set(mixture, T);
+    double rho = 0.0;
+    ASSERT_TRUE(isotherm.vapour_density(p, rho));
+    const double z = p / (rho * isotherm.RT);
+    PerComponent ln_phi, alone;
+    PerPair slopes;
+    fugacity(mixture, isotherm, rho, z, ln_phi, slopes);
+    fugacity(mixture, isotherm, rho, z, alone);
+
+    const GergReference reference(Edition::gerg_2008);
+    for (std::size_t j = 0; j < component_count; ++j) {
+      if (x[j] < 1e-3) continue;
+      GergReference::Moles moles;
+      std::copy(x.begin(), x.end(), moles.begin());
+      const auto energy = [&](Real change) {
+        GergReference::Moles more = moles;
+        more[j] += change;
+        return reference.energy(more, T, 1 / static_cast<Real>(rho));
+      };
+      ASSERT_NEAR(ln_phi[j], static_cast<double>(slope(energy, 1e-3L * moles[j])) - std::log(z), 1e-9)
+          << shown(x, T, p);
+      ASSERT_EQ(ln_phi[j], alone[j]);
+      // The slopes at constant pressure, by differences of the coefficients themselves.
+      const auto at = [&](Real change) {
+        Composition other = x;
+        other[j] += static_cast<double>(change);
+        PhaseMixture changed;
+        changed.set(Edition::gerg_2008, normalised(other));
+        Isotherm same_T;
+        same_T.set(changed, T);
+        double density = 0.0;
+        EXPECT_TRUE(same_T.vapour_density(p, density));
+        PerComponent moved;
+        fugacity(changed, same_T, density, p / (density * same_T.RT), moved);
+        return moved;
+      };
+      const double h = 1e-3 * x[j];
+      const PerComponent a = at(-2 * h), b = at(-h), c = at(h), d = at(2 * h);
+      for (std::size_t i = 0; i < component_count; ++i)
+        if (x[i] > 0.0) {
+          ASSERT_NEAR(slopes[i][j], (a[i] - 8.0 * b[i] + 8.0 * c[i] - d[i]) / (12.0 * h), 2e-8 * (1.0 + 1e-4 / x[j]))
+              << i << " " << j << " " << shown(x, T, p);
+        }
+    }
+  }
+}
+
+TEST(Gerg, PropertiesAgreeWithEachOther) {
+  Random random(u"properties", 1, 1);
+  for (int n = 0; n < 40; ++n) {
+    const Composition x = random_gas(random, static_cast<Kind>(n % kind_count));
+    Mixture mixture;
+    mixture.set(Edition::gerg_2008, x);
+    const double T = mixture.T_r * random.within(1.1, 3.0), rho = random.within(0.01, 2.0) / mixture.v_r;
+    const auto at = [&](double t, double d) {
+      Isotherm isotherm;
+      isotherm.set(mixture, T * (1.0 + t));
+      return state(mixture, isotherm, rho * (1.0 + d), Entropy::include);
+    };
+    const double h = 1e-4, R_joule = 1000.0 * R;
+    const helmholtz::State s = at(0, 0), warm = at(h, 0), cold = at(-h, 0), dense = at(0, h), thin = at(0, -h);
+    const auto energy = [&](const helmholtz::State& of) { return of.h - of.z * R_joule * of.T; };
+    EXPECT_NEAR((energy(warm) - energy(cold)) / (2 * h * T) / s.cv, 1.0, 1e-6);
+    EXPECT_NEAR((warm.s - cold.s) / (2 * h) / s.cv, 1.0, 1e-6);
+    // ds/drho = -(dp/dT)/rho^2
+    EXPECT_NEAR((dense.s - thin.s) / (2 * h), -R_joule * s.dp_dT, 1e-6 * R_joule * (1.0 + std::fabs(s.dp_dT)));
+    EXPECT_EQ(state(
+                  mixture,
+                  [&] {
+                    Isotherm i;
+                    i.set(mixture, T);
+                    return i;
+                  }(),
+                  rho, Entropy::leave_out)
+                  .cp,
+              s.cp);
+  }
+  // The reference state: enthalpy and entropy of each pure ideal gas are zero at 298.15 K and 101.325 kPa.
+  for (std::size_t i = 0; i < component_count; ++i) {
+    const helmholtz::IdealGas ideal = ideal_mixture(pure(i), 298.15, Entropy::include);
+    EXPECT_NEAR(ideal.h, 0.0, 2e-3) << i;
+    EXPECT_NEAR(ideal.s, 0.0, 1e-5) << i;
+  }
+}
+
+// The vapour is the first crossing from density zero while the pressure rises, the liquid the last with nothing but
+// rise above it; the loops between them have up to three more.
+TEST(Gerg, DensitiesLieOnTheirBranches) {
+  Random random(u"density", 1, 1);
+  int vapours = 0, liquids = 0, both = 0;
+  for (int n = 0; n < 1500; ++n) {
+    const Composition x =
+        n % 5 == 0 ? pure(random.below(component_count)) : random_gas(random, static_cast<Kind>(n % kind_count));
+    Mixture mixture;
+    mixture.set(Edition::gerg_2008, x);
+    const double T = mixture.T_r * random.within(0.45, 1.4), p = 25.0 * std::pow(random.unit(), 3.0) + 1e-3;
+    Isotherm isotherm;
+    isotherm.set(mixture, T);
+    double vapour = 0.0, liquid = 0.0;
+    const bool has_vapour = isotherm.vapour_density(p, vapour), has_liquid = isotherm.liquid_density(p, liquid);
+    constexpr double step = 0.004;  // of delta
+    double first = 0.0, last = 0.0, below = 0.0;
+    bool rising = true;
+    for (double delta = step; delta < 5.0; delta += step) {
+      const double rho = delta / mixture.v_r, now = isotherm.at(rho).z * rho * isotherm.RT;
+      if (!(now > below)) {
+        rising = false;
+        last = 0.0;
+      } else if (now >= p && below < p) {
+        if (rising) first = rho;
+        last = rho;
+      }
+      below = now;
+    }
+    const double width = 2.0 * step / mixture.v_r;
+    if (first > width) {  // a vapour thinner than the grid is seen by the other checks
+      ASSERT_EQ(has_vapour, true) << shown(x, T, p);
+      ASSERT_NEAR(vapour, first, width) << shown(x, T, p);
+    }
+    ASSERT_EQ(has_liquid, last > 0.0) << shown(x, T, p);
+    if (has_liquid) {
+      ASSERT_NEAR(liquid, last, width) << shown(x, T, p);
+    }
+    for (double rho : {vapour, liquid}) {
+      if (!(rho > 0.0)) continue;
+      const Isotherm::Point point = isotherm.at(rho);
+      ASSERT_NEAR((point.z - p / (rho * isotherm.RT)) / point.dp_drho, 0.0, 1e-13) << shown(x, T, p);
+      ASSERT_GT(point.dp_drho, 0.0);
+    }
+    vapours += has_vapour;
+    liquids += has_liquid;
+    both += has_vapour && has_liquid && vapour < 0.9 * liquid;
+  }
+  EXPECT_GT(vapours, 800);
+  EXPECT_GT(liquids, 800);
+  EXPECT_GT(both, 200);
+}
+
+// ---- Phases ------------------------------------------------------------------------------------------------------
+
+// ln(x_i phi_i) at the root of less Gibbs energy. False where there is no root.
+bool fugacities(const Composition& x, double T, double p, PerComponent& ln_f) {
+  PhaseMixture mixture;
+  mixture.set(Edition::gerg_2008, x);
+  Isotherm isotherm;
+  isotherm.set(mixture, T);
+  double roots[2], least = infinite;
+  const bool found[2] = {isotherm.vapour_density(p, roots[0]), isotherm.liquid_density(p, roots[1])};
+  for (int k : {0, 1}) {
+    if (!found[k]) continue;
+    PerComponent ln_phi{};
+    fugacity(mixture, isotherm, roots[k], p / (roots[k] * isotherm.RT), ln_phi);
+    double g = 0.0;
+    for (std::size_t i = 0; i < component_count; ++i) {
+      if (!(x[i] > 0.0)) continue;
+      ln_phi[i] += std::log(x[i]);
+      g += x[i] * ln_phi[i];
+    }
+    if (g < least) ln_f = ln_phi;
+    least = std::min(least, g);
+  }
+  return std::isfinite(least);
+}
+
+// The least tangent plane distance that trials from random compositions meet on their way.
+double least_distance(Random& random, const Composition& x, const PerComponent& ln_f, double T, double p,
+                      int trials) {
+  double least = 0.0;
+  for (int n = 0; n < trials; ++n) {
+    Composition w{};
+    const std::size_t one = random.below(component_count);
+    for (std::size_t i = 0; i < component_count; ++i) {
+      if (!(x[i] > 0.0)) continue;
+      if (n % 3 == 0) w[i] = std::pow(random.unit(), 4.0);
+      if (n % 3 == 1) w[i] = x[i] * std::exp(random.within(-6.0, 6.0));
+      if (n % 3 == 2) w[i] = (i == one ? 1.0 : 0.0) + 1e-3 * x[i];
+    }
+    for (int step = 0; step < 12; ++step) {
+      w = normalised(w);
+      PerComponent trial;
+      if (!fugacities(w, T, p, trial)) break;
+      double distance = 0.0;
+      for (std::size_t i = 0; i < component_count; ++i) {
+        if (!(w[i] > 0.0)) continue;
+        distance += w[i] * (trial[i] - ln_f[i]);
+        w[i] *= std::exp(std::clamp(ln_f[i] - trial[i], -100.0, 100.0));
+      }
+      least = std::min(least, distance);
+    }
+  }
+  return least;
+}
+
+// Over random gases: phases in equilibrium, nothing lost between them, and no other phase that would lower the energy
+// further unless the answer says so.
+TEST(GergFlash, PhasesAreInEquilibriumAndNoOtherWouldForm) {
+  Random random(u"flash", 1, 1);
+  int single = 0, split = 0, third = 0;
+  for (int n = 0; n < 180; ++n) {
+    const Kind kind = static_cast<Kind>(n % any);
+    const Composition x = random_gas(random, kind);
+    const double T = kind == rich || kind == wet ? random.within(235.0, 420.0) : random.within(150.0, 300.0);
+    const double p = random.within(0.05, kind == rich ? 25.0 : 10.0);
+    Equilibrium found;
+    ASSERT_EQ(flash(Edition::gerg_2008, x, T, p, found), FlashResult::found) << shown(x, T, p);
+    PerComponent ln_f;
+    ASSERT_TRUE(fugacities(found.vapour.x, T, p, ln_f));
+    if (found.split) {
+      PerComponent liquid;
+      ASSERT_TRUE(fugacities(found.liquid.x, T, p, liquid));
+      const double b = found.vapour_fraction;
+      ASSERT_TRUE(b > 0.0 && b < 1.0);
+      ASSERT_LT(found.vapour.rho, found.liquid.rho);
+      for (std::size_t i = 0; i < component_count; ++i) {
+        if (!(x[i] > 0.0)) continue;
+        ASSERT_NEAR(ln_f[i], liquid[i], 1e-8) << i << " " << shown(x, T, p);
+        ASSERT_NEAR((b * found.vapour.x[i] + (1.0 - b) * found.liquid.x[i]) / x[i], 1.0, 1e-11) << shown(x, T, p);
+      }
+    } else {
+      for (std::size_t i = 0; i < component_count; ++i) ASSERT_DOUBLE_EQ(found.vapour.x[i], x[i]);
+    }
+    third += found.third;
+    ++(found.split ? split : single);
+    if (found.third) continue;
+    ASSERT_GT(least_distance(random, x, ln_f, T, p, 9), -1e-8) << shown(x, T, p);
+  }
+  EXPECT_GT(single, 40);
+  EXPECT_GT(split, 40);
+  EXPECT_GT(third, 1);
+}
+
+// Along an isotherm of a gas up to its critical region every answer stands, and what changes by little changes little.
+TEST(GergFlash, StandsNearTheCriticalPoint) {
+  const Composition x = normalised({0.814424, 0.0550807, 0.00808951, 0.073167, 0.0360601, 0, 0, 0, 0, 0, 0.00405889,
+                                    0.00216795, 0.000570875, 0.0040743, 0.00230686});
+  for (double T = 196.0; T < 206.0; T += 0.5) {
+    double last = 0.0;
+    for (double p = 3.5; p < 6.5; p += 0.02) {
+      Equilibrium found;
+      ASSERT_EQ(flash(Edition::gerg_2008, x, T, p, found), FlashResult::found) << T << " " << p;
+      const double b = found.vapour_fraction;
+      const double volume =
+          found.split ? b / found.vapour.rho + (1.0 - b) / found.liquid.rho : 1.0 / found.vapour.rho;
+      if (last > 0.0) {
+        ASSERT_LT(volume, last) << T << " " << p;
+      }
+      last = volume;
+    }
+  }
+}
+
+TEST(GergFlash, PureFluidsBoilWhereTheirFugacitiesMeet) {
+  // Saturation of methane at 150 K and of carbon dioxide at 250 K: 1.040 MPa and 1.785 MPa in the tables of the
+  // international equations of state.
+  const struct {
+    std::size_t component;
+    double T, p, tolerance;
+  } cases[] = {{methane, 150.0, 1.0400, 0.002}, {carbon_dioxide, 250.0, 1.7850, 0.004}};
+  for (const auto& c : cases) {
+    Equilibrium below, above;
+    ASSERT_EQ(flash(Edition::gerg_2008, pure(c.component), c.T, c.p - c.tolerance, below), FlashResult::found);
+    ASSERT_EQ(flash(Edition::gerg_2008, pure(c.component), c.T, c.p + c.tolerance, above), FlashResult::found);
+    EXPECT_FALSE(below.split || below.vapour.liquid);
+    EXPECT_TRUE(!above.split && above.vapour.liquid);
+  }
+}
+
+// ---- The functions -----------------------------------------------------------------------------------------------
+
+Gas gas_of(const Composition& x, double t, double p) {
+  Gas gas{};
+  std::copy(x.begin(), x.end(), gas.composition.begin());
+  gas.pressure = p;
+  gas.temperature = t;
+  return gas;
+}
+
+template <class Structure>
+bool same_bits(const Structure& a, const Structure& b) {
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+// Composition, temperature and pressure change in every combination, failures among them; what the memory answers
+// must be what a fresh calculation answers, bit for bit.
+TEST(GergFunctions, MemoryAnswersAsAFreshCalculation) {
+  Random random(u"memory", 1, 1);
+  const Composition gases[] = {random_gas(random, lean), random_gas(random, wet), pure(methane), pure(n_nonane)};
+  const double temperatures[] = {-120.0, 10.0, 10.000000000000002, not_a_number};
+  const double pressures[] = {0.0, 3.0, 3.0000000000000004, 40.0, 300.0};
+  CEquation equation, density_memory;
+  CFlash phases;
+  for (int i = 0; i < 600; ++i) {
+    const Gas gas = gas_of(gases[random.below(4)], temperatures[random.below(4)], pressures[random.below(5)]);
+    CEquation fresh;
+    CFlash fresh_phases;
+    GasAnswer kept{}, want{};
+    FlashAnswer kept_phases{}, want_phases{};
+    const Outcome outcome = gas_2004(gas, kept, equation), expected = gas_2004(gas, want, fresh);
+    ASSERT_EQ(outcome.status, expected.status);
+    ASSERT_EQ(outcome.text, expected.text);
+    ASSERT_TRUE(same_bits(kept, want));
+    GasAnswer density{};
+    if (density_2004(gas, density, density_memory).good()) {
+      ASSERT_TRUE(same_bits(density.mass_density, want.mass_density));
+    }
+    ASSERT_EQ(flash_2004(gas, kept_phases, phases).status, flash_2004(gas, want_phases, fresh_phases).status);
+    ASSERT_TRUE(same_bits(kept_phases, want_phases));
+  }
+}
+
+// Whatever comes in: a status with its reason or finite numbers, and always an end.
+TEST(GergFunctions, AnswersAnyNumbers) {
+  Random random(u"hostile", 1, 1);
+  const double numbers[] = {not_a_number, infinite, -infinite, 0.0, -0.0, -1.0, 1e-320, 1e-160, 1e308, 1.0, 50.0};
+  int good = 0;
+  for (int i = 0; i < 1500; ++i) {
+    Gas gas{};
+    const bool tame = i % 2 == 0;
+    for (double& amount : gas.composition)
+      amount =
+          random.below(3) == 0 ? (tame ? std::pow(10.0, random.within(-320.0, 0.0)) : numbers[random.below(11)]) : 0;
+    if (tame) gas.composition[random.below(21)] = 1.0;
+    gas.temperature = random.below(8) == 0 ? numbers[random.below(11)] : random.within(-260.0, 460.0);
+    gas.pressure = random.below(8) == 0 ? numbers[random.below(11)] : 200.0 * std::pow(random.unit(), 4.0);
+    gas.neo_pentane = static_cast<composition::NeoPentaneMode>(random.whole(1, 3));
+    CEquation equation;
+    CFlash phases;
+    GasAnswer answer;
+    FlashAnswer split;
+    const Outcome outcomes[] = {gas_2008(gas, answer, equation), flash_2008(gas, split, phases)};
+    for (const Outcome& outcome : outcomes) {
+      ASSERT_TRUE(outcome.good() || outcome.text[0] != u'\0');
+      good += outcome.good();
+    }
+    if (outcomes[0].good()) {
+      for (double value : {answer.z, answer.mass_density, answer.speed_of_sound, answer.kappa})
+        ASSERT_TRUE(std::isfinite(value) && value > 0.0);
+    }
+    if (outcomes[1].good()) {
+      ASSERT_TRUE(std::isfinite(split.mass_density) && split.mass_density > 0.0);
+      ASSERT_TRUE(split.vapour_fraction >= 0.0 && split.vapour_fraction <= 1.0);
+    }
+  }
+  EXPECT_GT(good, 500);
+}
+
+TEST(GergFunctions, SaysWhatAnAnswerIsNot) {
+  CEquation equation;
+  CFlash phases;
+  GasAnswer answer;
+  FlashAnswer split;
+  const auto remark_of = [](const Outcome& outcome) {
+    return std::u16string(outcome.good() ? outcome.text : u"failed");
+  };
+  // Liquid methane asked for as a gas; water that leaves gas and condensate; two liquids.
+  EXPECT_NE(remark_of(gas_2008(gas_of(pure(methane), -120.0, 5.0), answer, equation)).find(u"liquid"),
+            std::u16string::npos);
+  const Composition three = normalised({0.6, 0, 0, 0.1, 0.1, 0.1, 0, 0, 0, 0, 0, 0.1, 0, 0.1, 0.1});
+  EXPECT_NE(remark_of(flash_2008(gas_of(three, 0.0, 3.0), split, phases)).find(u"third"), std::u16string::npos);
+  const Composition liquids = normalised({0, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 0, 0, 0, 0, 0.5});
+  EXPECT_NE(remark_of(flash_2008(gas_of(liquids, 20.0, 3.0), split, phases)).find(u"both phases are liquids"),
+            std::u16string::npos);
+  // A dry gas needs no remark.
+  EXPECT_EQ(remark_of(gas_2008(gas_of(pure(methane), 20.0, 5.0), answer, equation)), u"");
+  EXPECT_EQ(remark_of(flash_2008(gas_of(pure(methane), 20.0, 5.0), split, phases)), u"");
+}
+
+}  // namespace
+}  // namespace norvane::test
