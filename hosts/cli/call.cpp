@@ -60,7 +60,7 @@ std::string table_of(const Session& session, int precision) {
       table.add({row == 0 ? to_utf8(output.key) : std::string(), cells});
     }
   }
-  return table.text();
+  return table.text(2, page_width());
 }
 
 void report(const Session& session, std::span<const std::size_t> defaulted) {

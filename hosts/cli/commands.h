@@ -11,15 +11,19 @@
 namespace norvane::cli {
 
 struct ListOptions {
+  std::string word;  // anywhere in name, title, description or keywords
   std::string category;
   std::string keyword;
+  std::string standard;
+  bool by_standard = false;  // grouped, with the names of the standards
   bool all = false;
   bool json = false;
 };
 ExitCode list(const ListOptions& options, Output& out);
 
 struct DescribeOptions {
-  std::string id;
+  std::string id;  // a function, or a standard
+  bool keys = false;
   bool json = false;
 };
 ExitCode describe(const DescribeOptions& options, Output& out);
@@ -48,6 +52,12 @@ struct ConvertOptions {
   bool json = false;
 };
 ExitCode convert(const ConvertOptions& options, Output& out);
+
+struct UnitsOptions {
+  std::string word;
+  bool json = false;
+};
+ExitCode units(const UnitsOptions& options, Output& out);
 
 struct DocOptions {
   std::string folder;

@@ -33,6 +33,13 @@ std::vector<std::string> component_names() {
   return list;
 }
 
+std::string component_order() {
+  std::string text;
+  for (std::size_t i = 0; i < component::count; ++i)
+    text.append(i == 0 ? "" : ", ").append(std::to_string(i)).append(" ").append(component::table[i].name);
+  return text;
+}
+
 std::size_t component_named(std::string_view name) {
   const Letters letters(name);
   if (letters.view().empty()) return component::count;

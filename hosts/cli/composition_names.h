@@ -14,6 +14,9 @@ namespace norvane::cli {
 // The names by which a column may be called: the component's own, for example "methane".
 std::vector<std::string> component_names();
 
+// "0 methane, 1 nitrogen, ...": the order of a composition.
+std::string component_order();
+
 // Place of a component by name, formula or synonym ("i-butane", "isobutane", "iC4"), component::count when it is none.
 std::size_t component_named(std::string_view name);
 

@@ -2,9 +2,11 @@
 
 #include "core/text.h"
 #include "hosts/cli/commands.h"
+#include "hosts/cli/composition_names.h"
 #include "hosts/cli/describe_json.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/record_text.h"
+#include "hosts/cli/standards.h"
 #include "hosts/cli/table.h"
 #include "hosts/module/meaning.h"
 #include "units/unit_oddities.h"
@@ -47,6 +49,7 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
           to_utf8(spec.subcategory);
   const std::vector<std::string> keywords = keywords_of(spec);
   for (std::size_t i = 0; i < keywords.size(); ++i) text.append(i == 0 ? "; keywords " : ", ").append(keywords[i]);
+  text = wrapped(text, page_width());
   text += "\n\nInputs\n";
 
   Table inputs;
@@ -61,7 +64,7 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
                 fallback, sentence(input.display_name, description.text)});
     add_options(inputs, description, 5);
   }
-  text += inputs.text() + "\nOutputs\n";
+  text += inputs.text(2, page_width()) + "\nOutputs\n";
 
   Table outputs;
   outputs.add({"key", "unit", ""});
@@ -77,17 +80,34 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
                    number_text(meaning.number) + " = " + to_utf8(meaning.text) +
                        (meaning.id.empty() ? "" : " (" + to_utf8(meaning.id) + ")")});
   }
-  text += outputs.text() + warnings_of(spec);
-  if (!spec.notes.empty()) text += "\n" + to_utf8(spec.notes) + (spec.notes.ends_with(u'\n') ? "" : "\n");
+  text += outputs.text(2, page_width()) + warnings_of(spec);
+  if (composition_input(spec) < spec.input_count)
+    text += "\n" + wrapped("Composition: " + component_order(), page_width()) + "\n";
+  if (!spec.notes.empty())
+    text += "\n" + wrapped(to_utf8(spec.notes), page_width()) + (spec.notes.ends_with(u'\n') ? "" : "\n");
   return text;
 }
 
 }  // namespace
 
 ExitCode describe(const DescribeOptions& options, Output& out) {
-  const Function_CFunctionSpec& spec = find_function(options.id);
   const Unit_CTypeAndUnitContainer& units = Unit_CTypeAndUnitContainer::Instance();
-  out.write(options.json ? record_json(units, spec).dump(2) + "\n" : text_of(units, spec));
+  const Function_CFunctionSpec* spec = known_function(options.id);
+  if (spec == nullptr) {
+    // A standard: what it offers.
+    const std::vector<const Function_CFunctionSpec*> functions = functions_of_standard(options.id, true);
+    if (functions.empty()) find_function(options.id);  // which says what was meant
+    Table table;
+    for (const Function_CFunctionSpec* function : functions)
+      table.add({to_utf8(function->id), to_utf8(function->description)});
+    out.write(table.text(0, page_width()));
+    return exit_good;
+  }
+  if (options.keys) {
+    for (const Function_CInput& input : spec->input_records()) out.write(to_utf8(input.key) + "\n");
+    return exit_good;
+  }
+  out.write(options.json ? record_json(units, *spec).dump(2) + "\n" : text_of(units, *spec));
   return exit_good;
 }
 

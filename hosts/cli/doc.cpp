@@ -4,6 +4,7 @@
 #include "catalogue/catalogue.h"
 #include "core/text.h"
 #include "hosts/cli/commands.h"
+#include "hosts/cli/composition_names.h"
 #include "hosts/cli/json_text.h"
 #include "hosts/cli/record_text.h"
 #include "hosts/module/meaning.h"
@@ -143,6 +144,8 @@ std::string page(const Unit_CTypeAndUnitContainer& units, const Function_CFuncti
         .append(i + 1 == keywords.size() ? "." : "");
   out += "\n\n## Inputs\n\n" + inputs_table(units, spec) + "\n## Outputs\n\n" + outputs_table(units, spec);
   out += values_table(spec);
+  if (composition_input(spec) < spec.input_count)
+    out += "\n## Order of the composition\n\n" + escaped(component_order()) + ".\n";
   if (const std::string lines = behaviour(spec); !lines.empty()) out += "\n## Behaviour\n\n" + lines;
   return out + notes(spec);
 }

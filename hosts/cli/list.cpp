@@ -6,6 +6,7 @@
 #include "hosts/cli/describe_json.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/record_text.h"
+#include "hosts/cli/standards.h"
 #include "hosts/cli/table.h"
 
 namespace norvane::cli {
@@ -30,6 +31,15 @@ void check_filter(const char* what, const std::string& given, const std::vector<
   throw UsageError(text);
 }
 
+// A word anywhere in what the record says about the function.
+bool speaks_of(const Function_CFunctionSpec& spec, const std::string& word) {
+  const std::string wanted = normalised(word);
+  for (const std::u16string_view text :
+       {spec.id, spec.display_name, spec.description, spec.subcategory, spec.keywords})
+    if (normalised(to_utf8(text)).find(wanted) != std::string::npos) return true;
+  return normalised(standard_of(spec)).find(wanted) != std::string::npos;
+}
+
 std::vector<std::string> categories_of(const Function_CFunctionSpec& spec) {
   std::vector<std::string> names;
   add_once(names, to_utf8(spec.category));
@@ -48,21 +58,34 @@ ExitCode list(const ListOptions& options, Output& out) {
   }
   check_filter("category", options.category, categories);
   check_filter("keyword", options.keyword, keywords);
+  const std::vector<const Function_CFunctionSpec*> of_standard = functions_of_standard(options.standard, true);
+  if (!options.standard.empty() && of_standard.empty()) check_filter("standard", options.standard, standard_names());
 
   const Unit_CTypeAndUnitContainer& units = Unit_CTypeAndUnitContainer::Instance();
   nlohmann::ordered_json json = nlohmann::ordered_json::array();
-  Table table;
+  std::vector<std::pair<std::string, Table>> tables;
   for (const Function_CFunctionSpec* spec : catalogue::specifications()) {
     if (!options.all && !spec->visible()) continue;
     if (!options.category.empty() && !has_name(categories_of(*spec), options.category)) continue;
     if (!options.keyword.empty() && !has_name(keywords_of(*spec), options.keyword)) continue;
-    if (options.json)
-      json.push_back(record_json(units, *spec));
-    else
-      table.add({to_utf8(spec->id), to_utf8(spec->subcategory),
-                 to_utf8(spec->display_name.empty() ? spec->description : spec->display_name)});
+    if (!of_standard.empty() && std::find(of_standard.begin(), of_standard.end(), spec) == of_standard.end())
+      continue;
+    if (!options.word.empty() && !speaks_of(*spec, options.word)) continue;
+    json.push_back(record_json(units, *spec));
+    const std::string group = options.by_standard ? standard_of(*spec) : "";
+    auto found = std::find_if(tables.begin(), tables.end(), [&](const auto& entry) { return entry.first == group; });
+    if (found == tables.end()) found = tables.insert(tables.end(), {group, Table()});
+    std::vector<std::string> row = {to_utf8(spec->id)};
+    if (!options.by_standard) row.push_back(to_utf8(spec->subcategory));
+    row.push_back(to_utf8(spec->display_name.empty() ? spec->description : spec->display_name));
+    found->second.add(std::move(row));
   }
-  out.write(options.json ? json.dump(2) + "\n" : table.text(0));
+  if (!options.word.empty() && json.empty()) throw UsageError("no function speaks of " + in_quotes(options.word));
+  std::string text;
+  for (const auto& [group, table] : tables)
+    text += (group.empty() ? "" : (text.empty() ? "" : "\n") + group + "\n") +
+            table.text(group.empty() ? 0 : 2, page_width());
+  out.write(options.json ? json.dump(2) + "\n" : text);
   return exit_good;
 }
 

@@ -7,6 +7,7 @@
 #include "catalogue/catalogue.h"
 #include "core/text.h"
 #include "hosts/cli/errors.h"
+#include "hosts/cli/standards.h"
 
 namespace norvane::cli {
 namespace {
@@ -98,22 +99,25 @@ std::string printable(std::string_view text, std::size_t limit) {
 
 std::string in_quotes(std::string_view text) { return '"' + printable(text, 60) + '"'; }
 
+const Function_CFunctionSpec* known_function(std::string_view id) {
+  if (id.size() > longest_name) return nullptr;
+  const std::u16string wide = to_utf16(id);
+  if (const Function_CFunctionSpec* spec = catalogue::find(wide)) return spec;
+  const std::u16string_view prefix = Function_CGroup::Of(GroupId::Math).prefix;
+  if (wide.size() <= prefix.size() ||
+      !equal_ignoring_case(std::u16string_view(wide).substr(0, prefix.size()), prefix))
+    return nullptr;
+  return catalogue::find(std::u16string_view(wide).substr(prefix.size()));
+}
+
 const Function_CFunctionSpec& find_function(std::string_view id) {
-  if (id.size() <= longest_name) {
-    const std::u16string wide = to_utf16(id);
-    std::u16string_view name = wide;
-    if (const Function_CFunctionSpec* spec = catalogue::find(name)) return *spec;
-    const std::u16string_view prefix = Function_CGroup::Of(GroupId::Math).prefix;
-    if (name.size() > prefix.size() && equal_ignoring_case(name.substr(0, prefix.size()), prefix)) {
-      name.remove_prefix(prefix.size());
-      if (const Function_CFunctionSpec* spec = catalogue::find(name)) return *spec;
-    }
-    for (const catalogue::Line& line : catalogue::lines())
-      if (line.record == nullptr && equal_ignoring_case(line.id, name))
-        throw UsageError("the function " + to_utf8(line.id) + " is not part of this build");
-  }
+  if (const Function_CFunctionSpec* spec = known_function(id)) return *spec;
+  for (const catalogue::Line& line : catalogue::lines())
+    if (line.record == nullptr && id.size() <= longest_name && equal_ignoring_case(line.id, to_utf16(id)))
+      throw UsageError("the function " + to_utf8(line.id) + " is not part of this build");
   std::vector<std::string> known;
   for (const Function_CFunctionSpec* spec : catalogue::specifications()) known.push_back(to_utf8(spec->id));
+  for (std::string& name : standard_names()) known.push_back(std::move(name));
   throw UsageError("there is no function " + in_quotes(id) + did_you_mean(id, known));
 }
 

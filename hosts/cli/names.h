@@ -28,7 +28,9 @@ std::string in_quotes(std::string_view text);
 // The same without quotation marks, cut to the length given.
 std::string printable(std::string_view text, std::size_t limit);
 
-// By identifier or worksheet name, any case. Throws UsageError with the nearest names.
+// By identifier or worksheet name, any case; null when there is none.
+const Function_CFunctionSpec* known_function(std::string_view id);
+// The same; throws UsageError with the nearest names.
 const Function_CFunctionSpec& find_function(std::string_view id);
 
 }  // namespace norvane::cli

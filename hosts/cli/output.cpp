@@ -1,12 +1,16 @@
 #include "hosts/cli/output.h"
 
 #include "hosts/cli/errors.h"
+#include "hosts/cli/table.h"
 
 namespace norvane::cli {
 
 void tell(std::string_view text) noexcept {
   try {
-    write_all(standard_error, text, "standard error");
+    // A line that is drawn over another one keeps its length.
+    const bool drawn = text.starts_with('\r');
+    write_all(standard_error, drawn ? std::string(text) : wrapped(text, terminal_width(standard_error)),
+              "standard error");
   } catch (...) {
   }
 }

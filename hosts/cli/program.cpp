@@ -19,8 +19,12 @@ class Layout : public CLI::Formatter {
     return wrapped(CLI::Formatter::make_option_desc(option), width > column + 20 ? width - column : 0);
   }
   std::string make_footer(const CLI::App* app) const override {
-    const std::string footer = CLI::Formatter::make_footer(app);
-    return wrapped(footer, page_width());
+    // Examples keep their lines, to be copied.
+    std::string out;
+    std::istringstream footer(CLI::Formatter::make_footer(app));
+    for (std::string line; std::getline(footer, line); out += '\n')
+      out += line.starts_with(' ') ? line : wrapped(line, page_width());
+    return out;
   }
 };
 
@@ -74,10 +78,12 @@ struct Program::Parts {
   CallOptions call;
   EvalOptions eval;
   ConvertOptions convert;
+  UnitsOptions units;
   DocOptions doc;
   BatchOptions batch;
   bool components_json = false;
   bool version = false;
+  std::string shell;
 
   // A command, with a footer that explains it.
   template <class Options, class Function>
@@ -100,20 +106,31 @@ struct Program::Parts {
     add_catalogue();
     add_calls();
     add_units();
+    add_unit_list();
     add_batch();
+    add_help();
   }
 
   void add_catalogue() {
     CLI::App* sub =
-        add("list", "List the functions of the catalogue", "Example: norvane list --keyword gas", list, cli::list);
+        add("list", "List the functions of the catalogue",
+            "Examples:\n  norvane list viscosity\n  norvane list --standard ISO-5167\n  norvane list --keyword gas",
+            list, cli::list);
+    sub->add_option("word", list.word, "A word of name, title, description or keywords");
+    CLI::Option* standard =
+        sub->add_option("--standard", list.standard, "Functions of a standard; without one, all of them by standard")
+            ->expected(0, 1)
+            ->type_name("STANDARD");
+    sub->parse_complete_callback([this, standard] { list.by_standard = standard->count() != 0; });
     sub->add_option("--category", list.category, "Category or sub-category, for example \"ISO\"");
     sub->add_option("--keyword", list.keyword, "Keyword, for example gas or metric");
     sub->add_flag("--all", list.all, "Hidden functions too");
     sub->add_flag("--json", list.json, "A JSON array of records");
 
     sub = add("describe", "Describe one function: inputs, outputs, units, ranges, defaults, status codes",
-              "Example: norvane describe AGA8_M", describe, cli::describe);
-    sub->add_option("id", describe.id, "Function, for example AGA8_M")->required();
+              "Examples:\n  norvane describe AGA8_M\n  norvane describe ISO-5167", describe, cli::describe);
+    sub->add_option("id", describe.id, "Function, for example AGA8_M, or a standard")->required();
+    sub->add_flag("--keys", describe.keys, "The keys of its inputs alone");
     sub->add_flag("--json", describe.json, "The record as a JSON object");
 
     sub =
@@ -174,6 +191,30 @@ struct Program::Parts {
     sub->add_flag("--json", convert.json, "{\"value\":number,\"unit\":key}");
   }
 
+  void add_unit_list() {
+    CLI::App* sub = add("units", "List units: key, symbol, factor into the base unit, what is odd about them",
+                        "The base unit stands in brackets behind the quantity. Examples:\n"
+                        "  norvane units \"gauge pressure\"\n  norvane units kg/h\n  norvane units barrel",
+                        units, cli::units);
+    sub->add_option("word", units.word, "A quantity, a unit, or a part of their names");
+    sub->add_flag("--json", units.json, "A JSON array");
+  }
+
+  void add_help() {
+    CLI::App* sub = add("completion", "Print the completion script of a shell",
+                        "Example: norvane completion bash > ~/.local/share/bash-completion/completions/norvane",
+                        shell, [this](const std::string& name, Output& out) {
+                          out.write(completion(app, name));
+                          return exit_good;
+                        });
+    sub->add_option("shell", shell, "bash, zsh or fish")->required()->check(CLI::IsMember({"bash", "zsh", "fish"}));
+    add("man", "Print the manual page", "Example: norvane man | man -l -", shell,
+        [this](const std::string&, Output& out) {
+          out.write(manual_page(app));
+          return exit_good;
+        });
+  }
+
   void add_batch() {
     CLI::App* sub = add(
         "batch", "Call one function for every row of a CSV file",
@@ -212,8 +253,6 @@ struct Program::Parts {
 
 Program::Program() : parts_(std::make_unique<Parts>()) {}
 Program::~Program() = default;
-
-const CLI::App& Program::app() const { return parts_->app; }
 
 ExitCode Program::run(std::vector<std::string> arguments, Output& out) {
   CLI::App& app = parts_->app;

@@ -14,6 +14,10 @@ class App;
 
 namespace norvane::cli {
 
+// The manual page, and the completion of a shell ("bash", "zsh" or "fish").
+std::string manual_page(const CLI::App& app);
+std::string completion(const CLI::App& app, const std::string& shell);
+
 class Program {
  public:
   Program();
@@ -21,8 +25,6 @@ class Program {
 
   // Runs what the arguments (without the program's name) say.
   ExitCode run(std::vector<std::string> arguments, Output& out);
-
-  const CLI::App& app() const;
 
  private:
   struct Parts;

@@ -8,7 +8,7 @@ namespace norvane::cli {
 namespace {
 
 // Narrower text is harder to read than text that runs over.
-constexpr std::size_t narrowest_column = 24;
+constexpr std::size_t narrowest_column = 20;
 
 }  // namespace
 
@@ -57,13 +57,19 @@ std::string Table::text(std::size_t indent, std::size_t width) const {
     }
   std::size_t before_last = indent;
   for (std::size_t i = 0; i + 1 < widths.size(); ++i) before_last += widths[i] + 2;
-  const bool wrap = width >= before_last + narrowest_column;
+  // Where the last column has no room it stands below its row.
+  const bool below = width != 0 && width < before_last + narrowest_column;
+  const std::size_t last_indent = below ? indent + 4 : before_last;
   std::string out;
   for (const auto& row : rows_) {
     out.append(indent, ' ');
     for (std::size_t i = 0; i < row.size(); ++i) {
       const bool last = i + 1 == widths.size();
-      out += last && wrap ? wrapped(row[i], width, before_last) : row[i];
+      if (last && below && !row[i].empty()) {
+        out.erase(out.find_last_not_of(' ') + 1);
+        out.append("\n").append(last_indent, ' ');
+      }
+      out += last ? wrapped(row[i], width, last_indent) : row[i];
       if (!last) out.append(widths[i] - width_of(row[i]) + 2, ' ');
     }
     out.erase(out.find_last_not_of(' ') + 1);

@@ -164,6 +164,20 @@ std::string quantity_of(std::uint32_t unit) {
   return Unit_CTypeAndUnitContainer::TypeOfUnit(unit, type) == UNIT_OK ? symbol_of(type) : std::string();
 }
 
+std::string unit_note(const Unit_CEntry& unit) {
+  const std::string key = lower(to_utf8(unit.key));
+  std::string note;
+  for (const auto& [name, text] : {std::pair<std::string_view, std::string_view>{"nm3", "normal"},
+                                   {"sm3", "standard"},
+                                   {"scf", "standard"},
+                                   {"scc", "standard"},
+                                   {"ncc", "normal"},
+                                   {"sbbl", "standard"}})
+    if (note.empty() && key.find(name) != std::string::npos)
+      note = std::string(text) + " volumes count as all other normal and standard ones, whatever their conditions";
+  return note;
+}
+
 std::uint32_t unit_like(std::string_view text, std::uint32_t wanted, bool gauge_and_absolute,
                         const std::string& what) {
   const std::vector<const Unit_CEntry*> named = units_named(text);
