@@ -15,27 +15,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <nlohmann/json.hpp>
 
-#include "core/text.h"
 #include "hosts/cli/json_call.h"
 #include "tests/support/call.h"
+#include "tests/support/cases.h"
 
 namespace norvane::test {
 namespace {
 
 using nlohmann::json;
-
-std::vector<std::filesystem::path> files() {
-  std::vector<std::filesystem::path> paths;
-  for (const char* folder : {NORVANE_TEST_DATA, NORVANE_TEST_DATA "/calls"})
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-      if (entry.path().extension() == ".jsonl") paths.push_back(entry.path());
-  std::sort(paths.begin(), paths.end());
-  return paths;
-}
 
 json shown(const FUNCTION_ARG& value) {
   json cells = json::array();
@@ -53,31 +41,6 @@ json shown(const FUNCTION_ARG& value) {
 
 class Calls : public testing::TestWithParam<std::filesystem::path> {
  protected:
-  FUNCTION_ARG argument(Arguments& pool, json value) const {
-    if (value.is_string() && gases_.contains(value)) value = gases_[value.get<std::string>()];
-    if (value.is_null()) return FUNCTION_ARG::Empty();
-    if (value.is_boolean()) return FUNCTION_ARG::Boolean(value.get<bool>());
-    if (value.is_number()) return FUNCTION_ARG::Number(value.get<double>());
-    if (value.is_string()) return pool.text(to_utf16(value.get<std::string>()));
-    if (value.contains("error")) {
-      for (std::uint32_t code = 1; code < 13; ++code)
-        if (to_utf8(error_text(code)) == value["error"]) return FUNCTION_ARG::Error(code);
-      throw std::runtime_error("no such error");
-    }
-    if (value.is_object()) {
-      const json changes = value.begin().value();
-      value = gases_.at(value.begin().key());
-      for (const auto& [place, amount] : changes.items()) value.at(std::stoul(place)) = amount;
-    }
-    std::vector<FUNCTION_ARG> cells;
-    std::uint32_t columns = 1;
-    for (const json& row : value) {
-      if (row.is_array()) columns = static_cast<std::uint32_t>(row.size());
-      for (const json& cell : row.is_array() ? row : json::array({row})) cells.push_back(argument(pool, cell));
-    }
-    return pool.cells(cells, columns);
-  }
-
   static double tolerance(const json& line, const char* one, const char* many, const std::string& key, double usual) {
     return line.contains(many) && line[many].contains(key) ? line[many][key].get<double>() : line.value(one, usual);
   }
@@ -94,7 +57,7 @@ class Calls : public testing::TestWithParam<std::filesystem::path> {
     answers_ = json::object();
     Call call(to_utf16(line.at("function").get<std::string>()));
     for (const auto& [key, value] : line.at("inputs").items())
-      call.set(to_utf16(key), argument(call.arguments(), value));
+      call.set(to_utf16(key), argument_of(call.arguments(), value, gases_));
     const int status = call.run();
     const auto answer = [&] {
       std::string text = " answers " + bits_of(call.context().output);
@@ -155,24 +118,21 @@ class Calls : public testing::TestWithParam<std::filesystem::path> {
   cli::JsonCalls session_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Data, Calls, testing::ValuesIn(files()), [](const auto& file) {
-  return file.param.stem().string() + "_" + file.param.parent_path().stem().string();
-});
+INSTANTIATE_TEST_SUITE_P(Data, Calls, testing::ValuesIn(case_files({NORVANE_TEST_DATA, NORVANE_TEST_DATA "/calls"})),
+                         [](const auto& file) {
+                           return file.param.stem().string() + "_" + file.param.parent_path().stem().string();
+                         });
 
 TEST_P(Calls, AreAsTheLinesSay) {
-  std::ifstream file(GetParam());
   const bool published = GetParam().parent_path().stem() == "data";
-  std::string text;
   int checked = 0;
-  for (int number = 1; std::getline(file, text); ++number) {
-    if (text.find_first_not_of(" \t\r") == std::string::npos) continue;
-    const json line = json::parse(text, nullptr, false);
-    SCOPED_TRACE(GetParam().filename().string() + ":" + std::to_string(number) + " " + text.substr(0, 200));
-    ASSERT_TRUE(line.is_object()) << "the line is not JSON";
-    gases_.update(line.value("gases", json::object()));
-    if (!line.contains("function")) continue;
-    check(line);
-    if (published) check_command_line(text);
+  for (const CaseLine& line : lines_of(GetParam())) {
+    SCOPED_TRACE(line.where + " " + line.text.substr(0, 200));
+    ASSERT_TRUE(line.json.is_object()) << "the line is not JSON";
+    gases_.update(line.json.value("gases", json::object()));
+    if (!line.json.contains("function")) continue;
+    check(line.json);
+    if (published) check_command_line(line.text);
     ++checked;
   }
   EXPECT_GT(checked, 0);

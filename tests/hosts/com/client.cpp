@@ -40,7 +40,6 @@ bool is_published(double value) { return std::fabs(value - published) < 1e-9 * p
 constexpr DISPID id_aga5 = 4;
 constexpr DISPID id_iso6976 = 87;
 constexpr DISPID id_iso6976ex = 89;
-constexpr int iso6976_inputs = 4;
 constexpr int iso6976_outputs = 12;
 
 SAFEARRAY* list_of(const double* values, ULONG count) {
@@ -107,34 +106,28 @@ void check_vtable(IFunctions* functions) {
 
 // ---- Late binding ------------------------------------------------------------------------------------------------
 
-VARIANT variant(double value) {
+VARIANT variant(VARTYPE type = VT_EMPTY, void* reference = nullptr) {
   VARIANT v;
   VariantInit(&v);
-  v.vt = VT_R8;
-  v.dblVal = value;
-  return v;
-}
-
-VARIANT variant(int value) {
-  VARIANT v;
-  VariantInit(&v);
-  v.vt = VT_I4;
-  v.lVal = value;
-  return v;
-}
-
-VARIANT variant(VARTYPE type, void* reference) {
-  VARIANT v;
-  VariantInit(&v);
-  v.vt = static_cast<VARTYPE>(VT_BYREF | type);
+  v.vt = type;
   v.byref = reference;
   return v;
 }
-
+VARIANT variant(double value) {
+  VARIANT v = variant(VT_R8);
+  v.dblVal = value;
+  return v;
+}
+VARIANT variant(int value) {
+  VARIANT v = variant(VT_I4);
+  v.lVal = value;
+  return v;
+}
+// The address of a script's variable.
+VARIANT at(VARTYPE type, void* place) { return variant(static_cast<VARTYPE>(VT_BYREF | type), place); }
+VARIANT of_array(SAFEARRAY* array, VARTYPE type) { return variant(static_cast<VARTYPE>(VT_ARRAY | type), array); }
 VARIANT omitted() {
-  VARIANT v;
-  VariantInit(&v);
-  v.vt = VT_ERROR;
+  VARIANT v = variant(VT_ERROR);
   v.scode = DISP_E_PARAMNOTFOUND;
   return v;
 }
@@ -174,31 +167,52 @@ SAFEARRAY* matrix(VARTYPE type, ULONG rows, ULONG columns, LONG base) {
   return array;
 }
 
-VARIANT of_array(SAFEARRAY* array, VARTYPE type) {
-  VARIANT v;
-  VariantInit(&v);
-  v.vt = static_cast<VARTYPE>(VT_ARRAY | type);
-  v.parray = array;
-  return v;
+struct Row {
+  const char* what;
+  DISPID id;
+  std::vector<VARIANT> arguments;
+  HRESULT result = S_OK;
+  const wchar_t* says = L"";
+  UINT bad_argument = 99;
+  std::vector<DISPID> names = {};
+};
+
+void check_rows(IDispatch* object, const std::vector<Row>& rows) {
+  for (const Row& row : rows) {
+    const Called called = call(object, row.id, row.arguments, row.names);
+    if (called.result == row.result && contains(called.text, row.says) &&
+        (row.bad_argument == 99 || called.bad_argument == row.bad_argument))
+      continue;
+    std::printf("%s: %08lx, argument %u, %ls\n", row.what, static_cast<unsigned long>(called.result),
+                called.bad_argument, called.text.c_str());
+    ++failures;
+  }
 }
 
-// Calls with this composition and one output into a script's variable; true when the published value comes back.
+// The arguments of ISO6976_1995_M behind a composition: the published options, and then outputs.
+std::vector<VARIANT> behind(VARIANT composition, std::vector<VARIANT> outputs = {}) {
+  outputs.insert(outputs.begin(), {composition, variant(1), variant(2), variant(1)});
+  return outputs;
+}
+
+// What comes back for this composition in one output, a script's variable; 0 when the call fails.
+double value_of(IDispatch* object, DISPID id, std::vector<VARIANT> arguments) {
+  VARIANT value = variant();
+  arguments.push_back(at(VT_VARIANT, &value));
+  const Called called = call(object, id, arguments);
+  const bool good = called.result == S_OK && called.status.vt == VT_I4 && called.status.lVal == 0;
+  return good && value.vt == VT_R8 ? value.dblVal : 0.0;
+}
 bool accepts(IDispatch* object, VARIANT composition) {
-  VARIANT value;
-  VariantInit(&value);
-  const Called called =
-      call(object, id_iso6976, {composition, variant(1), variant(2), variant(1), variant(VT_VARIANT, &value)});
-  return called.result == S_OK && called.status.vt == VT_I4 && called.status.lVal == 0 && value.vt == VT_R8 &&
-         is_published(value.dblVal);
+  return is_published(value_of(object, id_iso6976, behind(composition)));
 }
 
 void check_lists(IDispatch* object) {
   SAFEARRAY* numbers = list_of(gas, 22);
   VARIANT plain = of_array(numbers, VT_R8);
   CHECK(accepts(object, plain));
-  CHECK(accepts(object, variant(VT_VARIANT, &plain)));
-  CHECK(accepts(object, variant(VT_ARRAY | VT_R8, &numbers)));
-  SafeArrayDestroy(numbers);
+  CHECK(accepts(object, at(VT_VARIANT, &plain)));
+  CHECK(accepts(object, at(VT_ARRAY | VT_R8, &numbers)));
   for (VARTYPE type : {VT_VARIANT, VT_R8}) {
     for (LONG base : {0, 1, -3}) {
       for (ULONG rows : {1u, 2u, 11u, 22u}) {
@@ -208,46 +222,29 @@ void check_lists(IDispatch* object) {
       }
     }
   }
-  // Whole numbers and texts: 1000 parts of methane are a composition in another scale, refused as one, but read.
-  SAFEARRAY* whole = SafeArrayCreateVector(VT_I4, 0, 22);
-  static_cast<LONG*>(whole->pvData)[0] = 1;
-  VARIANT value;
-  VariantInit(&value);
-  Called called = call(object, id_iso6976,
-                       {of_array(whole, VT_I4), variant(1), variant(2), variant(1), variant(VT_VARIANT, &value)});
-  CHECK(called.result == S_OK && called.status.lVal == 0 && value.vt == VT_R8 && value.dblVal > 37.6 &&
-        value.dblVal < 37.8);
-  SafeArrayDestroy(whole);
+  VARIANT whole = of_array(SafeArrayCreateVector(VT_I4, 0, 22), VT_I4);
+  static_cast<LONG*>(whole.parray->pvData)[0] = 1;
+  CHECK(std::fabs(value_of(object, id_iso6976, behind(whole)) - 37.7) < 0.1);
 
-  // What is no list of numbers.
-  SAFEARRAY* texts = SafeArrayCreateVector(VT_BSTR, 0, 22);
-  static_cast<BSTR*>(texts->pvData)[3] = SysAllocString(L"much");
-  CHECK(call(object, id_iso6976, {of_array(texts, VT_BSTR), variant(1), variant(2), variant(1)}).result ==
-        DISP_E_EXCEPTION);
-  SafeArrayDestroy(texts);
-  VARIANT null;
-  VariantInit(&null);
-  null.vt = VT_NULL;
-  called = call(object, id_iso6976, {of_array(matrix(VT_R8, 1, 22, 0), VT_R8), null, variant(2), variant(1)});
-  CHECK(called.result == DISP_E_TYPEMISMATCH && called.bad_argument == 2);
-  // A list may be left out where the function can do without.
-  SAFEARRAY* none = SafeArrayCreateVector(VT_VARIANT, 0, 0);
-  VARIANT blank, missing_array = of_array(nullptr, VT_R8);
-  VariantInit(&blank);
-  for (VARIANT list : {null, blank, omitted(), missing_array, of_array(none, VT_VARIANT)}) {
-    called = call(object, id_iso6976, {list, variant(1), variant(2), variant(1)});
-    CHECK(called.result == DISP_E_EXCEPTION && contains(called.text, L"[2] composition"));
-    called = call(object, id_iso6976ex,
-                  {of_array(matrix(VT_R8, 1, 22, 0), VT_R8), list, list, list, list, list, variant(1), variant(2),
-                   variant(1), variant(VT_VARIANT, &value)});
-    CHECK(called.result == S_OK && called.status.lVal == 0 && value.vt == VT_R8 && value.dblVal > 38);
-  }
-  SafeArrayDestroy(none);
+  VARIANT texts = of_array(SafeArrayCreateVector(VT_BSTR, 0, 22), VT_BSTR);
+  static_cast<BSTR*>(texts.parray->pvData)[3] = SysAllocString(L"much");
   SAFEARRAYBOUND endless[3] = {{60000, 0}, {2, 0}, {2, 0}};
-  SAFEARRAY* big = SafeArrayCreate(VT_UI1, 3, endless);
-  CHECK(call(object, id_iso6976, {of_array(big, VT_UI1), variant(1), variant(2), variant(1)}).result ==
-        DISP_E_TYPEMISMATCH);
-  SafeArrayDestroy(big);
+  VARIANT big = of_array(SafeArrayCreate(VT_UI1, 3, endless), VT_UI1);
+  VARIANT none = of_array(SafeArrayCreateVector(VT_VARIANT, 0, 0), VT_VARIANT);
+  const VARIANT null = variant(VT_NULL);
+  check_rows(object,
+             {
+                 {"texts", id_iso6976, behind(texts), DISP_E_EXCEPTION},
+                 {"too many cells", id_iso6976, behind(big), DISP_E_TYPEMISMATCH},
+                 {"no option", id_iso6976, {plain, null, variant(2), variant(1)}, DISP_E_TYPEMISMATCH, L"", 2},
+             });
+  // A list may be left out where the function can do without.
+  for (VARIANT list : {null, variant(), omitted(), of_array(nullptr, VT_R8), none}) {
+    check_rows(object, {{"no list", id_iso6976, behind(list), DISP_E_EXCEPTION, L"[2] composition"}});
+    CHECK(value_of(object, id_iso6976ex, {plain, list, list, list, list, list, variant(1), variant(2), variant(1)}) >
+          38);
+  }
+  for (VARIANT* list : {&plain, &whole, &texts, &big, &none}) VariantClear(list);
 }
 
 void check_outputs(IDispatch* object) {
@@ -256,19 +253,10 @@ void check_outputs(IDispatch* object) {
   float single = 0;
   long whole = 0;
   BSTR text = SysAllocString(L"before");
-  VARIANT held, chained, outer;
-  VariantInit(&held);
-  held.vt = VT_BSTR;
-  held.bstrVal = SysAllocString(L"before");
-  VariantInit(&chained);
-  VariantInit(&outer);
-  outer.vt = VT_BYREF | VT_VARIANT;
-  outer.pvarVal = &chained;
-  Called called = call(object, id_iso6976,
-                       {list, variant(1), variant(2), variant(1), variant(VT_R8, &exact), variant(VT_R4, &single),
-                        variant(VT_I4, &whole), variant(VT_BSTR, &text), variant(VT_VARIANT, &held),
-                        variant(VT_VARIANT, &outer), omitted(), variant(1.0)});
-  CHECK(called.result == S_OK);
+  VARIANT held = variant(VT_BSTR, SysAllocString(L"before")), chained = variant(), outer = at(VT_VARIANT, &chained);
+  check_rows(object, {{"outputs of every type", id_iso6976,
+                       behind(list, {at(VT_R8, &exact), at(VT_R4, &single), at(VT_I4, &whole), at(VT_BSTR, &text),
+                                     at(VT_VARIANT, &held), at(VT_VARIANT, &outer), omitted(), variant(1.0)})}});
   CHECK(is_published(exact));
   CHECK(std::fabs(single - 0.74087496f) < 1e-6f);
   CHECK(whole == 1);
@@ -282,55 +270,42 @@ void check_outputs(IDispatch* object) {
   std::memset(&decimal, 0x55, sizeof decimal);
   double density = 0, back = 0;
   IUnknown* object_place = nullptr;
-  called = call(object, id_iso6976,
-                {list, variant(1), variant(2), variant(1), variant(VT_DECIMAL, &decimal),
-                 variant(VT_UNKNOWN, &object_place), omitted(), variant(VT_R8, &density)});
+  const Called called =
+      call(object, id_iso6976,
+           behind(list, {at(VT_DECIMAL, &decimal), at(VT_UNKNOWN, &object_place), omitted(), at(VT_R8, &density)}));
   CHECK(called.result == DISP_E_TYPEMISMATCH && called.bad_argument == 2);
   CHECK(called.status.vt == VT_I4 && called.status.lVal == 0 && density > 0.6 && object_place == nullptr);
   CHECK(VarR8FromDec(&decimal, &back) == S_OK && std::fabs(back - published) < 1e-9);
 
-  // Counts: all outputs may be left out, no input may, and there are no more parameters than there are.
-  CHECK(call(object, id_iso6976, {list, variant(1), variant(2), variant(1)}).result == S_OK);
-  CHECK(call(object, id_iso6976, {list, variant(1), variant(2)}).result == DISP_E_PARAMNOTOPTIONAL);
-  std::vector<VARIANT> many(iso6976_inputs + iso6976_outputs + 1, variant(1));
-  many[0] = list;
-  CHECK(call(object, id_iso6976, many).result == DISP_E_BADPARAMCOUNT);
-  many.pop_back();
-  CHECK(call(object, id_iso6976, many).result == S_OK);
-
-  // A gap takes the default; a null reference takes nothing.
-  VARIANT value;
-  VariantInit(&value);
-  CHECK(call(object, id_iso6976, {list, omitted(), variant(2), omitted(), variant(VT_VARIANT, &value)}).result ==
-        S_OK);
-  CHECK(is_published(value.dblVal));
-  CHECK(call(object, id_iso6976, {list, variant(1), variant(2), variant(1), variant(VT_R8, nullptr)}).result ==
-        DISP_E_TYPEMISMATCH);
-  CHECK(call(object, id_iso6976, {list, variant(VT_VARIANT, nullptr), variant(2), variant(1)}).result ==
-        DISP_E_TYPEMISMATCH);
-
-  // By name: composition, molar_mass_method and the first output.
+  // A gap takes the default; by name: composition, molar_mass_method and the first output.
+  CHECK(is_published(value_of(object, id_iso6976, {list, omitted(), variant(2), omitted()})));
   wchar_t method[] = L"iso6976_1995_m", composition[] = L"composition", mode[] = L"Molar_Mass_Method",
           first[] = L"sup_cal_value", unknown[] = L"nothing";
-  LPOLESTR names[] = {method, first, mode, composition};
+  LPOLESTR names[] = {method, first, mode, composition}, wrong[] = {unknown};
   DISPID ids[4];
   CHECK(object->GetIDsOfNames(IID_NULL, names, 4, 0, ids) == S_OK && ids[0] == id_iso6976);
-  VariantInit(&value);
-  CHECK(call(object, ids[0], {list, variant(2), variant(VT_VARIANT, &value)}, {ids[1], ids[2], ids[3]}).result ==
-        S_OK);
+  VARIANT value = variant();
+  std::vector<VARIANT> all = behind(list, std::vector<VARIANT>(iso6976_outputs, variant(1)));
+  std::vector<VARIANT> more = behind(list, std::vector<VARIANT>(iso6976_outputs + 1, variant(1)));
+  check_rows(
+      object,
+      {
+          {"no outputs", id_iso6976, behind(list)},
+          {"every parameter", id_iso6976, all},
+          {"one input less", id_iso6976, {list, variant(1), variant(2)}, DISP_E_PARAMNOTOPTIONAL},
+          {"one parameter more", id_iso6976, more, DISP_E_BADPARAMCOUNT},
+          {"output nowhere", id_iso6976, behind(list, {at(VT_R8, nullptr)}), DISP_E_TYPEMISMATCH},
+          {"input nowhere", id_iso6976, {list, at(VT_VARIANT, nullptr), variant(2), variant(1)}, DISP_E_TYPEMISMATCH},
+          {"by name", ids[0], {list, variant(2), at(VT_VARIANT, &value)}, S_OK, L"", 99, {ids[1], ids[2], ids[3]}},
+          {"names of methods", ids[0], {list, list}, DISP_E_MEMBERNOTFOUND, L"", 99, {id_iso6976, id_iso6976}},
+          {"a name twice", id_iso6976, {list, list}, DISP_E_PARAMNOTFOUND, L"", 99, {0, 0}},
+          {"method 0", 0, {}, DISP_E_MEMBERNOTFOUND},
+          {"method 107", 107, {}, DISP_E_MEMBERNOTFOUND},
+          {"beyond a bound", id_aga5, {list, variant(1.5)}, DISP_E_EXCEPTION, L"should be lower or equal than: 1"},
+          {"a number for a list", id_aga5, {variant(0.5), variant(0.6)}, DISP_E_EXCEPTION, L"AGA5_C"},
+      });
   CHECK(value.vt == VT_R8 && is_published(value.dblVal));
-  LPOLESTR wrong[] = {unknown};
   CHECK(object->GetIDsOfNames(IID_NULL, wrong, 1, 0, ids) == DISP_E_UNKNOWNNAME);
-  CHECK(call(object, ids[0], {list, list}, {id_iso6976, id_iso6976}).result == DISP_E_MEMBERNOTFOUND);
-  CHECK(call(object, id_iso6976, {list, list}, {0, 0}).result == DISP_E_PARAMNOTFOUND);
-  CHECK(call(object, 0, {}).result == DISP_E_MEMBERNOTFOUND);
-  CHECK(call(object, 107, {}).result == DISP_E_MEMBERNOTFOUND);
-
-  // A failed check is an exception with the context's words.
-  called = call(object, id_aga5, {list, variant(1.5)});
-  CHECK(called.result == DISP_E_EXCEPTION && contains(called.text, L"should be lower or equal than: 1"));
-  called = call(object, id_aga5, {variant(0.5), variant(0.6)});
-  CHECK(called.result == DISP_E_EXCEPTION && contains(called.text, L"AGA5_C"));
   VariantClear(&list);
 }
 
@@ -354,8 +329,7 @@ class Restless final : public IDispatch {
                                    EXCEPINFO*, UINT*) override {
     VARIANT list = of_array(list_of(gas, 22), VT_R8);
     double mass = 0;
-    if (call(library_, id_aga5, {list, variant(0.6), variant(VT_R8, &mass)}).result == S_OK && mass > 0)
-      ++inner_calls;
+    if (call(library_, id_aga5, {list, variant(0.6), at(VT_R8, &mass)}).result == S_OK && mass > 0) ++inner_calls;
     if (id == 7 && (flags & DISPATCH_PROPERTYPUT) != 0) {
       written.push_back(parameters->rgvarg[0].dblVal);
       VariantClear(&list);
@@ -377,11 +351,8 @@ class Restless final : public IDispatch {
 
 void check_reentrance(IDispatch* object) {
   Restless restless(object);
-  VARIANT v;
-  VariantInit(&v);
-  v.vt = VT_DISPATCH;
-  v.pdispVal = &restless;
-  CHECK(call(object, id_iso6976, {v, variant(1), variant(2), variant(1), v, v}).result == S_OK);
+  VARIANT v = variant(VT_DISPATCH, static_cast<IDispatch*>(&restless));
+  CHECK(call(object, id_iso6976, behind(v, {v, v})).result == S_OK);
   CHECK(restless.inner_calls == 3 && restless.written.size() == 2);
   CHECK(restless.written.size() == 2 && is_published(restless.written[0]) &&
         std::fabs(restless.written[1] - 0.7408749589571348) < 1e-9);
@@ -392,8 +363,8 @@ void check_reentrance(IDispatch* object) {
   elements[0] = v;
   const int before = restless.inner_calls;
   CHECK(accepts(object, of_array(cells, VT_VARIANT)));
-  elements[0] = variant(VT_VARIANT, &v);
-  CHECK(accepts(object, variant(VT_ARRAY | VT_VARIANT, &cells)));
+  elements[0] = at(VT_VARIANT, &v);
+  CHECK(accepts(object, at(VT_ARRAY | VT_VARIANT, &cells)));
   CHECK(restless.inner_calls == before + 2);
   elements[0] = v;
   // Early bound lists hold numbers: nobody is asked.

@@ -2,12 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <nlohmann/json.hpp>
-
 #include "core/text.h"
 #include "hosts/module/module.h"
+#include "tests/support/cases.h"
 
 namespace sheet {
 namespace {
@@ -17,33 +14,21 @@ using norvane::excel::XL_ERROR_VALUE;
 
 constexpr int host_errors[] = {0, 7, 15, 23, 29, 36, 42};
 
-// Call values of a test, with the memory of their texts and elements.
-class Builder {
- public:
-  FUNCTION_ARG Make(const Value& value) {
-    switch (value.kind) {
-      case Kind::number: return FUNCTION_ARG::Number(value.number);
-      case Kind::integer: return FUNCTION_ARG::Integer(static_cast<std::int32_t>(value.number));
-      case Kind::boolean: return FUNCTION_ARG::Boolean(value.number != 0.0);
-      case Kind::blank: return FUNCTION_ARG::Empty();
-      case Kind::text:
-        texts_.push_back(std::make_unique<std::u16string>(value.text));
-        return FUNCTION_ARG::String(texts_.back()->c_str(), value.text.size());
-      case Kind::array: {
-        auto elements = std::make_unique<std::vector<FUNCTION_ARG>>();
-        for (const Value& element : value.elements) elements->push_back(Make(element));
-        arrays_.push_back(std::move(elements));
-        return FUNCTION_ARG::OfArray(static_cast<std::uint32_t>(value.columns),
-                                     static_cast<std::uint32_t>(value.rows), arrays_.back()->data());
-      }
-      default: return FUNCTION_ARG::Missing();
+FUNCTION_ARG argument(test::Arguments& pool, const Value& value) {
+  switch (value.kind) {
+    case Kind::number: return FUNCTION_ARG::Number(value.number);
+    case Kind::integer: return FUNCTION_ARG::Integer(static_cast<std::int32_t>(value.number));
+    case Kind::boolean: return FUNCTION_ARG::Boolean(value.number != 0.0);
+    case Kind::blank: return FUNCTION_ARG::Empty();
+    case Kind::text: return pool.text(value.text);
+    case Kind::array: {
+      std::vector<FUNCTION_ARG> cells;
+      for (const Value& element : value.elements) cells.push_back(argument(pool, element));
+      return pool.cells(std::move(cells), static_cast<std::uint32_t>(value.columns));
     }
+    default: return FUNCTION_ARG::Missing();
   }
-
- private:
-  std::vector<std::unique_ptr<std::u16string>> texts_;
-  std::vector<std::unique_ptr<std::vector<FUNCTION_ARG>>> arrays_;
-};
+}
 
 Value Shown(const FUNCTION_ARG& arg) {
   switch (arg.kind) {
@@ -53,21 +38,10 @@ Value Shown(const FUNCTION_ARG& arg) {
       return Integer(excel12 || arg.integer < 32768 ? arg.integer : arg.integer - 65536);
     case ARG_BOOLEAN: return Boolean(arg.boolean != 0);
     case ARG_STRING: {
-      std::u16string text(arg.text());
-      if (!excel12) {
-        text.resize(std::min(text.size(), std::size_t{254}));
-#if defined(_WIN32)
-        for (char16_t& unit : text)
-          if (unit > 0xFF) unit = u'?';
-#else
-        std::string bytes = to_utf8(text);
-        std::size_t end = std::min(bytes.size(), std::size_t{254});
-        while (end < bytes.size() && (bytes[end] & 0xC0) == 0x80) --end;
-        bytes.resize(end);
-        text = to_utf16(bytes);
-#endif
-      }
-      return Text(std::move(text));
+      const std::u16string text(arg.text());
+      if (excel12) return Text(text);
+      const std::string bytes = Narrow(text, 254);
+      return Text(Widen(bytes.data(), bytes.size()));
     }
     case ARG_ARRAY: {
       std::vector<Value> elements;
@@ -85,24 +59,6 @@ std::string& folder() {
   return path;
 }
 
-Value FromJson(const nlohmann::json& json) {
-  if (json.is_boolean()) return Boolean(json.get<bool>());
-  if (json.is_number()) return Number(json.get<double>());
-  if (json.is_string()) return Text(to_utf16(json.get<std::string>()));
-  if (!json.is_array()) return Missing();
-  std::vector<Value> elements;
-  int columns = 1;
-  for (const nlohmann::json& row : json) {
-    if (row.is_array()) {
-      columns = static_cast<int>(row.size());
-      for (const nlohmann::json& cell : row) elements.push_back(FromJson(cell));
-    } else {
-      elements.push_back(FromJson(row));
-    }
-  }
-  return Array(static_cast<int>(json.size()), columns, std::move(elements));
-}
-
 }  // namespace
 
 struct Direct::State {
@@ -114,9 +70,9 @@ Direct::Direct() : state_(std::make_unique<State>()) {}
 Direct::~Direct() = default;
 
 Value Direct::Call(const Function_CFunctionSpec& spec, const std::vector<Value>& args) {
-  Builder builder;
+  test::Arguments pool;
   std::vector<FUNCTION_ARG> values;
-  for (const Value& arg : args) values.push_back(builder.Make(arg));
+  for (const Value& arg : args) values.push_back(argument(pool, arg));
   state_->context.Reset();
   FUNCTION_ARG output = FUNCTION_ARG::Empty();
   std::uint32_t flags = 0;
@@ -142,19 +98,14 @@ void SetCheckFolder(const char* path) { folder() = path; }
 
 std::vector<CheckCase> ReadCheckCases() {
   std::vector<CheckCase> cases;
-  for (const auto& entry : std::filesystem::directory_iterator(folder())) {
-    if (entry.path().extension() != ".jsonl") continue;
-    std::ifstream in(entry.path());
-    std::string line;
-    for (int number = 1; std::getline(in, line); ++number) {
-      if (line.empty()) continue;
-      const nlohmann::json json = nlohmann::json::parse(line);
-      CheckCase check;
-      check.where = entry.path().filename().string() + ":" + std::to_string(number);
-      check.function = to_utf16(json.at("function").get<std::string>());
-      for (const auto& [key, value] : json.at("inputs").items())
-        check.inputs.emplace_back(to_utf16(key), FromJson(value));
-      cases.push_back(std::move(check));
+  for (const auto& path : test::case_files({folder()})) {
+    for (const test::CaseLine& line : test::lines_of(path)) {
+      CheckCase& check = cases.emplace_back();
+      check.where = line.where;
+      check.function = to_utf16(line.json.at("function").get<std::string>());
+      test::Arguments pool;
+      for (const auto& [key, value] : line.json.at("inputs").items())
+        check.inputs.emplace_back(to_utf16(key), Shown(test::argument_of(pool, value)));
     }
   }
   return cases;

@@ -550,51 +550,12 @@ TEST_F(ExcelHost, ContextsEndWithTheirThreads) {
   EXPECT_LT(memory_in_use() - before, threads * 32768L / 4);
 }
 
-// ---- Figures: excel_host_test MODULE DATA_FOLDER --figures -------------------------------------------------------
-
-template <class Function>
-double nanoseconds(int count, Function&& function) {
-  double best = 1e300;
-  for (int round = 0; round < 5; ++round) {
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < count; ++i) function();
-    const std::chrono::duration<double, std::nano> elapsed = std::chrono::steady_clock::now() - start;
-    best = std::min(best, elapsed.count() / count);
-  }
-  return best;
-}
-
-void print_figures() {
-  const std::size_t functions = book().registrations().size();
-  std::printf("registration of %zu names: %.2f ms\n", functions, nanoseconds(3, [] { book().Open(); }) / 1e6);
-  Record number{};
-  number.number = 5;
-  number.type = XL_NUMBER;
-  Record bit{};
-  bit.number = 2;
-  bit.type = XL_NUMBER;
-  Record* args[] = {&number, &bit};
-  const Registration* bit_test = book().Find(u"nvBitTest");
-  const auto entry = reinterpret_cast<Record* (*)(Record*, Record*)>(bit_test->entry);
-  std::printf("%s: %.1f ns a call\n", bit_test->procedure.c_str(),
-              nanoseconds(1000000, [&] { entry(&number, &bit); }));
-  const Place caller{0, 1, 1, 1, 6};
-  std::printf("the same through the stand-in: %.1f ns\n",
-              nanoseconds(100000, [&] { book().CallUnchecked(*bit_test, args, caller); }));
-  Record missing{};
-  missing.type = XL_MISSING;
-  std::vector<Record*> six(6, &missing);
-  const Registration* aga8 = book().Find(u"nvAGA8_M");
-  std::printf("nvAGA8_M, defaults, caller asked: %.1f ns\n",
-              nanoseconds(20000, [&] { book().CallUnchecked(*aga8, six.data(), caller); }));
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   if (argc < 3) {
-    std::fprintf(stderr, "usage: %s MODULE DATA_FOLDER [--figures]\n", argv[0]);
+    std::fprintf(stderr, "usage: %s MODULE DATA_FOLDER\n", argv[0]);
     return 2;
   }
   SetCheckFolder(argv[2]);
@@ -605,10 +566,6 @@ int main(int argc, char** argv) {
   if (book().Open() != 1) {
     std::fprintf(stderr, "xlAutoOpen did not answer 1\n");
     return 1;
-  }
-  if (argc > 3 && std::string_view(argv[3]) == "--figures") {
-    print_figures();
-    return 0;
   }
   const int failed = RUN_ALL_TESTS();
   if (failed != 0) return failed;

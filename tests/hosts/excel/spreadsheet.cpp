@@ -1,5 +1,7 @@
 #include "tests/hosts/excel/spreadsheet.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -25,8 +27,6 @@ using namespace norvane::excel;
 
 constexpr int max_pointer_arguments = 40;
 constexpr std::size_t max_host_text = 255;
-// A flag beside the type, on every record that the host wants back.
-constexpr auto host_frees = static_cast<decltype(Record{}.type)>(0x1000);
 constexpr int returned_invalid_count = 4;
 constexpr int returned_invalid_record = 8;
 
@@ -49,156 +49,6 @@ class Inside {
  private:
   Frame* outer_;
 };
-
-// Memory of records: a call's arguments, or blocks that the add-in must give back.
-class Memory {
- public:
-  virtual ~Memory() = default;
-  virtual void* Take(std::size_t size) = 0;
-  template <class T>
-  T* Make(std::size_t count) {
-    return static_cast<T*>(Take(sizeof(T) * (count > 0 ? count : 1)));
-  }
-};
-
-class CallMemory final : public Memory {
- public:
-  void* Take(std::size_t size) override {
-    blocks_.push_back(std::make_unique<char[]>(size));
-    return blocks_.back().get();
-  }
-
- private:
-  std::vector<std::unique_ptr<char[]>> blocks_;
-};
-
-[[maybe_unused]] void SetText(XlRecord12& record, const std::u16string& text, Memory& memory) {
-  record.string = memory.Make<char16_t>(text.size() + 1);
-  record.string[0] = static_cast<char16_t>(text.size());
-  std::memcpy(record.string + 1, text.data(), text.size() * sizeof(char16_t));
-}
-// The older dialect's texts: on Windows ISO 8859-1 is enough for what the tests write, elsewhere they are UTF-8.
-std::string Narrow(const std::u16string& text) {
-#if defined(_WIN32)
-  std::string bytes;
-  for (const char16_t unit : text) bytes += static_cast<char>(unit <= 0xFF ? unit : u'?');
-  return bytes;
-#else
-  return norvane::to_utf8(text);
-#endif
-}
-[[maybe_unused]] void SetText(XlRecord4& record, const std::u16string& text, Memory& memory) {
-  std::string bytes = Narrow(text);
-  if (bytes.size() > 255) {
-    std::size_t end = 255;
-    while ((bytes[end] & 0xC0) == 0x80) --end;
-    bytes.resize(end);
-  }
-  record.string = memory.Make<unsigned char>(bytes.size() + 1);
-  record.string[0] = static_cast<unsigned char>(bytes.size());
-  std::memcpy(record.string + 1, bytes.data(), bytes.size());
-}
-
-[[maybe_unused]] std::u16string GetText(const XlRecord12& record) { return {record.string + 1, record.string[0]}; }
-[[maybe_unused]] std::u16string GetText(const XlRecord4& record) {
-#if !defined(_WIN32)
-  return norvane::to_utf16({reinterpret_cast<const char*>(record.string + 1), record.string[0]});
-#endif
-  std::u16string text;
-  for (int i = 1; i <= record.string[0]; ++i) text += char16_t{record.string[i]};
-  return text;
-}
-
-template <class Area>
-void SetArea(Area& area, const Place& place) {
-  area.first_row = static_cast<decltype(area.first_row)>(place.row);
-  area.last_row = static_cast<decltype(area.last_row)>(place.end_row);
-  area.first_column = static_cast<decltype(area.first_column)>(place.column);
-  area.last_column = static_cast<decltype(area.last_column)>(place.end_column);
-}
-template <class Area>
-Place GetArea(const Area& area, int sheet) {
-  return {sheet, area.first_row, area.first_column, area.last_row, area.last_column};
-}
-
-void Write(const Value& value, Record& record, Memory& memory, int current_sheet) {
-  record = Record{};
-  switch (value.kind) {
-    case Kind::blank: record.type = XL_NIL; break;
-    case Kind::missing:
-    case Kind::null: record.type = XL_MISSING; break;
-    case Kind::number:
-      record.number = value.number;
-      record.type = XL_NUMBER;
-      break;
-    case Kind::integer:
-      record.integer = static_cast<decltype(record.integer)>(value.number);
-      record.type = XL_INTEGER;
-      break;
-    case Kind::boolean:
-      record.boolean = value.number != 0.0;
-      record.type = XL_BOOLEAN;
-      break;
-    case Kind::error:
-      record.error = static_cast<decltype(record.error)>(value.number);
-      record.type = XL_ERROR;
-      break;
-    case Kind::text:
-      SetText(record, value.text, memory);
-      record.type = XL_STRING;
-      break;
-    case Kind::array: {
-      auto* elements = memory.Make<Record>(value.elements.size());
-      for (std::size_t i = 0; i < value.elements.size(); ++i)
-        Write(value.elements[i], elements[i], memory, current_sheet);
-      record.array.elements = elements;
-      record.array.rows = static_cast<decltype(record.array.rows)>(value.rows);
-      record.array.columns = static_cast<decltype(record.array.columns)>(value.columns);
-      record.type = XL_ARRAY;
-      break;
-    }
-    case Kind::reference:
-      if (value.place.sheet == current_sheet) {
-        record.reference.count = 1;
-        SetArea(record.reference.area, value.place);
-        record.type = XL_REFERENCE;
-      } else {
-        using Areas = std::remove_pointer_t<decltype(record.multi.areas)>;
-        record.multi.areas = memory.Make<Areas>(1);
-        record.multi.areas->count = 1;
-        SetArea(record.multi.areas->areas[0], value.place);
-        record.multi.sheet = static_cast<std::uintptr_t>(value.place.sheet) + 1;
-        record.type = XL_MULTI_REFERENCE;
-      }
-      break;
-  }
-}
-
-Value Read(const Record& record, int current_sheet) {
-  switch (record.type & ~host_frees) {
-    case XL_NUMBER: return Number(record.number);
-    case XL_INTEGER: return Integer(record.integer);
-    case XL_BOOLEAN: return Boolean(record.boolean != 0);
-    case XL_ERROR: return Error(record.error);
-    case XL_STRING: return Text(GetText(record));
-    case XL_MISSING: return Missing();
-    case XL_NIL: return Blank();
-    case XL_REFERENCE: return Reference(GetArea(record.reference.area, current_sheet));
-    case XL_MULTI_REFERENCE:
-      return Reference(GetArea(record.multi.areas->areas[0], static_cast<int>(record.multi.sheet) - 1));
-    case XL_ARRAY: {
-      std::vector<Value> elements;
-      const std::size_t count =
-          static_cast<std::size_t>(record.array.rows) * static_cast<std::size_t>(record.array.columns);
-      for (std::size_t i = 0; i < count; ++i) elements.push_back(Read(record.array.elements[i], current_sheet));
-      return Array(record.array.rows, record.array.columns, std::move(elements));
-    }
-    default: {
-      Value unknown = Error(-static_cast<int>(record.type));
-      return unknown;
-    }
-  }
-}
 
 template <std::size_t... I>
 void* InvokeWith(void* entry, void** args, std::index_sequence<I...>) {
@@ -224,69 +74,6 @@ std::wstring Wide(const char* path) {
 #endif
 
 }  // namespace
-
-Value Blank() { return {}; }
-Value Missing() {
-  Value value;
-  value.kind = Kind::missing;
-  return value;
-}
-static Value Scalar(Kind kind, double number) {
-  Value value;
-  value.kind = kind;
-  value.number = number;
-  return value;
-}
-Value Number(double number) { return Scalar(Kind::number, number); }
-Value Integer(int number) { return Scalar(Kind::integer, number); }
-Value Boolean(bool truth) { return Scalar(Kind::boolean, truth ? 1.0 : 0.0); }
-Value Error(int code) { return Scalar(Kind::error, code); }
-Value Text(std::u16string text) {
-  Value value;
-  value.kind = Kind::text;
-  value.text = std::move(text);
-  return value;
-}
-Value Array(int rows, int columns, std::vector<Value> elements) {
-  Value value;
-  value.kind = Kind::array;
-  value.rows = rows;
-  value.columns = columns;
-  value.elements = std::move(elements);
-  return value;
-}
-Value Reference(Place place) {
-  Value value;
-  value.kind = Kind::reference;
-  value.place = place;
-  return value;
-}
-
-bool Value::operator==(const Value& other) const {
-  std::uint64_t bits = 0;
-  std::uint64_t other_bits = 0;
-  std::memcpy(&bits, &number, sizeof bits);
-  std::memcpy(&other_bits, &other.number, sizeof other_bits);
-  return kind == other.kind && bits == other_bits && text == other.text && rows == other.rows &&
-         columns == other.columns && elements == other.elements;
-}
-
-std::string Describe(const Value& value) {
-  std::ostringstream out;
-  out.precision(17);
-  static const char* const names[] = {"blank", "number", "integer", "boolean",   "text",
-                                      "error", "array",  "missing", "reference", "null"};
-  out << names[static_cast<int>(value.kind)];
-  if (value.kind == Kind::text) out << " '" << norvane::to_utf8(value.text) << "'";
-  if (value.kind == Kind::array) {
-    out << " " << value.rows << "x" << value.columns << " {";
-    for (const Value& element : value.elements) out << " " << Describe(element);
-    out << " }";
-  } else if (value.kind != Kind::text) {
-    out << " " << value.number;
-  }
-  return out.str();
-}
 
 Spreadsheet& Spreadsheet::Instance() {
   static Spreadsheet instance;
@@ -368,7 +155,7 @@ Value Spreadsheet::Call(const std::u16string& function, const std::vector<Value>
   const Registration* found = Find(function);
   if (found == nullptr) {
     Note("call of an unknown function " + norvane::to_utf8(function));
-    return Scalar(Kind::null, 0.0);
+    return Value{Kind::null};
   }
   Frame frame{Frame::What::function, caller, found->type.find(u'$') != std::u16string::npos};
   const Record* result = nullptr;
@@ -384,17 +171,17 @@ Value Spreadsheet::Call(const std::u16string& function, const std::vector<Value>
     result = static_cast<const Record*>(invokers[found->argument_count](found->entry, pointers.data()));
   }  // the arguments are gone before the result is read
   if (met_uncalculated != nullptr) *met_uncalculated = frame.closed;
-  return result != nullptr ? Read(*result, caller.sheet) : Scalar(Kind::null, 0.0);
+  return result != nullptr ? Read(*result, caller.sheet) : Value{Kind::null};
 }
 
 Value Spreadsheet::CallRaw(const std::u16string& function, std::vector<Record*> args) {
   const Registration* found = Find(function);
   if (found == nullptr || args.size() != found->argument_count) {
     Note("raw call with the wrong arguments");
-    return Scalar(Kind::null, 0.0);
+    return Value{Kind::null};
   }
   const Record* result = CallUnchecked(*found, args.data(), Place::Cell(0, 5, 5));
-  return result != nullptr ? Read(*result, 0) : Scalar(Kind::null, 0.0);
+  return result != nullptr ? Read(*result, 0) : Value{Kind::null};
 }
 
 Value Spreadsheet::CallEntry(const char* name, const Value& arg) {
@@ -405,7 +192,7 @@ Value Spreadsheet::CallEntry(const char* name, const Value& arg) {
   Write(arg, record, memory, 0);
   const auto entry = reinterpret_cast<Record* (*)(Record*)>(Entry(name));
   const Record* result = entry != nullptr ? entry(&record) : nullptr;
-  return result != nullptr ? Read(*result, 0) : Scalar(Kind::null, 0.0);
+  return result != nullptr ? Read(*result, 0) : Value{Kind::null};
 }
 
 void Spreadsheet::SetFormula(Place cells, std::u16string function, std::vector<Value> args) {
@@ -455,7 +242,8 @@ int Spreadsheet::Recalculate(int threads) {
       const Value value = Call(formula->function, formula->args, formula->cells, &again);
       ++calls;
       if (again) {
-        if (value != Error(XL_ERROR_NA)) Note("a cell waiting for another was answered with " + Describe(value));
+        if (value != Error(XL_ERROR_NA))
+          Note("a cell waiting for another was answered with " + testing::PrintToString(value));
         const std::lock_guard lock(queue_mutex);
         queue.push_back(formula);
         continue;
@@ -581,7 +369,7 @@ int Spreadsheet::Answer(const Value& value, Record* result) {
     Spreadsheet& owner_;
   } memory(*this);
   Write(value, *result, memory, current_frame->caller.sheet);
-  result->type |= host_frees;
+  result->type = static_cast<decltype(result->type)>(result->type | host_frees);
   bool again = false;
   {
     const std::lock_guard lock(mutex_);

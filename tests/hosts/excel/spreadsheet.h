@@ -4,17 +4,14 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <map>
-#include <memory>
 #include <mutex>
-#include <ostream>
 #include <set>
 #include <string>
 #include <tuple>
 #include <vector>
 
-#include "hosts/excel/xl_types.h"
+#include "tests/hosts/excel/values.h"
 
 namespace sheet {
 
@@ -25,46 +22,6 @@ using Record = norvane::excel::XlRecord12;
 inline constexpr bool excel12 = false;
 using Record = norvane::excel::XlRecord4;
 #endif
-
-// A rectangle of a sheet, rows and columns from 0, both ends included.
-struct Place {
-  int sheet = 0;
-  int row = 0;
-  int column = 0;
-  int end_row = 0;
-  int end_column = 0;
-
-  static Place Cell(int sheet, int row, int column) { return {sheet, row, column, row, column}; }
-  int rows() const { return end_row - row + 1; }
-  int columns() const { return end_column - column + 1; }
-};
-
-enum class Kind { blank, number, integer, boolean, text, error, array, missing, reference, null };
-
-struct Value {
-  Kind kind = Kind::blank;
-  double number = 0.0;  // also the value of an integer, a boolean or an error
-  std::u16string text;
-  int rows = 0;
-  int columns = 0;
-  std::vector<Value> elements;
-  Place place;
-
-  // Numbers by their bits.
-  bool operator==(const Value& other) const;
-};
-
-Value Blank();
-Value Missing();
-Value Number(double value);
-Value Integer(int value);
-Value Boolean(bool value);
-Value Error(int code);
-Value Text(std::u16string text);
-Value Array(int rows, int columns, std::vector<Value> elements);
-Value Reference(Place place);
-std::string Describe(const Value& value);
-inline void PrintTo(const Value& value, std::ostream* out) { *out << Describe(value); }
 
 struct Registration {
   std::string procedure;
