@@ -114,12 +114,12 @@ VARIANT variant(VARTYPE type = VT_EMPTY, void* reference = nullptr) {
   return v;
 }
 VARIANT variant(double value) {
-  VARIANT v = variant(VT_R8);
+  VARIANT v = variant(VARTYPE{VT_R8});
   v.dblVal = value;
   return v;
 }
 VARIANT variant(int value) {
-  VARIANT v = variant(VT_I4);
+  VARIANT v = variant(VARTYPE{VT_I4});
   v.lVal = value;
   return v;
 }
@@ -127,7 +127,7 @@ VARIANT variant(int value) {
 VARIANT at(VARTYPE type, void* place) { return variant(static_cast<VARTYPE>(VT_BYREF | type), place); }
 VARIANT of_array(SAFEARRAY* array, VARTYPE type) { return variant(static_cast<VARTYPE>(VT_ARRAY | type), array); }
 VARIANT omitted() {
-  VARIANT v = variant(VT_ERROR);
+  VARIANT v = variant(VARTYPE{VT_ERROR});
   v.scode = DISP_E_PARAMNOTFOUND;
   return v;
 }
@@ -231,7 +231,7 @@ void check_lists(IDispatch* object) {
   SAFEARRAYBOUND endless[3] = {{60000, 0}, {2, 0}, {2, 0}};
   VARIANT big = of_array(SafeArrayCreate(VT_UI1, 3, endless), VT_UI1);
   VARIANT none = of_array(SafeArrayCreateVector(VT_VARIANT, 0, 0), VT_VARIANT);
-  const VARIANT null = variant(VT_NULL);
+  const VARIANT null = variant(VARTYPE{VT_NULL});
   check_rows(object,
              {
                  {"texts", id_iso6976, behind(texts), DISP_E_EXCEPTION},
