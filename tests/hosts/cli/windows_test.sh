@@ -32,7 +32,7 @@ check 'eval writes line feeds' "$answer" eval_lines
 printf 'number,bit\r\n5,2\r\n5,1\r\n' >Größe.csv
 printf 'old' >answers.csv
 batch_rows() { "${run[@]}" batch BitTest --in Größe.csv --out answers.csv; cat answers.csv; ls | grep part; }
-check 'batch replaces a file' $'2 rows: all good\nnumber,bit,Test,messages\n5,2,1,\n5,1,0,' batch_rows
+check 'batch replaces a file' $'2 rows: all good\nnumber,bit,Test,messages\r\n5,2,1,\r\n5,1,0,\r' batch_rows
 version_platform() { "${run[@]}" --version | tail -1; }
 check 'platform' 'platform Windows x86-64' version_platform
 wrong_use() { "${run[@]}" call NoSuchFunction >/dev/null; echo $?; }

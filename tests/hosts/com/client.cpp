@@ -297,7 +297,7 @@ void check_outputs(IDispatch* object) {
           {"output nowhere", id_iso6976, behind(list, {at(VT_R8, nullptr)}), DISP_E_TYPEMISMATCH},
           {"input nowhere", id_iso6976, {list, at(VT_VARIANT, nullptr), variant(2), variant(1)}, DISP_E_TYPEMISMATCH},
           {"by name", ids[0], {list, variant(2), at(VT_VARIANT, &value)}, S_OK, L"", 99, {ids[1], ids[2], ids[3]}},
-          {"names of methods", ids[0], {list, list}, DISP_E_MEMBERNOTFOUND, L"", 99, {id_iso6976, id_iso6976}},
+          {"names of methods", ids[0], {list, list}, DISP_E_PARAMNOTFOUND, L"", 99, {id_iso6976, id_iso6976}},
           {"a name twice", id_iso6976, {list, list}, DISP_E_PARAMNOTFOUND, L"", 99, {0, 0}},
           {"method 0", 0, {}, DISP_E_MEMBERNOTFOUND},
           {"method 107", 107, {}, DISP_E_MEMBERNOTFOUND},
