@@ -9,6 +9,7 @@
 #include <span>
 
 #include "core/outcome.h"
+#include "math/common/components.h"
 #include "math/common/composition.h"
 #include "math/common/helmholtz.h"
 #include "math/gas/aga8_table.h"
@@ -21,29 +22,8 @@ inline constexpr double R = 0.00831451;  // gas constant [MPa m3/(kmol K)]
 using Composition = std::array<double, component_count>;
 
 // Component numbers that rules name.
-enum ComponentIndex : std::size_t {
-  methane,
-  nitrogen,
-  carbon_dioxide,
-  ethane,
-  propane,
-  water,
-  hydrogen_sulfide,
-  hydrogen,
-  carbon_monoxide,
-  oxygen,
-  i_butane,
-  n_butane,
-  i_pentane,
-  n_pentane,
-  n_hexane,
-  n_heptane,
-  n_octane,
-  n_nonane,
-  n_decane,
-  helium,
-  argon
-};
+using enum component::Index;
+using ComponentIndex = component::Index;
 
 // What a composition input holds: the 21 components and neo-pentane, which the equation does not know.
 using CompositionInput = std::array<double, component_count + 1>;

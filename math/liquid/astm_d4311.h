@@ -1,7 +1,7 @@
 // ASTM D4311: volume correction factors of asphalt to 15 degC (metric table) and 60 degF (customary table).
 #pragma once
 
-#include "math/common/outcome.h"
+#include "core/outcome.h"
 
 namespace norvane::ASTM_D4311 {
 

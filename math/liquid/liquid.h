@@ -8,8 +8,8 @@
 
 #include <cmath>
 
+#include "core/outcome.h"
 #include "math/common/dual.h"
-#include "math/common/outcome.h"
 
 namespace norvane::liquid {
 

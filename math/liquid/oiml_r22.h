@@ -1,7 +1,7 @@
 // OIML R 22 (1975): density, mass content and volume content of mixtures of ethanol and water, -20 to 40 degC.
 #pragma once
 
-#include "math/common/outcome.h"
+#include "core/outcome.h"
 
 namespace norvane::OIML_R22 {
 

@@ -16,8 +16,8 @@
 #include <limits>
 #include <span>
 
+#include "core/outcome.h"
 #include "math/common/dual.h"
-#include "math/common/outcome.h"
 
 namespace norvane::liquid {
 

@@ -1,3 +1,0 @@
-// Moved to core/outcome.h.
-#pragma once
-#include "core/outcome.h"
