@@ -60,6 +60,7 @@ ExitCode convert(const ConvertOptions& options, Output& out) {
     out.write("}\n");
   } else {
     out.write(to_utf8(format_number(value)) + " " + to_utf8(target->text) + "\n");
+    out.flush();
     if (!warning.empty()) tell("warning: " + warning + "\n");
   }
   return finite ? exit_good : exit_calculation;

@@ -77,8 +77,6 @@ void RowCalls::row(std::string_view record, std::uint64_t line, std::string& out
   if (problem.empty()) {
     for (const Message& message : session_.messages())
       messages.append(messages.empty() ? "" : " | ").append(to_utf8(message.text));
-    if (session_.status() != ERROR_OK)
-      messages.append(messages.empty() ? "" : " | ").append(to_utf8(error_text(session_.status())));
   }
   append_field(out, messages, format_.delimiter);
   out += format_.line_end;
