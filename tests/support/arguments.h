@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <deque>
+#include <iterator>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -16,9 +18,10 @@
 
 namespace norvane::test {
 
-// splitmix64, started by a text and two numbers.
+// splitmix64, started by a number or by a text and two numbers.
 class Random {
  public:
+  explicit Random(std::uint64_t seed) : Random(u"", seed, 0) {}
   Random(std::u16string_view text, std::uint64_t a, std::uint64_t b) {
     for (char16_t unit : text) state_ = (state_ ^ unit) * 0x100000001B3u;
     state_ += a * 0x9E3779B97F4A7C15u + b * 0xD1B54A32D192ED03u;
@@ -35,6 +38,24 @@ class Random {
   double within(double low, double high) { return low + (high - low) * unit(); }
   // From 0 to n - 1.
   std::size_t below(std::size_t n) { return static_cast<std::size_t>(next() % n); }
+  // One in eight is a number that breaks careless code.
+  double hostile(double low, double high) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double bad[] = {0.0,
+                              -0.0,
+                              -1.0,
+                              1e-310,
+                              1e-12,
+                              1.0,
+                              273.15,
+                              1e12,
+                              -1e308,
+                              1e308,
+                              infinity,
+                              -infinity,
+                              std::numeric_limits<double>::quiet_NaN()};
+    return below(8) != 0 ? within(low, high) : bad[below(std::size(bad))];
+  }
   int whole(int low, int high) { return low + static_cast<int>(below(static_cast<std::size_t>(high - low + 1))); }
 
  private:

@@ -8,7 +8,7 @@
 
 #include "math/flow/gost8_586_table.h"
 #include "math/flow/iso5167.h"
-#include "tests/math/hostile.h"
+#include "tests/support/arguments.h"
 
 namespace norvane {
 namespace {
@@ -57,10 +57,10 @@ TEST(Gost8586, SharpPlateInSmoothPipeIsIso5167) {
     Arguments in = gas_run();
     in.measured.dp = random.within(0, 600);
     in.measured.viscosity = std::exp(random.within(-12, -8));
-    in.measured.fluid = static_cast<differential_pressure::Fluid>(random.option(1, 2));
+    in.measured.fluid = static_cast<differential_pressure::Fluid>(random.whole(1, 2));
     in.geometry.device_diameter = in.geometry.pipe_diameter * random.within(0.1, 0.75);
     in.edge_radius = 0.0;
-    in.tappings = static_cast<Tappings>(random.option(1, 3));
+    in.tappings = static_cast<Tappings>(random.whole(1, 3));
     Result r;
     ASSERT_TRUE(calculate(in, r).good());
     ISO5167::Result iso;
@@ -158,12 +158,12 @@ TEST(Gost8586, AnswersAnyNumbers) {
                    .density = random.hostile(0.1, 1000),
                    .viscosity = std::exp(random.within(-15, 8)),
                    .kappa = random.hostile(1, 2)};
-    in.measured.fluid = static_cast<differential_pressure::Fluid>(random.option(0, 3));
+    in.measured.fluid = static_cast<differential_pressure::Fluid>(random.whole(0, 3));
     in.geometry = {random.hostile(10, 2000), random.hostile(0, 1e-4), 20,
                    random.hostile(5, 1000),  random.hostile(0, 1e-4), 20};
     in.roughness = random.hostile(0, 10);
     in.edge_radius = random.hostile(0, 10);
-    in.tappings = static_cast<Tappings>(random.option(0, 4));
+    in.tappings = static_cast<Tappings>(random.whole(0, 4));
     Result r;
     const Outcome outcome = calculate(in, r);
     if (outcome.good()) {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "tests/math/hostile.h"
+#include "tests/support/arguments.h"
 
 namespace norvane {
 namespace {
@@ -47,7 +47,7 @@ TEST(GasViscosity, TakesAmountsAsTheyAre) {
   for (int i = 0; i < 2000; ++i) {
     Arguments in = {.pressure = random.within(0, 10), .temperature = random.within(260, 320)};
     double sum = 0.0;
-    for (double& x : in.composition) sum += x = random.option(0, 2) == 0 ? random.within(0, 0.01) : 0.0;
+    for (double& x : in.composition) sum += x = random.whole(0, 2) == 0 ? random.within(0, 0.01) : 0.0;
     in.composition[AGA8::methane] += 1.0 - sum;
     // Percent are the same gas, and neo-pentane counts as i-pentane; a cache that knew another gas changes nothing.
     Arguments other = in;
@@ -73,8 +73,8 @@ TEST(GasViscosity, AnswersAnyNumbers) {
   Cache cache;
   for (int i = 0; i < 20000; ++i) {
     Arguments in = {.pressure = random.hostile(0, 300), .temperature = random.hostile(50, 900)};
-    in.composition[static_cast<std::size_t>(random.option(0, 21))] = random.hostile(0.9, 1.1);
-    in.composition[static_cast<std::size_t>(random.option(0, 21))] += random.hostile(0, 0.1);
+    in.composition[static_cast<std::size_t>(random.whole(0, 21))] = random.hostile(0.9, 1.1);
+    in.composition[static_cast<std::size_t>(random.whole(0, 21))] += random.hostile(0, 0.1);
     Result r;
     const Outcome outcome = calculate(in, r, cache);
     if (outcome.good()) {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "tests/math/hostile.h"
+#include "tests/support/arguments.h"
 
 namespace norvane {
 namespace {
@@ -96,7 +96,7 @@ TEST(Nx19, AnswersAnyNumbers) {
                           .carbon_dioxide = random.hostile(0, 0.6),
                           .nitrogen = random.hostile(0, 0.6),
                           .methane = random.hostile(0, 1),
-                          .method = static_cast<Method>(random.option(0, 3))};
+                          .method = static_cast<Method>(random.whole(0, 3))};
     Result r;
     const Outcome outcome = calculate(in, r);
     if (outcome.good()) {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "tests/math/hostile.h"
+#include "tests/support/arguments.h"
 
 namespace norvane {
 namespace {
@@ -136,8 +136,8 @@ TEST(Sgerg, AnswersAnyNumbers) {
                           .carbon_dioxide = random.hostile(0, 1),
                           .nitrogen = random.hostile(0, 1),
                           .hydrogen = random.hostile(0, 1),
-                          .input_set = static_cast<InputSet>(random.option(0, 5)),
-                          .reference = static_cast<Reference>(random.option(0, 8))};
+                          .input_set = static_cast<InputSet>(random.whole(0, 5)),
+                          .reference = static_cast<Reference>(random.whole(0, 8))};
     Result r;
     const Outcome outcome = calculate(in, r);
     if (outcome.good()) {
