@@ -158,8 +158,9 @@ std::string link(const Function_CFunctionSpec& spec) {
 // Every quantity with its units, and a warning where a factor is not the physical one.
 std::string units_page(const Unit_CTypeAndUnitContainer& units) {
   std::string out = "# Units\n\nWritten by `norvane doc` from the unit table; do not edit.\n\n";
-  out += "A value in the base unit, the first of each quantity, is the value times the factor plus the offset. A unit is\n"
-         "named by its key in any case, or by its symbol where only one unit bears it.\n";
+  out +=
+      "A value in the base unit, the first of each quantity, is the value times the factor plus the offset. A unit is\n"
+      "named by its key in any case, or by its symbol where only one unit bears it.\n";
   std::vector<std::uint32_t> quantities, members;
   units.ListMembers(CodeKind::quantity, 0, quantities);
   for (const std::uint32_t quantity : quantities) {

@@ -18,7 +18,7 @@ TEST(Arena, CarvesPadsAndMovesOn) {
   auto* second = static_cast<unsigned char*>(arena.Allocate(1, 4));
   EXPECT_EQ(second - first, 4);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(arena.Allocate(8)) % 8, 0u);
-  EXPECT_NE(arena.Allocate(Core_CArena::block_size), nullptr);  // fits a block, not this one
+  EXPECT_NE(arena.Allocate(Core_CArena::block_size), nullptr);      // fits a block, not this one
   EXPECT_NE(arena.Allocate(Core_CArena::block_size + 1), nullptr);  // large: no block
   arena.Reset();
   EXPECT_EQ(arena.Allocate(3, 4), first);

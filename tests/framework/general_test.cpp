@@ -102,7 +102,8 @@ TEST(General, EverySymbolIsAUnitOrSeveral) {
       EXPECT_EQ(call.value(0), good ? 7.0 : 0.0);
       EXPECT_TRUE(good || name != entry->key) << to_utf8(name);
       ASSERT_EQ(call.context().messages.size(), good ? 0u : 2u) << to_utf8(name);
-      for (const auto& message : call.context().messages) EXPECT_TRUE(message.ends_with(u"could mean multiple units"));
+      for (const auto& message : call.context().messages)
+        EXPECT_TRUE(message.ends_with(u"could mean multiple units"));
     }
   }
 }

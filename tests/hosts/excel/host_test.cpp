@@ -382,7 +382,8 @@ TEST_F(ExcelHost, ErrorsOfCellsAreErrorsOfTheCall) {
   for (const int code : {0, 7, 15, 23, 29, 36, 42, 43, 1000}) {
     book().Set(Place::Cell(0, 70, 0), Error(code));
     EXPECT_EQ(book().Call(u"nvBitTest", {Error(code), Number(0)}), Error(XL_ERROR_VALUE)) << code;
-    EXPECT_EQ(book().Call(u"nvBitTest", {Reference(Place::Cell(0, 70, 0)), Number(0)}), Error(XL_ERROR_VALUE)) << code;
+    EXPECT_EQ(book().Call(u"nvBitTest", {Reference(Place::Cell(0, 70, 0)), Number(0)}), Error(XL_ERROR_VALUE))
+        << code;
   }
   // FunctionTest does not compare what is #N/A.
   const Value tested = book().Call(u"nvFunctionTest", {Missing(), Array(1, 2, {Number(1), Number(2)}),
