@@ -144,7 +144,7 @@ constexpr std::u16string_view notes =
     u"downstream pressure. `t exp` 0 leaves the temperature alone where the correction is by exponent. `fpwl` multiplies "
     u"the mass rate once; Reynolds number, discharge coefficient and the raw mass rates (of the last step of the iteration "
     u"and of the one before) are without it. The limits of use are tested on the diameters at flowing temperature.\n"
-    u"Status 1 and 2 come with `aga3 status` and nothing else; with status 3 the result that has not converged is "
+    u"A negative expansion factor is status 2. Status 1 and 2 come with `aga3 status` and nothing else; with status 3 the result that has not converged is "
     u"delivered.\n";
 // clang-format on
 

@@ -117,9 +117,9 @@ constexpr std::u16string_view notes =
     u"wafer cone with x = dp/(kappa p1); below 0.84 it is out of range. The permanent pressure loss is the fraction "
     u"1.3 - 1.25 beta of the differential pressure. The Reynolds number does not enter the mass rate.\n"
     u"A liquid's temperature and density are delivered at the points where they are given and are 0 elsewhere. A "
-    u"differential pressure of 0 is no error: the state given is delivered for all points.\n"
+    u"differential pressure of 0 is no error, whatever the pressure and the cone: the state given is delivered for all points.\n"
     u"Status 1: an argument is not positive or not finite. Status 2: a cone not smaller than the pipe, a pressure of zero or "
-    u"below. Status 3: no convergence in 25 rounds.\n";
+    u"below. A negative expansion factor is status 2. Status 3: no convergence in 25 rounds.\n";
 // clang-format on
 
 // ---- Implementations ---------------------------------------------------------------------------------------------
