@@ -4,6 +4,7 @@
 #include "hosts/cli/batch_columns.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/csv.h"
+#include "hosts/cli/input_file.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/pipeline.h"
 #include "hosts/cli/progress.h"
@@ -22,21 +23,6 @@ struct RowBlock {
   std::uint64_t first_line = 0;
   std::string answers;
   Tally tally;
-};
-
-class OpenInput {
- public:
-  explicit OpenInput(const std::string& path)
-      : descriptor_(path.empty() || path == "-" ? standard_input : open_input(path)) {}
-  ~OpenInput() {
-    if (descriptor_ != standard_input) close_file(descriptor_);
-  }
-  OpenInput(const OpenInput&) = delete;
-  OpenInput& operator=(const OpenInput&) = delete;
-  int descriptor() const { return descriptor_; }
-
- private:
-  int descriptor_;
 };
 
 // Everything that concerns the rows: reads, answers and writes them.
@@ -101,7 +87,7 @@ ExitCode batch(const BatchOptions& options, Output& standard) {
   const Function_CFunctionSpec& spec = find_function(options.id);
   const Reading reading = reading_of(options.reading);
   const OpenInput input(options.in);
-  const std::string input_name = input.descriptor() == standard_input ? "standard input" : options.in;
+  const std::string input_name = shown_path(options.in);
   if (is_terminal(input.descriptor()))
     tell("norvane batch: reading a CSV file from the terminal; --in FILE reads a file (end with Ctrl-D)\n");
   RecordReader reader(input.descriptor(), input_name);

@@ -59,6 +59,29 @@ struct UnitsOptions {
 };
 ExitCode units(const UnitsOptions& options, Output& out);
 
+struct CheckOptions {
+  std::vector<std::string> files;  // none: the values that are built in
+  std::string function;            // of a CSV file that names none
+  std::string html;                // page to sign
+  ReadingOptions reading;
+  bool json = false;
+};
+ExitCode check(const CheckOptions& options, Output& out);
+
+struct ReportOptions {
+  std::string id;
+  std::vector<std::string> inputs;
+  std::string in;                 // CSV file of cases
+  std::string out;                // empty: standard output
+  std::string format;             // html or markdown; empty: by the name of the file
+  std::string sweep;              // key=from:to:step
+  std::vector<std::string> plot;  // outputs over the sweep
+  ReadingOptions reading;
+  int precision = 0;
+  bool strict = false;
+};
+ExitCode report(const ReportOptions& options, Output& out);
+
 struct DocOptions {
   std::string folder;
 };
@@ -79,7 +102,5 @@ struct BatchOptions {
   bool strict = false;
 };
 ExitCode batch(const BatchOptions& options, Output& out);
-
-std::string version_text();
 
 }  // namespace norvane::cli

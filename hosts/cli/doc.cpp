@@ -5,6 +5,8 @@
 #include "core/text.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/composition_names.h"
+#include "hosts/cli/document.h"
+#include "hosts/cli/input_file.h"
 #include "hosts/cli/json_text.h"
 #include "hosts/cli/record_text.h"
 #include "hosts/module/meaning.h"
@@ -12,16 +14,6 @@
 
 namespace norvane::cli {
 namespace {
-
-// Text that Markdown must not read as markup; a '|' would end a table's cell.
-std::string escaped(std::string_view text) {
-  std::string out;
-  for (const char c : text) {
-    if (c == '|' || c == '*' || c == '_' || c == '<' || c == '`' || c == '[' || c == '\\') out += '\\';
-    out += c == '\n' ? ' ' : c;
-  }
-  return out;
-}
 
 // All digits of a factor.
 std::string full_number(double value) {
@@ -44,15 +36,15 @@ void head(std::string& out, const std::vector<std::string>& titles) {
 }
 
 std::string name_and_text(std::u16string_view display, const std::string& text) {
-  const std::string name = escaped(to_utf8(display));
-  if (name.empty() || text.empty() || text == to_utf8(display)) return name.empty() ? escaped(text) : name;
-  return name + ". " + escaped(text);
+  const std::string name = markdown_text(to_utf8(display));
+  if (name.empty() || text.empty() || text == to_utf8(display)) return name.empty() ? markdown_text(text) : name;
+  return name + ". " + markdown_text(text);
 }
 
 std::string options_text(const Description& description) {
   std::string text;
   for (const Option& option : description.options) {
-    text += "<br>" + option.value + ": " + escaped(option.text);
+    text += "<br>" + option.value + ": " + markdown_text(option.text);
     if (!option.key.empty()) text += " (" + code(option.key) + ")";
   }
   return text;
@@ -64,11 +56,11 @@ std::string inputs_table(const Unit_CTypeAndUnitContainer& units, const Function
   for (std::size_t i = 0; i < spec.input_count; ++i) {
     const Function_CInput& input = spec.inputs[i];
     const Description description = description_of(input);
-    std::string unit = escaped(type_text(units, input.type));
+    std::string unit = markdown_text(type_text(units, input.type));
     if (input.is_array()) unit += unit.empty() ? "range" : " (range)";
-    std::string fallback = escaped(variant_text(input.default_value));
+    std::string fallback = markdown_text(variant_text(input.default_value));
     if (!input.optional()) fallback = "required";
-    row(out, {std::to_string(i), code(to_utf8(input.key)), unit, escaped(range_text(input)), fallback,
+    row(out, {std::to_string(i), code(to_utf8(input.key)), unit, markdown_text(range_text(input)), fallback,
               name_and_text(input.display_name, description.text) + options_text(description)});
   }
   return out;
@@ -80,14 +72,14 @@ std::string outputs_table(const Unit_CTypeAndUnitContainer& units, const Functio
   for (std::size_t i = 0; i < spec.output_count; ++i) {
     const Function_COutput& output = spec.outputs[i];
     const Description description = description_of(output);
-    std::string unit = escaped(type_text(units, output.type));
+    std::string unit = markdown_text(type_text(units, output.type));
     if (output.unit_input >= 0) unit = "as " + code(to_utf8(spec.inputs[output.unit_input].key));
     std::string fallback = variant_text(output.fallback);
     if (spec.has(FUNCTION_FALLBACK) && fallback.empty()) fallback = "0";
     if (!spec.has(FUNCTION_FALLBACK)) fallback.clear();
-    row(out,
-        {std::to_string(i), code(to_utf8(output.key)), unit, escaped(fallback), escaped(to_utf8(output.tag_name)),
-         name_and_text(output.display_name, description.text) + options_text(description)});
+    row(out, {std::to_string(i), code(to_utf8(output.key)), unit, markdown_text(fallback),
+              markdown_text(to_utf8(output.tag_name)),
+              name_and_text(output.display_name, description.text) + options_text(description)});
   }
   return out;
 }
@@ -100,7 +92,8 @@ std::string values_table(const Function_CFunctionSpec& spec) {
     out += "\n## Values of " + code(to_utf8(output.key)) + "\n\n";
     head(out, {"Value", "Name", "Meaning"});
     for (const host::Meaning& meaning : meanings)
-      row(out, {number_text(meaning.number), escaped(to_utf8(meaning.id)), escaped(to_utf8(meaning.text))});
+      row(out,
+          {number_text(meaning.number), markdown_text(to_utf8(meaning.id)), markdown_text(to_utf8(meaning.text))});
   }
   return out;
 }
@@ -124,7 +117,7 @@ std::string notes(const Function_CFunctionSpec& spec) {
   for (std::size_t from = 0; from < text.size();) {
     std::size_t end = text.find('\n', from);
     if (end == std::string::npos) end = text.size();
-    if (end > from) out += "\n" + escaped(std::string_view(text).substr(from, end - from)) + "\n";
+    if (end > from) out += "\n" + markdown_text(std::string_view(text).substr(from, end - from)) + "\n";
     from = end + 1;
   }
   return out.empty() ? out : "\n## Notes\n" + out;
@@ -132,27 +125,27 @@ std::string notes(const Function_CFunctionSpec& spec) {
 
 std::string page(const Unit_CTypeAndUnitContainer& units, const Function_CFunctionSpec& spec) {
   const std::string id = to_utf8(spec.id);
-  std::string out = "# " + escaped(id);
-  if (!spec.display_name.empty()) out += ": " + escaped(to_utf8(spec.display_name));
-  out += "\n\n" + escaped(to_utf8(spec.description)) + "\n\n";
+  std::string out = "# " + markdown_text(id);
+  if (!spec.display_name.empty()) out += ": " + markdown_text(to_utf8(spec.display_name));
+  out += "\n\n" + markdown_text(to_utf8(spec.description)) + "\n\n";
   out += "Worksheet function " + code(to_utf8(spec.worksheet_name())) + ". Category " +
-         escaped(to_utf8(spec.category)) + ", " + escaped(to_utf8(spec.subcategory)) + ".";
+         markdown_text(to_utf8(spec.category)) + ", " + markdown_text(to_utf8(spec.subcategory)) + ".";
   const std::vector<std::string> keywords = keywords_of(spec);
   for (std::size_t i = 0; i < keywords.size(); ++i)
     out.append(i == 0 ? " Keywords: " : ", ")
-        .append(escaped(keywords[i]))
+        .append(markdown_text(keywords[i]))
         .append(i + 1 == keywords.size() ? "." : "");
   out += "\n\n## Inputs\n\n" + inputs_table(units, spec) + "\n## Outputs\n\n" + outputs_table(units, spec);
   out += values_table(spec);
   if (composition_input(spec) < spec.input_count)
-    out += "\n## Order of the composition\n\n" + escaped(component_order()) + ".\n";
+    out += "\n## Order of the composition\n\n" + markdown_text(component_order()) + ".\n";
   if (const std::string lines = behaviour(spec); !lines.empty()) out += "\n## Behaviour\n\n" + lines;
   return out + notes(spec);
 }
 
 std::string link(const Function_CFunctionSpec& spec) {
   const std::string id = to_utf8(spec.id);
-  return "[" + escaped(id) + "](" + id + ".md)";
+  return "[" + markdown_text(id) + "](" + id + ".md)";
 }
 
 // Every quantity with its units, and a warning where a factor is not the physical one.
@@ -166,17 +159,17 @@ std::string units_page(const Unit_CTypeAndUnitContainer& units) {
   for (const std::uint32_t quantity : quantities) {
     const Unit_CEntry* entry = nullptr;
     if (units.TypeDetails(quantity, entry) != UNIT_OK) continue;
-    out += "\n## " + escaped(to_utf8(entry->text)) + "\n\n";
+    out += "\n## " + markdown_text(to_utf8(entry->text)) + "\n\n";
     head(out, {"Key", "Symbol", "Factor", "Offset", "Name"});
     std::string warnings;
     units.ListMembers(CodeKind::unit, quantity, members);
     for (const std::uint32_t member : members) {
       if (units.UnitDetails(member, entry) != UNIT_OK) continue;
       const std::u16string warning = unit_warning(member);
-      row(out, {code(to_utf8(entry->key)), escaped(to_utf8(entry->text)),
+      row(out, {code(to_utf8(entry->key)), markdown_text(to_utf8(entry->text)),
                 full_number(entry->factor) + (warning.empty() ? "" : " (!)"),
-                entry->offset == 0.0 ? "" : full_number(entry->offset), escaped(to_utf8(entry->long_name))});
-      if (!warning.empty()) warnings += "- **Warning:** " + escaped(to_utf8(warning)) + "\n";
+                entry->offset == 0.0 ? "" : full_number(entry->offset), markdown_text(to_utf8(entry->long_name))});
+      if (!warning.empty()) warnings += "- **Warning:** " + markdown_text(to_utf8(warning)) + "\n";
     }
     if (!warnings.empty()) out += "\n" + warnings;
   }
@@ -192,27 +185,21 @@ std::string index_page() {
   std::string out = "# Functions\n\nWritten by `norvane doc` from the catalogue's records; do not edit.\n\n";
   out += "[By standard](#by-standard), [by keyword](#by-keyword), [units](units.md)\n\n## By standard\n";
   for (const auto& [standard, functions] : standards) {
-    out += "\n### " + escaped(standard) + "\n\n";
+    out += "\n### " + markdown_text(standard) + "\n\n";
     head(out, {"Function", "Name", "Description"});
     for (const Function_CFunctionSpec* spec : functions)
-      row(out, {link(*spec), escaped(to_utf8(spec->display_name)), escaped(to_utf8(spec->description))});
+      row(out, {link(*spec), markdown_text(to_utf8(spec->display_name)), markdown_text(to_utf8(spec->description))});
   }
   out += "\n## By keyword\n";
   for (const auto& [word, functions] : keywords) {
-    out += "\n### " + escaped(word) + "\n\n";
+    out += "\n### " + markdown_text(word) + "\n\n";
     for (const Function_CFunctionSpec* spec : functions) out += "- " + link(*spec) + "\n";
   }
   std::string missing;
   for (const catalogue::Line& line : catalogue::lines())
-    if (line.record == nullptr) missing += "- " + escaped(to_utf8(line.id)) + "\n";
+    if (line.record == nullptr) missing += "- " + markdown_text(to_utf8(line.id)) + "\n";
   if (!missing.empty()) out += "\n## Not part of this build\n\n" + missing;
   return out;
-}
-
-void write_page(const std::string& path, std::string_view text) {
-  ReplacedFile file(path);
-  write_all(file.descriptor(), text, path);
-  file.commit();
 }
 
 }  // namespace
@@ -221,9 +208,9 @@ ExitCode doc(const DocOptions& options, Output& out) {
   const Unit_CTypeAndUnitContainer& units = Unit_CTypeAndUnitContainer::Instance();
   make_folder(options.folder);
   for (const Function_CFunctionSpec* spec : catalogue::specifications())
-    write_page(options.folder + "/" + to_utf8(spec->id) + ".md", page(units, *spec));
-  write_page(options.folder + "/README.md", index_page());
-  write_page(options.folder + "/units.md", units_page(units));
+    write_file(options.folder + "/" + to_utf8(spec->id) + ".md", page(units, *spec));
+  write_file(options.folder + "/README.md", index_page());
+  write_file(options.folder + "/units.md", units_page(units));
   out.write(std::to_string(catalogue::specifications().size()) + " pages, README.md and units.md written to " +
             options.folder + "\n");
   return exit_good;

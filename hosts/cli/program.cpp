@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "hosts/cli/commands.h"
+#include "hosts/cli/identity.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/table.h"
 
@@ -80,6 +81,8 @@ struct Program::Parts {
   ConvertOptions convert;
   UnitsOptions units;
   DocOptions doc;
+  CheckOptions check;
+  ReportOptions report;
   BatchOptions batch;
   bool components_json = false;
   bool version = false;
@@ -108,6 +111,7 @@ struct Program::Parts {
     add_units();
     add_unit_list();
     add_batch();
+    add_audit();
     add_help();
   }
 
@@ -198,6 +202,46 @@ struct Program::Parts {
                         units, cli::units);
     sub->add_option("word", units.word, "A quantity, a unit, or a part of their names");
     sub->add_flag("--json", units.json, "A JSON array");
+  }
+
+  void add_audit() {
+    CLI::App* sub = add(
+        "check", "Calculate the published check values and compare",
+        "Without a file these are the values of the standards and of independent calculations that are built into the "
+        "program. A file of one's own holds lines of JSON,\n"
+        "  {\"function\":ID,\"inputs\":{...},\"outputs\":{...},\"rtol\":1e-6,\"source\":\"...\"}\n"
+        "or is CSV: columns of inputs as for batch, \"expected z\" for the output z, and perhaps rtol, atol, source and "
+        "function. Without a tolerance the digits of the expected value give it. Exit code 1 when a case fails.",
+        check, cli::check);
+    sub->add_option("files", check.files, "Files of cases (default: those built in)")->type_name("FILE");
+    sub->add_option("--function", check.function, "Function of a CSV file without that column")->type_name("ID");
+    sub->add_option("--html", check.html, "Write a page to print and sign")->type_name("FILE");
+    sub->add_flag("--json", check.json, "The result as JSON");
+    add_reading(sub, check.reading);
+    add_decimal(sub, check.reading);
+
+    sub = add("report", "Write a calculation as a page to keep",
+              "Inputs with units, limits and origin, outputs with status and range in words, standard and edition, "
+              "messages, and what the program is known by; as HTML that prints on A4, or as Markdown.\n"
+              "Examples:\n"
+              "  norvane report AGA8_M pressure=60 methane=95% ethane=5% --sweep temperature=-20:60:5 --out z.html\n"
+              "  norvane report ISO5167_Orifice --in cases.csv --out cases.html",
+              report, cli::report);
+    sub->add_option("id", report.id, "Function, for example AGA8_M")->required();
+    sub->add_option("inputs", report.inputs, "key=value, as for call");
+    sub->add_option("--in", report.in, "CSV file of cases, as for batch")->type_name("FILE");
+    sub->add_option("--out", report.out, "File to write (default: standard output)")->type_name("FILE");
+    sub->add_option("--format", report.format, "html or markdown (default: by the name of the file)")
+        ->check(CLI::IsMember({"html", "markdown"}));
+    sub->add_option("--sweep", report.sweep, "A table and a plot over one input")->type_name("KEY=FROM:TO:STEP");
+    sub->add_option("--plot", report.plot, "Outputs of the table and the plot (default: the first)")
+        ->delimiter(',')
+        ->type_name("OUTPUT,...")
+        ->allow_extra_args(false);
+    add_reading(sub, report.reading);
+    add_decimal(sub, report.reading);
+    add_precision(sub, report.precision);
+    add_strict(sub, report.strict);
   }
 
   void add_help() {

@@ -10,6 +10,15 @@ namespace {
 
 bool has_digit(std::string_view text) { return text.find_first_of("0123456789") != std::string_view::npos; }
 
+// "AGA-8" for "AGA8", which titles say as well.
+std::string hyphenated(std::string name) {
+  const std::size_t digit = name.find_first_of("0123456789");
+  if (digit != std::string::npos && digit > 0 && name.find_first_not_of("0123456789", digit) == std::string::npos &&
+      name.find('-') == std::string::npos)
+    name.insert(digit, "-");
+  return name;
+}
+
 // Letters and digits alone, in lower case.
 std::string plain(std::string_view text) {
   std::string result;
@@ -25,11 +34,11 @@ std::string plain(std::string_view text) {
 
 std::string standard_of(const Function_CFunctionSpec& spec) {
   const std::string family = to_utf8(spec.subcategory), title = to_utf8(spec.display_name);
-  if (spec.group == &Function_CGroup::Of(GroupId::Extended)) return "General";
+  if (spec.group == &Function_CGroup::Of(GroupId::Extended)) return std::string(general_functions);
   if (family.starts_with("API")) return family;
   // A title begins with the standard and goes on with what the function calculates: "ISO-5167 Orifice", "GOST 30319.2".
   const std::size_t first = std::min(title.find(' '), title.size());
-  if (has_digit(title.substr(0, first)) || first == title.size()) return title.substr(0, first);
+  if (has_digit(title.substr(0, first)) || first == title.size()) return hyphenated(title.substr(0, first));
   const std::size_t second = std::min(title.find(' ', first + 1), title.size());
   if (!has_digit(title.substr(first, second - first))) return family;
   // Without the year: "GOST 30319.2-96".

@@ -9,6 +9,8 @@
 
 namespace norvane::cli {
 
+inline constexpr std::string_view general_functions = "General";
+
 // "AGA-8", "ISO-5167", "API 11.1 (2004)": what several functions share; "General" for those of no standard.
 std::string standard_of(const Function_CFunctionSpec& spec);
 

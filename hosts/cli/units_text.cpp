@@ -8,6 +8,7 @@
 #include "core/text.h"
 #include "hosts/cli/errors.h"
 #include "hosts/cli/names.h"
+#include "units/unit_oddities.h"
 
 namespace norvane::cli {
 namespace {
@@ -166,7 +167,7 @@ std::string quantity_of(std::uint32_t unit) {
 
 std::string unit_note(const Unit_CEntry& unit) {
   const std::string key = lower(to_utf8(unit.key));
-  std::string note;
+  std::string note = to_utf8(unit_warning(unit.code));
   for (const auto& [name, text] : {std::pair<std::string_view, std::string_view>{"nm3", "normal"},
                                    {"sm3", "standard"},
                                    {"scf", "standard"},
@@ -178,19 +179,40 @@ std::string unit_note(const Unit_CEntry& unit) {
   return note;
 }
 
-std::uint32_t unit_like(std::string_view text, std::uint32_t wanted, bool gauge_and_absolute,
-                        const std::string& what) {
+std::uint32_t known_unit(std::string_view text, std::uint32_t wanted, bool gauge_and_absolute) {
+  // The cells of a column name the same unit over and over.
+  struct Found {
+    std::string text;
+    std::uint32_t wanted = 0, code = 0;
+    bool gauge_and_absolute = false;
+  };
+  constexpr std::size_t most_found = 8;
+  static thread_local std::vector<Found> memory;
+  for (const Found& found : memory)
+    if (found.wanted == wanted && found.gauge_and_absolute == gauge_and_absolute && found.text == text)
+      return found.code;
+  std::uint32_t code = 0;
   const std::vector<const Unit_CEntry*> named = units_named(text);
   for (const Unit_CEntry* entry : named)
-    if (type_number(entry->code) == type_number(wanted)) return entry->code;
+    if (code == 0 && type_number(entry->code) == type_number(wanted)) code = entry->code;
+  for (const Unit_CEntry* entry : named)
+    if (code == 0 && gauge_and_absolute && is_gauge_and_absolute(entry->code, wanted)) code = entry->code;
+  if (code != 0) {
+    if (memory.size() == most_found) memory.erase(memory.begin());
+    memory.push_back({std::string(text), wanted, code, gauge_and_absolute});
+  }
+  return code;
+}
+
+std::uint32_t unit_like(std::string_view text, std::uint32_t wanted, bool gauge_and_absolute,
+                        const std::string& what) {
+  if (const std::uint32_t code = known_unit(text, wanted, gauge_and_absolute)) return code;
+  const std::vector<const Unit_CEntry*> named = units_named(text);
   if (named.empty()) throw UsageError(what + ": " + in_quotes(text) + " is no unit" + unit_suggestion(text));
   const std::uint32_t other = named.front()->code;
-  bool gauge_for_absolute = false;
-  for (const Unit_CEntry* entry : named)
-    if (is_gauge_and_absolute(entry->code, wanted)) {
-      if (gauge_and_absolute) return entry->code;
-      gauge_for_absolute = true;
-    }
+  const bool gauge_for_absolute = std::any_of(named.begin(), named.end(), [&](const Unit_CEntry* entry) {
+    return is_gauge_and_absolute(entry->code, wanted);
+  });
   std::string hint;
   const bool absolute = type_number(wanted) == type_number(quantity::absolutepressure);
   const bool gauge = type_number(wanted) == type_number(quantity::gaugepressure);

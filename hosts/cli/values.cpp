@@ -7,18 +7,14 @@
 #include "core/text.h"
 #include "hosts/cli/composition_names.h"
 #include "hosts/cli/csv.h"
-#include "hosts/cli/encoding.h"
 #include "hosts/cli/errors.h"
+#include "hosts/cli/input_file.h"
 #include "hosts/cli/json_call.h"
 #include "hosts/cli/names.h"
-#include "hosts/cli/platform.h"
 #include "hosts/cli/units_text.h"
 
 namespace norvane::cli {
 namespace {
-
-// A range of a million cells takes some twenty million characters.
-constexpr std::size_t longest_range_file = std::size_t{256} << 20;
 
 bool read_point_number(std::string_view text, double& value) {
   const char* const end = text.data() + text.size();
@@ -99,36 +95,13 @@ FUNCTION_ARG read_fraction(const Session& session, const Target& target, std::st
   return FUNCTION_ARG::Number(quantity.value * scale);
 }
 
-std::string read_file(const std::string& path) {
-  const bool standard = path == "-";
-  const int descriptor = standard ? standard_input : open_input(path);
-  std::string text;
-  try {
-    constexpr std::size_t step = 1 << 16;
-    for (;;) {
-      const std::size_t size = text.size();
-      text.resize(size + step);
-      const std::size_t count = read_some(descriptor, text.data() + size, step, path);
-      text.resize(size + count);
-      if (count == 0) break;
-      if (text.size() > longest_range_file) throw UsageError(path + ": the file is too large for a range");
-    }
-  } catch (...) {
-    if (!standard) close_file(descriptor);
-    throw;
-  }
-  if (!standard) close_file(descriptor);
-  return text;
-}
-
 // A table of cells as its rows.
 using Rows = std::vector<std::vector<std::string>>;
 
 Rows rows_of_file(const std::string& file) {
-  const std::string path = file == "-" ? "standard input" : file;
-  const std::string content = as_utf8(read_file(file));
+  const std::string path = shown_path(file);
+  const std::string content = read_text_file(file);
   std::string_view text = content;
-  if (text.starts_with(byte_order_mark)) text.remove_prefix(byte_order_mark.size());
   while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.remove_suffix(1);
   const char delimiter = take_delimiter(text);
   RecordEnds ends(delimiter);
@@ -315,8 +288,10 @@ FUNCTION_ARG read_cell(Session& session, const Target& target, std::string_view 
     throw UsageError(name_of(session, target) + ": " + in_quotes(text) +
                      " is not a number, and the input has no unit");
   }
-  const std::uint32_t from = unit_like(quantity.unit, type, reading.atmosphere.has_value(),
-                                       name_of(session, target) + " in " + symbol_of(type));
+  std::uint32_t from = known_unit(quantity.unit, type, reading.atmosphere.has_value());
+  if (from == 0)
+    from = unit_like(quantity.unit, type, reading.atmosphere.has_value(),
+                     name_of(session, target) + " in " + symbol_of(type));
   return FUNCTION_ARG::Number(converted(session, target, quantity.value, from, reading));
 }
 
