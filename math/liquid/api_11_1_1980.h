@@ -26,8 +26,8 @@ class Expansion {
   Expansion(Base base, liquid::Product product, double t) noexcept;
 
   Base base() const noexcept { return base_; }
-  liquid::Range range(
-      double rho) const noexcept;  // where base density and temperature lie against the tables' extent
+  // Where base density and temperature lie against the tables' extent.
+  liquid::Range range(double rho) const noexcept;
 
   std::span<const double> edges() const noexcept { return edges_; }
   std::size_t band_of(double rho) const noexcept;
