@@ -1,7 +1,9 @@
-// AGA-10: the whole call through the context, and the bare algorithm, always with a new composition.
+// AGA-10: the whole call through the context, and the bare algorithm beside a plain transcription of the equations.
 #include <array>
+#include <span>
 
 #include "bench/bench_call.h"
+#include "bench/plain_detail.h"
 #include "math/gas/aga10.h"
 
 namespace norvane::bench {
@@ -39,29 +41,97 @@ BENCHMARK_CAPTURE(aga10, call_speed_of_sound, u"AGA10_M", 0);
 BENCHMARK_CAPTURE(aga10, call_extended_mode_1, u"AGA10ex_M", 1);
 BENCHMARK_CAPTURE(aga10, call_extended_mode_2, u"AGA10ex_M", 2);
 
-AGA8::Composition fractions_of_gas() {
+AGA8::Composition fractions(const AGA8::CompositionInput& input) {
   AGA8::Composition x{};
-  (void)composition::prepare(gas(0.0), composition::add_to_i_pentane, AGA8::composition_error, x);
+  (void)composition::prepare(input, composition::add_to_i_pentane, AGA8::composition_error, x);
   return x;
 }
+AGA8::CompositionInput gas_of_11(double shift) {  // Amarillo gas
+  return {0.906724 - shift, 0.031284 + shift, 0.004676, 0.045279, 0.00828, 0, 0, 0, 0, 0, 0.001037,
+          0.001563,         0.000321,         0.000443, 0.000393, 0.0,     0, 0, 0, 0, 0, 0};
+}
 
+// All properties but the critical flow factors, which ours answer with the base state besides.
+enum class Change { nothing, state, composition };
+
+constexpr auto without_critical_flow = [] {
+  std::array<AGA10::Property, 24> list{};
+  std::size_t n = 0;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(AGA10::Property::count); ++i) {
+    const auto property = static_cast<AGA10::Property>(i);
+    if (property != AGA10::Property::critical_flow_factor && property != AGA10::Property::ideal_gas_flow_factor &&
+        property != AGA10::Property::isentropic_flow_factor)
+      list[n++] = property;
+  }
+  return list;
+}();
+
+void aga10_all(benchmark::State& state, AGA8::CompositionInput (*of)(double), Change change,
+               std::span<const AGA10::Property> wanted) {
+  const AGA8::Composition gases[2] = {fractions(of(0.0)), fractions(of(1e-4))};
+  AGA10::CDetail detail;
+  AGA10::Properties values{};
+  unsigned i = 0;
+  for (auto _ : state) {
+    ++i;
+    const double T = change == Change::nothing ? 300.0 : 278.15 + i % 41;
+    const double p = change == Change::nothing ? 6.0 : 4.0 + 0.1 * (i % 37);
+    const std::size_t which = change == Change::composition ? i % 2 : 0;
+    if (detail.calculate(gases[which], {p, T}, AGA10::base_conditions, wanted, values) != AGA10::success)
+      state.SkipWithError("no answer");
+    benchmark::DoNotOptimize(values);
+  }
+}
+constexpr AGA10::Property speed[] = {AGA10::Property::speed_of_sound};
+constexpr AGA10::Property critical_flow[] = {AGA10::Property::critical_flow_factor};
+BENCHMARK_CAPTURE(aga10_all, same_state_21_components, gas, Change::nothing, without_critical_flow);
+BENCHMARK_CAPTURE(aga10_all, new_state_11_components, gas_of_11, Change::state, without_critical_flow);
+BENCHMARK_CAPTURE(aga10_all, new_state_21_components, gas, Change::state, without_critical_flow);
+BENCHMARK_CAPTURE(aga10_all, new_gas_11_components, gas_of_11, Change::composition, without_critical_flow);
+BENCHMARK_CAPTURE(aga10_all, new_gas_21_components, gas, Change::composition, without_critical_flow);
+BENCHMARK_CAPTURE(aga10_all, speed_of_sound_new_state_21_components, gas, Change::state, speed);
+BENCHMARK_CAPTURE(aga10_all, critical_flow_new_state_21_components, gas, Change::state, critical_flow);
+
+void aga10_plain(benchmark::State& state, AGA8::CompositionInput (*of)(double), Change change) {
+  const AGA8::Composition gases[2] = {fractions(of(0.0)), fractions(of(1e-4))};
+  PlainDetail detail;
+  detail.set_composition(gases[0]);
+  unsigned i = 0;
+  for (auto _ : state) {
+    ++i;
+    const double T = 278.15 + i % 41;
+    const double p = 4.0 + 0.1 * (i % 37);
+    if (change == Change::composition) detail.set_composition(gases[i % 2]);
+    detail.set_temperature(T);
+    benchmark::DoNotOptimize(detail.properties(detail.density(p)));
+  }
+}
+BENCHMARK_CAPTURE(aga10_plain, new_state_11_components, gas_of_11, Change::state);
+BENCHMARK_CAPTURE(aga10_plain, new_state_21_components, gas, Change::state);
+BENCHMARK_CAPTURE(aga10_plain, new_gas_11_components, gas_of_11, Change::composition);
+BENCHMARK_CAPTURE(aga10_plain, new_gas_21_components, gas, Change::composition);
+
+// The parts.
 void aga10_residual(benchmark::State& state) {
   AGA8::Mixture mixture;
-  mixture.set(fractions_of_gas());
+  mixture.set(fractions(gas(0.0)));
+  AGA8::ResidualIsotherm isotherm;
   double rho = 0.0;
   for (auto _ : state) {
     rho = rho < 10.0 ? rho + 0.1 : 0.1;
-    benchmark::DoNotOptimize(AGA8::residual(mixture, 300.0, rho));
+    isotherm.set(mixture, 300.0 + rho);
+    benchmark::DoNotOptimize(isotherm.at(rho));
   }
 }
 BENCHMARK(aga10_residual);
 
 void aga10_ideal_mixture(benchmark::State& state) {
-  const AGA8::Composition x = fractions_of_gas();
+  AGA10::IdealMixture mixture;
+  mixture.set(fractions(gas(0.0)));
   double T = 250.0;
   for (auto _ : state) {
     T = T < 400.0 ? T + 1.0 : 250.0;
-    benchmark::DoNotOptimize(AGA10::ideal_mixture(x, T, AGA10::Entropy::include));
+    benchmark::DoNotOptimize(mixture.at(T, AGA10::Entropy::include));
   }
 }
 BENCHMARK(aga10_ideal_mixture);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "core/elementary.h"
 #include "math/gas/aga10_table.h"
@@ -23,49 +24,123 @@ constexpr double ln2 = 0.69314718055994531;
 constexpr double air_molar_mass = 28.9625;
 constexpr double air_virial(double T) { return -0.12527 + 5.91e-4 * T - 6.62e-7 * T * T; }
 
+constexpr std::size_t group = 4;  // of vibrations that are calculated together
+
 }  // namespace
 
-helmholtz::IdealGas ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy) noexcept {
-  helmholtz::IdealGas sum;
-  const double inverse_T = 1.0 / T;
-  const double log_T = entropy == Entropy::include ? elementary::log(T) : 0.0;
+// ---- The ideal gas -----------------------------------------------------------------------------------------------
+
+void IdealMixture::set(const AGA8::Composition& x) noexcept {
+  gas_count_ = vibration_count_ = 0;
   for (std::size_t i = 0; i < AGA8::component_count; ++i) {
     if (!(x[i] > 0.0)) continue;
     const IdealGas& gas = ideal_gases[i];
+    // Two terms in sinh (C, D and G, H) and two in cosh (E, F and I, J). F is negative for two gases; cosh and the
+    // product with tanh are even. A cosh term enters the enthalpy and entropy with the opposite sign.
+    const double weight[4] = {gas.C, gas.E, gas.G, gas.I};
+    const double theta[4] = {gas.D, std::fabs(gas.F), gas.H, gas.J};
+    const std::size_t first = vibration_count_;
+    for (std::size_t m = 0; m < 4; ++m) {
+      if (weight[m] == 0.0) continue;
+      weight_[vibration_count_] = weight[m];
+      theta_[vibration_count_] = theta[m];
+      sign_[vibration_count_] = m % 2 == 0 ? 1.0 : -1.0;
+      ++vibration_count_;
+    }
+    gases_[gas_count_++] = {i, x[i], vibration_count_ - first};
+  }
+  // Filled up to whole groups, whose extra places are calculated and not used.
+  for (std::size_t k = vibration_count_; k % group != 0; ++k) {
+    weight_[k] = 0.0;
+    theta_[k] = sign_[k] = 1.0;
+  }
+}
+
+helmholtz::IdealGas IdealMixture::at(double T, Entropy entropy) const noexcept {
+  const double inverse_T = 1.0 / T;
+  const bool with_entropy = entropy == Entropy::include;
+  const double log_T = with_entropy ? elementary::log(T) : 0.0;
+  // What each vibration adds.
+  double cp_part[most_vibrations], h_part[most_vibrations], s_part[most_vibrations];
+  for (std::size_t first = 0; first < vibration_count_; first += group) {
+    std::array<double, group> y, argument;
+    for (std::size_t m = 0; m < group; ++m) {
+      y[m] = theta_[first + m] * inverse_T;
+      argument[m] = -2.0 * y[m];
+    }
+    // With e = exp(-2y): coth y = (1+e)/(1-e), 1/sinh^2 y = 4e/(1-e)^2, ln sinh y = y - ln 2 + ln(1-e); for
+    // cosh the signs before e change.
+    const std::array<double, group> e = elementary::exp4(argument);
+    for (std::size_t m = 0; m < group; ++m) {
+      const std::size_t k = first + m;
+      const double inverse = 1.0 / (1.0 - sign_[k] * e[m]);
+      const double cotangent = (1.0 + sign_[k] * e[m]) * inverse;
+      cp_part[k] = weight_[k] * y[m] * y[m] * 4.0 * e[m] * inverse * inverse;
+      h_part[k] = sign_[k] * weight_[k] * T * y[m] * cotangent;
+      s_part[k] = y[m] * cotangent;
+    }
+    if (!with_entropy) continue;
+    for (std::size_t m = 0; m < group; ++m) {
+      const std::size_t k = first + m;
+      s_part[k] = sign_[k] * weight_[k] * (s_part[k] - (y[m] - ln2 + elementary::log(1.0 - sign_[k] * e[m])));
+    }
+  }
+  helmholtz::IdealGas sum;
+  std::size_t k = 0;
+  for (std::size_t g = 0; g < gas_count_; ++g) {
+    const IdealGas& gas = ideal_gases[gases_[g].component];
     double cp = gas.B;
     double h = gas.A + gas.B * T;
     double s = gas.K + gas.B * log_T;
-    // Vibration: two terms in sinh (C, D and G, H) and two in cosh (E, F and I, J). F is negative for two
-    // gases; cosh and the product with tanh are even.
-    const double weight[4] = {gas.C, gas.E, gas.G, gas.I};
-    const double y[4] = {gas.D * inverse_T, std::fabs(gas.F) * inverse_T, gas.H * inverse_T, gas.J * inverse_T};
-    const auto e = elementary::exp4({-2.0 * y[0], -2.0 * y[1], -2.0 * y[2], -2.0 * y[3]});
-    for (std::size_t m = 0; m < 4; ++m) {
-      if (weight[m] == 0.0) continue;
-      // With e = exp(-2y): coth y = (1+e)/(1-e), 1/sinh^2 y = 4e/(1-e)^2, ln sinh y = y - ln 2 + ln(1-e); for
-      // cosh the signs before e change. A cosh term enters the enthalpy and entropy with the opposite sign.
-      const double sign = m % 2 == 0 ? 1.0 : -1.0;
-      const double inverse = 1.0 / (1.0 - sign * e[m]);
-      const double cotangent = (1.0 + sign * e[m]) * inverse;
-      cp += weight[m] * y[m] * y[m] * 4.0 * e[m] * inverse * inverse;
-      h += sign * weight[m] * T * y[m] * cotangent;
-      if (entropy == Entropy::include)
-        s += sign * weight[m] * (y[m] * cotangent - (y[m] - ln2 + elementary::log(1.0 - sign * e[m])));
+    for (const std::size_t end = k + gases_[g].vibrations; k < end; ++k) {
+      cp += cp_part[k];
+      h += h_part[k];
+      if (with_entropy) s += s_part[k];
     }
-    sum.cp += x[i] * cp;
-    sum.h += x[i] * h;
-    sum.s += x[i] * s;
+    sum.cp += gases_[g].fraction * cp;
+    sum.h += gases_[g].fraction * h;
+    sum.s += gases_[g].fraction * s;
   }
-  return {sum.cp * calorie, sum.h * calorie, entropy == Entropy::include ? sum.s * calorie : 0.0};
+  return {sum.cp * calorie, sum.h * calorie, with_entropy ? sum.s * calorie : 0.0};
+}
+
+helmholtz::IdealGas ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy) noexcept {
+  IdealMixture mixture;
+  mixture.set(x);
+  return mixture.at(T, entropy);
+}
+
+// ---- Mixture, isotherm and state ---------------------------------------------------------------------------------
+
+void Mixture::set(const AGA8::Composition& x) noexcept {
+  detail.set(x);
+  ideal.set(x);
+  mixing = helmholtz::mixing(x);
+}
+
+void Isotherm::set(const Mixture& mixture, double T, Entropy with) noexcept {
+  residual.set(mixture.detail, T);
+  ideal = mixture.ideal.at(T, with);
+  mixing = mixture.mixing;
+  entropy = with;
+}
+
+MolarState Isotherm::at(double rho) const noexcept {
+  const helmholtz::Residual r = residual.at(rho);
+  MolarState now = helmholtz::state(R, residual.T, rho, r, ideal);
+  if (entropy == Entropy::include)
+    now.s = helmholtz::entropy(R, residual.T, rho, r, now.ideal.s, mixing, p_reference);
+  return now;
 }
 
 MolarState state(const AGA8::Mixture& mixture, const AGA8::Composition& x, double T, double rho,
                  Entropy entropy) noexcept {
-  const helmholtz::Residual r = AGA8::residual(mixture, T, rho);
-  MolarState now = helmholtz::state(R, T, rho, r, ideal_mixture(x, T, entropy));
-  if (entropy == Entropy::include)
-    now.s = helmholtz::entropy(R, T, rho, r, now.ideal.s, helmholtz::mixing(x), p_reference);
-  return now;
+  Isotherm isotherm;
+  isotherm.residual.set(mixture, T);
+  isotherm.ideal = ideal_mixture(x, T, entropy);
+  isotherm.mixing = entropy == Entropy::include ? helmholtz::mixing(x) : 0.0;
+  isotherm.entropy = entropy;
+  return isotherm.at(rho);
 }
 
 namespace {
@@ -84,8 +159,7 @@ double perfect_gas_flow_factor(double k) noexcept {
 
 // The throat of a critical nozzle: the state with the entropy of the stagnation state whose kinetic energy,
 // half the square of the speed of sound, makes up for its lower enthalpy. Newton's method in temperature and density.
-bool throat(const AGA8::Mixture& mixture, const AGA8::Composition& x, const MolarState& stagnation, double kappa,
-            MolarState& found) noexcept {
+bool throat(const Mixture& mixture, const MolarState& stagnation, double kappa, MolarState& found) noexcept {
   constexpr int max_steps = 60;
   constexpr double largest_T_step = 0.1, largest_rho_step = 0.3;  // relative
   constexpr double tolerance = 1e-9;                              // of the last step; the error left is its square
@@ -97,11 +171,14 @@ bool throat(const AGA8::Mixture& mixture, const AGA8::Composition& x, const Mola
   double T = stagnation.T * elementary::pow(expansion, R * stagnation.dp_dT / stagnation.cv);
   double rho = stagnation.rho * expansion;
   if (!(T > 0.0 && rho > 0.0 && std::isfinite(T) && std::isfinite(rho))) return false;
+  Isotherm here, there;
   double stable_T = stagnation.T, stable_rho = stagnation.rho;  // the last state with a speed of sound
   for (int i = 0; i < max_steps; ++i) {
-    found = state(mixture, x, T, rho, Entropy::include);
-    const MolarState warmer = state(mixture, x, T * (1.0 + difference), rho, Entropy::leave_out);
-    const MolarState denser = state(mixture, x, T, rho * (1.0 + difference), Entropy::leave_out);
+    here.set(mixture, T, Entropy::include);
+    there.set(mixture, T * (1.0 + difference), Entropy::leave_out);
+    found = here.at(rho);
+    const MolarState warmer = there.at(rho);
+    const MolarState denser = here.at(rho * (1.0 + difference));
     if (!stable(found) || !stable(warmer) || !stable(denser)) {  // a step too far: halfway back
       T = 0.5 * (T + stable_T);
       rho = 0.5 * (rho + stable_rho);
@@ -123,7 +200,8 @@ bool throat(const AGA8::Mixture& mixture, const AGA8::Composition& x, const Mola
     T *= 1.0 + std::fmax(-largest_T_step, std::fmin(largest_T_step, T_step));
     rho *= 1.0 + std::fmax(-largest_rho_step, std::fmin(largest_rho_step, rho_step));
     if (std::fabs(T_step) < tolerance && std::fabs(rho_step) < tolerance) {
-      found = state(mixture, x, T, rho, Entropy::include);
+      here.set(mixture, T, Entropy::leave_out);  // no more than a rounding from the last one, which had an entropy
+      found = here.at(rho);
       return stable(found);
     }
   }
@@ -152,45 +230,84 @@ constexpr unsigned needs(Property property) noexcept {
   }
 }
 
-struct BaseOrFlow {
-  double rho = 0.0;  // [kmol/m3]
-  double z = 0.0;
-};
-
-bool density(const AGA8::Mixture& mixture, const Conditions& at, BaseOrFlow& result) noexcept {
-  AGA8::Isotherm isotherm;
-  isotherm.set(mixture, at.T);
-  if (!isotherm.density(at.p, result.rho)) return false;
-  result.z = at.p / (result.rho * isotherm.RT);
-  return std::isfinite(result.z) && std::isfinite(result.rho);
+// Equal bits: a NaN equals itself, and 0 and -0 differ.
+template <class Value>
+bool same(const Value& a, const Value& b) noexcept {
+  return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
 }  // namespace
 
-Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base_state,
-                 std::span<const Property> requested, Properties& values) noexcept {
+// ---- The calculation with its memory -----------------------------------------------------------------------------
+
+bool CDetail::find(Density& density, const Conditions& at) noexcept {
+  if (density.known && same(density.at, at)) return density.found;
+  density.known = true;
+  density.at = at;
+  if (!has_detail_isotherm_ || !same(detail_isotherm_.T, at.T)) {
+    detail_isotherm_.set(mixture_.detail, at.T);
+    has_detail_isotherm_ = true;
+  }
+  density.found = detail_isotherm_.density(at.p, density.rho);
+  if (density.found) {
+    density.z = at.p / (density.rho * detail_isotherm_.RT);
+    density.found = std::isfinite(density.z) && std::isfinite(density.rho);
+  }
+  return density.found;
+}
+
+const MolarState& CDetail::flowing_state(Entropy entropy) noexcept {
+  const double T = flowing_.at.T;
+  if (!has_isotherm_ || !same(isotherm_.residual.T, T) || isotherm_.entropy < entropy) {
+    isotherm_.set(mixture_, T, entropy);
+    has_isotherm_ = true;
+    has_state_ = false;
+  }
+  if (!has_state_) {
+    state_ = isotherm_.at(flowing_.rho);
+    has_state_ = true;
+    has_throat_ = false;
+  }
+  return state_;
+}
+
+Result CDetail::calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base_state,
+                          std::span<const Property> requested, Properties& values) noexcept {
   unsigned need = 0;
   for (Property property : requested) need |= needs(property);
 
-  AGA8::Mixture mixture;
-  mixture.set(x);
-  const double M = mixture.molar_mass;
-  BaseOrFlow b, f;
-  if ((need & flow) != 0 && !density(mixture, flowing, f)) return flowing_density_failed;
-  if ((need & base) != 0 && !density(mixture, base_state, b)) return base_density_failed;
+  if (!has_composition_ || !same(x, x_)) {
+    x_ = x;
+    mixture_.set(x_);
+    has_composition_ = true;
+    has_detail_isotherm_ = has_isotherm_ = has_state_ = flowing_.known = base_.known = false;
+  }
+  const double M = mixture_.detail.molar_mass;
+  // The base state first, so that the isotherm of the flowing one stays; a failure of the flowing one counts more.
+  const bool has_base = (need & base) == 0 || find(base_, base_state);
+  if ((need & flow) != 0) {
+    if (!flowing_.known || !same(flowing_.at, flowing)) has_state_ = false;
+    if (!find(flowing_, flowing)) return flowing_density_failed;
+  }
+  if (!has_base) return base_density_failed;
+  const Density &b = base_, &f = flowing_;
   MolarState s{};
   double kappa = 0.0;
   if ((need & caloric) != 0) {
-    s = state(mixture, x, flowing.T, f.rho, (need & with_entropy) != 0 ? Entropy::include : Entropy::leave_out);
+    s = flowing_state((need & with_entropy) != 0 ? Entropy::include : Entropy::leave_out);
+    if ((need & with_entropy) == 0) s.s = 0.0;  // whatever was asked for before
     if (!stable(s)) return unstable;
     kappa = helmholtz::kappa(R, s);
   }
   double critical_flow = 0.0;
   if ((need & nozzle) != 0) {
-    MolarState at_throat;
-    if (!throat(mixture, x, s, kappa, at_throat)) return throat_not_found;
+    if (!has_throat_) {
+      throat_found_ = throat(mixture_, s, kappa, throat_);
+      has_throat_ = true;
+    }
+    if (!throat_found_) return throat_not_found;
     // rho w sqrt(R_s T0) / p0, with M under the roots of w and R_s cancelling that of the mass density
-    critical_flow = at_throat.rho * std::sqrt(at_throat.M_w2 * R * s.T) / (flowing.p * 1e3);
+    critical_flow = throat_.rho * std::sqrt(throat_.M_w2 * R * s.T) / (flowing.p * 1e3);
   }
 
   const double air_z = 1.0 + air_virial(base_state.T) * base_state.p / (AGA8::R * base_state.T);
@@ -231,6 +348,12 @@ Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Co
   return success;
 }
 
+Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base_state,
+                 std::span<const Property> requested, Properties& values) noexcept {
+  CDetail fresh;
+  return fresh.calculate(x, flowing, base_state, requested, values);
+}
+
 // ---- A gas as it is given ----------------------------------------------------------------------------------------
 
 namespace {
@@ -254,12 +377,12 @@ constexpr auto requested = [] {
   return list;
 }();
 
-Outcome answer_of(const Gas& gas, std::span<const Property> properties, Answer& answer) noexcept {
+Outcome answer_of(const Gas& gas, std::span<const Property> properties, Answer& answer, CDetail& memory) noexcept {
   AGA8::Composition x;
   const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, AGA8::composition_error, x);
   if (!prepared.good()) return prepared;
   answer.range = std::max(AGA8::composition_range_1994(x), AGA8::state_limits_1994(gas.temperature, gas.pressure));
-  switch (calculate(x, {gas.pressure, gas.temperature + 273.15}, base_conditions, properties, answer.values)) {
+  switch (memory.calculate(x, {gas.pressure, gas.temperature + 273.15}, base_conditions, properties, answer.values)) {
     case success: return {};
     case flowing_density_failed:
       return blame(gas.pressure, no_convergence, u"has no gas density at this temperature");
@@ -273,13 +396,14 @@ Outcome answer_of(const Gas& gas, std::span<const Property> properties, Answer& 
 
 }  // namespace
 
-Outcome speed_of_sound(const Gas& gas, Answer& answer) noexcept {
+Outcome speed_of_sound(const Gas& gas, Answer& answer, CDetail& memory) noexcept {
   constexpr Property wanted[] = {Property::speed_of_sound};
-  return answer_of(gas, wanted, answer);
+  return answer_of(gas, wanted, answer, memory);
 }
 
-Outcome all_properties(const Gas& gas, Answer& answer) noexcept {
-  return gas.critical_flow == 2 ? answer_of(gas, requested<true>, answer) : answer_of(gas, requested<false>, answer);
+Outcome all_properties(const Gas& gas, Answer& answer, CDetail& memory) noexcept {
+  return gas.critical_flow == 2 ? answer_of(gas, requested<true>, answer, memory)
+                                : answer_of(gas, requested<false>, answer, memory);
 }
 
 }  // namespace norvane::AGA10

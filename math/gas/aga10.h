@@ -58,18 +58,86 @@ enum Result : int {
   throat_not_found = 2          // the nozzle-throat iteration did not converge
 };
 
-// Fills the requested properties and leaves the others as they are.
-Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base,
-                 std::span<const Property> requested, Properties& values) noexcept;
-
-// Ideal-gas mixture at a temperature T [K]; its entropy is that at 101.325 kPa, without the entropy of mixing.
+// The ideal-gas mixture: what depends on the composition alone.
 enum class Entropy { leave_out, include };  // leaving it out saves the logarithms
+class IdealMixture {
+ public:
+  void set(const AGA8::Composition& x) noexcept;
+  // At a temperature T [K]; the entropy is that at 101.325 kPa, without the entropy of mixing.
+  helmholtz::IdealGas at(double T, Entropy entropy) const noexcept;
+
+ private:
+  // Vibrations of the gases that are present, one behind the other.
+  static constexpr std::size_t most_vibrations = 4 * AGA8::component_count;
+  struct Gas {
+    std::size_t component;
+    double fraction;
+    std::size_t vibrations;
+  };
+  std::array<Gas, AGA8::component_count> gases_;
+  std::size_t gas_count_ = 0, vibration_count_ = 0;
+  alignas(32) std::array<double, most_vibrations> weight_, theta_, sign_;
+};
 helmholtz::IdealGas ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy) noexcept;
 
 // The state of a mixture at a temperature T [K] and density rho [kmol/m3], per mole.
 using MolarState = helmholtz::State;
 MolarState state(const AGA8::Mixture& mixture, const AGA8::Composition& x, double T, double rho,
                  Entropy entropy) noexcept;
+
+// What depends on the composition alone.
+struct Mixture {
+  AGA8::Mixture detail;
+  IdealMixture ideal;
+  double mixing = 0.0;  // sum x ln x
+
+  void set(const AGA8::Composition& x) noexcept;
+};
+
+// What depends on composition and temperature: the ideal gas serves every density.
+struct Isotherm {
+  AGA8::ResidualIsotherm residual;
+  helmholtz::IdealGas ideal;
+  double mixing = 0.0;
+  Entropy entropy = Entropy::leave_out;
+
+  void set(const Mixture& mixture, double T, Entropy with) noexcept;
+  MolarState at(double rho) const noexcept;
+};
+
+// The calculation with its memory of the last composition, states and answers. Comparisons are exact, so that an answer
+// from memory equals a fresh one bit for bit. Not for use by several threads at once.
+class CDetail {
+ public:
+  // Fills the requested properties and leaves the others as they are.
+  Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base,
+                   std::span<const Property> requested, Properties& values) noexcept;
+
+ private:
+  // A density found, or that there is none, at the last conditions.
+  struct Density {
+    bool known = false, found = false;
+    Conditions at{};
+    double rho = 0.0;  // [kmol/m3]
+    double z = 0.0;
+  };
+  bool find(Density& density, const Conditions& at) noexcept;
+  // The state at the flowing conditions, with at least this.
+  const MolarState& flowing_state(Entropy entropy) noexcept;
+
+  bool has_composition_ = false, has_detail_isotherm_ = false, has_isotherm_ = false, has_state_ = false;
+  bool has_throat_ = false, throat_found_ = false;
+  AGA8::Composition x_{};
+  Mixture mixture_;
+  AGA8::Isotherm detail_isotherm_;
+  Isotherm isotherm_;
+  Density flowing_, base_;
+  MolarState state_{}, throat_{};
+};
+
+// Without memory.
+Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base,
+                 std::span<const Property> requested, Properties& values) noexcept;
 
 // ---- A gas as it is given ----------------------------------------------------------------------------------------
 
@@ -89,7 +157,7 @@ struct Answer {
 // Statuses: no_convergence without a density, calculation_error for a composition that is none, for a state without speed of
 // sound and for a nozzle without throat, AGA8::composition_error for a sum that is not 1. The call is refused when an
 // amount lies outside 0 to 1.
-Outcome speed_of_sound(const Gas& gas, Answer& answer) noexcept;
-Outcome all_properties(const Gas& gas, Answer& answer) noexcept;
+Outcome speed_of_sound(const Gas& gas, Answer& answer, CDetail& memory) noexcept;
+Outcome all_properties(const Gas& gas, Answer& answer, CDetail& memory) noexcept;
 
 }  // namespace norvane::AGA10

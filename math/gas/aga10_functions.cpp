@@ -96,7 +96,8 @@ constexpr record::Output outputs_extended[] = {
     u"detail equation of AGA Report No. 8 (1994) and its analytical derivatives.\n"
 #define NOTES_STATUS \
     u"Status 3 is answered when no density is found, at pressure 0 too; status 2 for a state without speed of sound " \
-    u"(inside a two-phase region) and when no nozzle throat is found.\n"
+    u"(inside a two-phase region) and when no nozzle throat is found.\n" \
+    u"What composition, temperature and pressure make is kept by name or calling place and made anew when they change.\n"
 constexpr std::u16string_view notes_plain = NOTES_STANDARD NOTES_STATUS;
 constexpr std::u16string_view notes_extended =
     NOTES_STANDARD

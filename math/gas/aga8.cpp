@@ -347,41 +347,46 @@ bool Isotherm::density(double p, double& rho) const noexcept {
          root::brent([this, p](double x) { return pressure(x) - p; }, low, high, {.f = tolerance * p}, rho);
 }
 
-helmholtz::Residual residual(const Mixture& mixture, double T, double rho) noexcept {
+void ResidualIsotherm::set(const Mixture& mixture, double temperature) noexcept {
+  T = temperature;
+  K3 = mixture.K3;
   const Powers t = powers(1.0 / T, T);
-  // Sums of C, u C and u (u+1) C: the value and its first and second temperature derivatives.
-  double B = 0.0, uB = 0.0, uuB = 0.0;
+  // Sums in registers of their own.
+  Sums<double> virial, first;
   for (std::size_t n = 0; n < virial_term_count; ++n) {
     const double u = terms[n].u;
     const double value = mixture.beta[n] * t[position[n]];
-    B += value;
-    uB += u * value;
-    uuB += u * (u + 1.0) * value;
+    virial.value += value;
+    virial.u += u * value;
+    virial.uu += u * (u + 1.0) * value;
   }
-  std::array<double, slot_count> c{}, uc{}, uuc{};
-  double linear = 0.0, u_linear = 0.0, uu_linear = 0.0;
+  Sums<std::array<double, slot_count>> sum;
   for_each_density_term(
       [&](auto n, auto slot, auto power) {
         constexpr double u = terms[first_density_term + n].u;
         const double value = mixture.gamma[n] * t[power];
-        c[slot] += value;
-        uc[slot] += u * value;
-        uuc[slot] += u * (u + 1.0) * value;
+        sum.value[slot] += value;
+        sum.u[slot] += u * value;
+        sum.uu[slot] += u * (u + 1.0) * value;
         if constexpr (first_density_term + n < virial_term_count) {
-          linear += value;
-          u_linear += u * value;
-          uu_linear += u * (u + 1.0) * value;
+          first.value += value;
+          first.u += u * value;
+          first.uu += u * (u + 1.0) * value;
         }
       },
       std::make_index_sequence<density_term_count>{});
-  std::array<double, slot_count> bc, bbc, buc;
+  B = virial;
+  linear = first;
+  C = sum;
   for (std::size_t s = 0; s < slot_count; ++s) {
-    bc[s] = slots[s].b * c[s];
-    bbc[s] = slots[s].b * bc[s];
-    buc[s] = slots[s].b * uc[s];
+    bC[s] = slots[s].b * sum.value[s];
+    bbC[s] = slots[s].b * bC[s];
+    buC[s] = slots[s].b * sum.u[s];
   }
+}
 
-  const double r = mixture.K3 * rho;
+helmholtz::Residual ResidualIsotherm::at(double rho) const noexcept {
+  const double r = K3 * rho;
   const double r2 = r * r, r3 = r2 * r, r4 = r2 * r2;
   const auto e = elementary::exp4({-r, -r2, -r3, -r4});
   helmholtz::Residual sum{};
@@ -396,8 +401,8 @@ helmholtz::Residual residual(const Mixture& mixture, double T, double rho) noexc
     sum.tt += exponential * uuv;
     sum.dt += exponential * (buv - q * uv);
   };
-  const Groups v = groups(c, r), bv = groups(bc, r), bbv = groups(bbc, r);
-  const Groups uv = groups(uc, r), buv = groups(buc, r), uuv = groups(uuc, r);
+  const Groups v = groups(C.value, r), bv = groups(bC, r), bbv = groups(bbC, r);
+  const Groups uv = groups(C.u, r), buv = groups(buC, r), uuv = groups(C.uu, r);
   add(0.0, 0.0, 1.0, v.k0, bv.k0, bbv.k0, uv.k0, buv.k0, uuv.k0);
   add(1.0, r, e[0], v.k1, bv.k1, bbv.k1, uv.k1, buv.k1, uuv.k1);
   add(2.0, 2.0 * r2, e[1], v.k2, bv.k2, bbv.k2, uv.k2, buv.k2, uuv.k2);
@@ -405,15 +410,21 @@ helmholtz::Residual residual(const Mixture& mixture, double T, double rho) noexc
   add(4.0, 4.0 * r4, e[3], v.k4, bv.k4, bbv.k4, uv.k4, buv.k4, uuv.k4);
 
   // The terms linear in density.
-  const double first = rho * B - r * linear;
-  const double u_first = rho * uB - r * u_linear;
+  const double first = rho * B.value - r * linear.value;
+  const double u_first = rho * B.u - r * linear.u;
   sum.ar += first;
   sum.d += first;
   sum.t += u_first;
-  sum.tt += rho * uuB - r * uu_linear;
+  sum.tt += rho * B.uu - r * linear.uu;
   sum.dt += u_first;
   sum.tt -= 2.0 * sum.t;  // T^2 d2/dT2 = tau^2 d2/dtau2 + 2 tau d/dtau
   return sum;
+}
+
+helmholtz::Residual residual(const Mixture& mixture, double T, double rho) noexcept {
+  ResidualIsotherm isotherm;
+  isotherm.set(mixture, T);
+  return isotherm.at(rho);
 }
 
 // ---- The calculation with its memory -----------------------------------------------------------------------------

@@ -74,7 +74,25 @@ struct Isotherm {
   bool density(double p, double& rho) const noexcept;
 };
 
-// Residual Helmholtz energy and its derivatives at a temperature [K] and molar density [kmol/m3].
+// The same for the residual Helmholtz energy and its derivatives.
+struct ResidualIsotherm {
+  // A sum of C*_n or B, of u times that, and of u (u+1) times that: the value and what its derivatives to T need.
+  template <class Value>
+  struct Sums {
+    Value value{}, u{}, uu{};
+  };
+  double T = 0.0;                             // [K]
+  double K3 = 0.0;                            // [m3/kmol]
+  Sums<double> B, linear;                     // as in the isotherm
+  Sums<std::array<double, 24>> C;             // sums of the terms with the same (k, b)
+  std::array<double, 24> bC{}, bbC{}, buC{};  // b, b^2 and b u times that
+
+  void set(const Mixture& mixture, double temperature) noexcept;
+  // At a molar density rho [kmol/m3].
+  helmholtz::Residual at(double rho) const noexcept;
+};
+
+// Both steps at once.
 helmholtz::Residual residual(const Mixture& mixture, double T, double rho) noexcept;
 
 struct State {

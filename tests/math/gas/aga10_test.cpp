@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <random>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -179,6 +182,34 @@ TEST(AGA10, CriticalFlowFactorIsTheGreatestFlux) {
   for (Property factor :
        {Property::critical_flow_factor, Property::ideal_gas_flow_factor, Property::isentropic_flow_factor})
     EXPECT_NEAR(property(argon_gas, 1e-6, 300.0, factor), perfect, 2e-6);
+}
+
+// An answer from memory has the bits of a fresh one, whatever was kept: each of composition, temperature, pressure, base
+// state and the properties asked for changes or stays by chance.
+TEST(AGA10, MemoryAnswersWhatAFreshCalculationDoes) {
+  constexpr Property of_critical_flow[] = {Property::critical_flow_factor, Property::entropy, Property::base_z};
+  constexpr Property plain[] = {Property::speed_of_sound, Property::ideal_molar_enthalpy,
+                                Property::real_relative_density};
+  constexpr Property of_base[] = {Property::base_density}, of_density[] = {Property::flowing_z};
+  const std::span<const Property> wanted[] = {of_critical_flow, plain, of_base, of_density};
+  constexpr Conditions flowing[] = {{4.0, 280.0}, {4.0, 310.0}, {9.0, 310.0}, {20.0, 160.0}, {9.0, 280.0}};
+  constexpr Conditions bases[] = {base_conditions, {0.101325, 288.15}, {0.101325, 310.0}};
+  CDetail memory;
+  std::minstd_rand random(10);
+  std::size_t gas = 0, state = 0, base = 0, list = 0;
+  const auto draw = [&random](std::size_t& index, std::size_t size) {
+    if (random() % 3 == 0) index = random() % size;
+  };
+  for (int i = 0; i < 400; ++i) {
+    draw(gas, std::size(gases));
+    draw(state, std::size(flowing));
+    draw(base, std::size(bases));
+    draw(list, std::size(wanted));
+    Properties kept{}, fresh{};
+    ASSERT_EQ(memory.calculate(*gases[gas], flowing[state], bases[base], wanted[list], kept),
+              calculate(*gases[gas], flowing[state], bases[base], wanted[list], fresh));
+    ASSERT_EQ(std::memcmp(&kept, &fresh, sizeof kept), 0) << gas << state << base << list;
+  }
 }
 
 // ---- The functions -----------------------------------------------------------------------------------------------
