@@ -137,10 +137,13 @@ struct Equilibrium {
   Phase vapour;                  // the lighter phase, or the only one
   Phase liquid;                  // the denser of two
   bool third = false;            // another phase would form beside these two
-  bool untested = false;         // the equation has no density for some phase that might form, as for ice-cold water
+  bool untested = false;         // the equation has no density for some phase that might form
+  bool without_water = false;    // the phases of the rest: the equation has no liquid water here
 };
 
-enum class FlashResult { found, no_density, not_converged };
+// Where the equation has no liquid water, a little of it in the feed is left out; with more there is no answer.
+enum class FlashResult { found, no_density, not_converged, no_liquid_water };
+inline constexpr double most_water_left_out = 0.01;
 
 // T [K], p [MPa]. Components below 1e-14 take no part in the equilibrium.
 FlashResult flash(Edition edition, const Composition& x, double T, double p, Equilibrium& answer) noexcept;

@@ -117,6 +117,8 @@ class Flash {
       sum += z[i];
     }
     for (std::size_t a = 0; a < count_; ++a) {
+      if (index_[a] == water) water_ = a;
+      if (index_[a] >= i_pentane && index_[a] <= n_decane) heavy_[heavy_count_++] = a;
       z_[a] /= sum;
       ln_z_[a] = log(z_[a]);
     }
@@ -151,8 +153,11 @@ class Flash {
   // reference or to the other phase finds nothing.
   bool test(const List& d, const Trial& reference, const Trial* other, Find& found) noexcept;
   Find trial(List ln_W, const List& d, const Trial& reference, const Trial* other) noexcept;
-  List start(std::size_t which) const noexcept;
-  std::size_t start_count() const noexcept { return 4 + count_; }
+  List start(std::size_t which, const Trial& reference, const Trial* other) const noexcept;
+  std::size_t start_count(const Trial* other) const noexcept {
+    return 3 + (other == nullptr ? 1 : 0) + count_ +
+           (water_ < count_ ? heavy_count_ * (other == nullptr ? 3 : 4) : 0);
+  }
   // Greatest difference of the logarithms of two phases' fractions.
   double distance(const Trial& one, const Trial& two) const noexcept {
     double greatest = 0.0;
@@ -176,6 +181,9 @@ class Flash {
   std::size_t count_ = 0;
   std::array<std::size_t, component_count> index_{};
   List z_{}, ln_z_{};
+  std::size_t water_ = component_count;               // its place, when it takes part
+  std::array<std::size_t, component_count> heavy_{};  // places of pentanes and above
+  std::size_t heavy_count_ = 0;
   bool untested_ = false;  // in the last test a start had no density
   PhaseMixture mixture_;
   Isotherm isotherm_;
@@ -228,21 +236,42 @@ bool Flash::evaluate(Trial& trial, std::array<List, component_count>* slope) noe
 
 // ---- Stability ---------------------------------------------------------------------------------------------------
 
-// Starts: vapour and liquid after Wilson, the same nearer to the feed, then each component nearly pure.
-List Flash::start(std::size_t which) const noexcept {
+// Starts: vapour and liquid after Wilson, for a feed also nearer to it; each component nearly pure; the middle of two
+// phases, where a third lies near a critical end point. Of water with heavy hydrocarbons the equation has liquids of all proportions, which lie between these: each of
+// them in equal parts with water, as a tenth of it, and in equal parts with the phases known.
+List Flash::start(std::size_t which, const Trial& reference, const Trial* other) const noexcept {
   constexpr double share[4] = {-1.0, 1.0, -1.0 / 3.0, 1.0 / 3.0};
-  constexpr double pure = 0.999;
+  const std::size_t shares = other == nullptr ? 4 : 2;
+  List W{};
+  const auto mix = [&](const List& rest, std::size_t component, double part, double water_part = 0.0) {
+    for (std::size_t a = 0; a < count_; ++a) W[a] = (1.0 - part - water_part) * rest[a];
+    W[component] += part;
+    if (water_part > 0.0) W[water_] += water_part;
+  };
   List ln_W;
-  for (std::size_t a = 0; a < count_; ++a) {
-    if (which < 4) {
+  if (which < shares) {
+    for (std::size_t a = 0; a < count_; ++a) {
       const Volatility& v = volatility[index_[a]];
       const double ln_K = log(v.p_c / p_) + 5.373 * (1.0 + v.omega) * (1.0 - components[index_[a]].T_c / T_);
-      ln_W[a] = ln_z_[a] + share[which] * ln_K;
-    } else {
-      ln_W[a] = a == which - 4 ? log(pure) : log(1.0 - pure) + ln_z_[a];
+      ln_W[a] = within_bounds(ln_z_[a] + share[which] * ln_K);
     }
-    ln_W[a] = within_bounds(ln_W[a]);
+    return ln_W;
   }
+  which -= shares;
+  if (which < count_) {
+    mix(z_, which, 0.999);
+  } else if (which -= count_; other != nullptr && which-- == 0) {
+    for (std::size_t a = 0; a < count_; ++a) W[a] = 0.5 * (reference.x[a] + other->x[a]);
+  } else {
+    const std::size_t component = heavy_[which % heavy_count_];
+    switch (which / heavy_count_) {
+      case 0: mix(z_, component, 0.5, 0.499); break;
+      case 1: mix(z_, component, 0.1, 0.899); break;
+      case 2: mix(reference.x, component, 0.5); break;
+      default: mix(other->x, component, 0.5); break;
+    }
+  }
+  for (std::size_t a = 0; a < count_; ++a) ln_W[a] = within_bounds(log(W[a]));
   return ln_W;
 }
 
@@ -328,8 +357,8 @@ Flash::Find Flash::trial(List ln_W, const List& d, const Trial& reference, const
 
 bool Flash::test(const List& d, const Trial& reference, const Trial* other, Find& found) noexcept {
   untested_ = false;
-  for (std::size_t which = 0; which < start_count(); ++which) {
-    found = trial(start(which), d, reference, other);
+  for (std::size_t which = 0; which < start_count(other); ++which) {
+    found = trial(start(which, reference, other), d, reference, other);
     if (found.tm < negative) return true;
   }
   return false;
@@ -632,11 +661,34 @@ FlashResult Flash::run(Equilibrium& answer) noexcept {
   return FlashResult::found;
 }
 
+// Of all components only water has no liquid where it would be one: its equation has none below 229.5 K, at 200 MPa
+// below 191 K. A mixture close to water then has loops that look like liquids of very low energy.
+bool has_no_liquid_water(Edition edition, double T, double p) noexcept {
+  constexpr double always_above = 235.0;  // [K]
+  if (!(T < always_above)) return false;
+  Composition pure{};
+  pure[water] = 1.0;
+  Mixture mixture;
+  mixture.set(edition, pure);
+  Isotherm isotherm;
+  isotherm.set(mixture, T);
+  double rho = 0.0;
+  return !isotherm.liquid_density(p, rho);
+}
+
 }  // namespace
 
 FlashResult flash(Edition edition, const Composition& x, double T, double p, Equilibrium& answer) noexcept {
-  Flash flash(edition, x, T, p);
-  return flash.run(answer);
+  Composition z = x;
+  const bool without_water = z[water] >= least_amount && has_no_liquid_water(edition, T, p);
+  if (without_water) {
+    if (z[water] > most_water_left_out) return FlashResult::no_liquid_water;
+    z[water] = 0.0;
+  }
+  Flash flash(edition, z, T, p);
+  const FlashResult result = flash.run(answer);
+  answer.without_water = without_water;
+  return result;
 }
 
 }  // namespace norvane::GERG2008

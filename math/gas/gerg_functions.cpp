@@ -85,8 +85,10 @@ constexpr record::Output outputs_flash[] = {
     u"and below the reducing temperature of the mixture. Amounts below 1e-14 take no part.\n" \
     u"Two phases are answered at most. Where a third would form, as water beside gas and condensate, the answer " \
     u"is the pair of least Gibbs energy, with a warning; two liquids are answered as vapour and liquid by density, with " \
-    u"a warning. Below about -50 \u00B0C the equation has no liquid water. Status 3 is answered when the mixture " \
-    u"splits but its phases are not found.\n"
+    u"a warning. Status 3 is answered when the mixture splits but its phases are not found.\n" \
+    u"The equation has no liquid water below -44 \u00B0C (-46 \u00B0C at 100 bar, -82 \u00B0C at 2000 bar). There up to " \
+    u"0.01 mol/mol of water is left out, with a warning: the phases, densities and the vapour fraction are those of the " \
+    u"rest. With more water the answer is status 3.\n"
 #define NOTES_MEMORY \
     u"An unchanged composition, temperature and pressure of the same name or calling place answers from memory.\n"
 #define NOTES_EARLIER u"Neo-pentane is added to i-pentane.\n"

@@ -134,6 +134,11 @@ Outcome phases(Edition edition, const Gas& gas, FlashAnswer& answer, CFlash& mem
   if (memory.result == FlashResult::no_density) return failure(calculation_error, no_density);
   if (memory.result == FlashResult::not_converged)
     return failure(no_convergence, u"the mixture splits, but its phases are not found");
+  if (memory.result == FlashResult::no_liquid_water)
+    return blame(gas.composition, no_convergence,
+                 u"has a mole fraction of water above %, and the equation has no liquid water at this pressure and "
+                 u"temperature",
+                 most_water_left_out);
 
   const Equilibrium& found = memory.equilibrium;
   const auto mass_density = [](const Phase& phase) { return phase.rho * phase.molar_mass; };
@@ -156,10 +161,16 @@ Outcome phases(Edition edition, const Gas& gas, FlashAnswer& answer, CFlash& mem
     (liquid ? answer.liquid_density : answer.vapour_density) = mass_density(found.vapour);
   }
   if (!std::isfinite(answer.mass_density)) return failure(calculation_error, no_density);
+  if (found.without_water)
+    return remark(found.third
+                      ? u"these are two of several phases of the gas without its water (mole fraction %): the "
+                        u"equation has no liquid water at this pressure and temperature"
+                      : u"these are the phases of the gas without its water (mole fraction %): the equation "
+                        u"has no liquid water at this pressure and temperature",
+                  given.x[water]);
   if (found.third)
     return remark(u"a third phase would form beside these two, which have the least energy of all pairs");
-  if (found.untested)
-    return remark(u"the equation has no density for some phases that might form besides, such as very cold water");
+  if (found.untested) return remark(u"the equation has no density for some phases that might form besides");
   if (found.split && found.vapour.liquid)
     return remark(u"both phases are liquids; the lighter one is answered as the vapour");
   return {};
