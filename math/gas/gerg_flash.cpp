@@ -237,8 +237,9 @@ bool Flash::evaluate(Trial& trial, std::array<List, component_count>* slope) noe
 // ---- Stability ---------------------------------------------------------------------------------------------------
 
 // Starts: vapour and liquid after Wilson, for a feed also nearer to it; each component nearly pure; the middle of two
-// phases, where a third lies near a critical end point. Of water with heavy hydrocarbons the equation has liquids of all proportions, which lie between these: each of
-// them in equal parts with water, as a tenth of it, and in equal parts with the phases known.
+// phases, where a third lies near a critical end point. Of water with heavy hydrocarbons the equation has liquids of
+// all proportions, which lie between these: each of them in equal parts with water, as a tenth of it, and in equal
+// parts with the phases known.
 List Flash::start(std::size_t which, const Trial& reference, const Trial* other) const noexcept {
   constexpr double share[4] = {-1.0, 1.0, -1.0 / 3.0, 1.0 / 3.0};
   const std::size_t shares = other == nullptr ? 4 : 2;
