@@ -5,7 +5,6 @@
 //   std::array<double, 22> x = call.numbers<22>(In::composition);
 //   if (call.failed()) return call.error();
 //   ... compute ...
-//   if (status != 0) return call.status_only(status);
 //   call.set(Out::status, status);
 //   call.set(Out::z, z);
 //   return call.done();
@@ -99,12 +98,6 @@ class Call {
   template <class Index>
   void set_text(Index index, std::u16string_view value) noexcept {
     if (!context_.SetText(slot(static_cast<std::size_t>(index)), value)) error_ = ERROR_VALUE;
-  }
-  // A calculation status found by the algorithm: a successful call of which only the status output is written.
-  std::uint32_t status_only(int status) noexcept {
-    output_written_ = false;
-    set_integer(0, status);
-    return done();
   }
   // Status to return after the last output.
   std::uint32_t done() const noexcept { return error_; }

@@ -115,6 +115,11 @@ struct Binding {
   Structure arguments{};
   Structure results{};
   Outcome (*calculate)(const void* arguments, void* results, void* memory) noexcept = nullptr;
+  // The same for `rows` arguments that stand behind each other, into as many results that hold the prototype's values.
+  // Where done[i] is set the result is bit for bit what `calculate` answers, with status 0 and no remark; the others
+  // are calculated one by one. Null where there is none.
+  void (*calculate_rows)(const void* arguments, void* results, bool* done, std::size_t rows,
+                         void* memory) noexcept = nullptr;
   // What is kept from one call of the same name or calling place to the next; null for a calculation without memory.
   std::unique_ptr<Function_CData> (*remember)() noexcept = nullptr;
   void* (*memory_of)(Function_CData& data) noexcept = nullptr;

@@ -46,6 +46,17 @@ std::string prototype(const Method& method, const std::string& prefix) {
   return text + ")";
 }
 
+std::string batch_prototype(const Method& method, const std::string& prefix) {
+  const std::string start = prefix + "size_t " + export_name(method) + "_Batch(";
+  const std::string gap(1, unbroken);
+  std::string text = wrapped("size_t" + gap + "rows, const" + gap + "norvane_column*" + gap + "inputs, size_t" + gap +
+                                 "input_count, double*" + gap + "const*" + gap + "outputs, size_t" + gap +
+                                 "output_count, uint32_t*" + gap + "statuses",
+                             start, std::string(start.size(), ' '));
+  text.pop_back();  // the last line end
+  return text + ")";
+}
+
 std::string sentence(const std::string& form, std::u16string_view display, std::u16string_view description) {
   std::string text = form;
   if (!text.empty()) text += ". ";
@@ -143,12 +154,17 @@ void exports_header(std::ostream& out, Specs) {
  * the same thread calls a function again. Defaults are those of the worksheet functions, given for orientation: here
  * every input but lists and texts is passed.
  *
+ * Many calls at once: every function has a batch, Norvane_AGA8_M_Batch beside Norvane_AGA8_M, all of one form, and
+ * norvane_batch finds it by name. An input is a column of numbers (norvane_column), an output an array of as many
+ * numbers as there are rows, in the order of the single function. See norvane_batch below.
+ *
  * All functions may be called from any number of threads at once. Each keeps intermediate results of the calling
  * thread's last call, so calls that share a composition are faster on one thread.
  */
 #ifndef NORVANE_H
 #define NORVANE_H
 
+#include <stddef.h>
 #include <stdint.h>
 
 #if defined(NORVANE_BUILD)
@@ -165,6 +181,7 @@ void exports_header(std::ostream& out, Specs) {
 
 #define NORVANE_NOT_RUN 0xFFFFFFFFu
 #define NORVANE_NO_OUTPUT 0xFFFFFFFEu
+#define NORVANE_BATCH_REFUSED ((size_t)-1)
 
 #ifdef __cplusplus
 extern "C" {
@@ -182,12 +199,38 @@ NORVANE_API const char* norvane_last_message(void);
  * last output, the range status. Empty for a number without a meaning. UTF-8; it lives until the same thread asks
  * again. */
 NORVANE_API const char* norvane_status_text(const char* function, uint32_t output, uint32_t code);
+
+/* An input of a batch: a number a row, or a list of numbers a row. */
+#if !defined(NORVANE_COLUMN)
+#define NORVANE_COLUMN
+typedef struct norvane_column {
+  const double* values; /* the number of the first row; a list: its first number; null: left out */
+  size_t row_step;      /* numbers from one row to the next; 0: the same for every row */
+  size_t cells;         /* numbers of a list, 1 for a single value */
+  size_t cell_step;     /* numbers from one cell of a list to the next */
+} norvane_column;
+#endif
+
+/* Calls a function, by its name ("AGA8_M", any case), for each of the rows. The batch of every function below does the
+ * same without looking for it.
+ *   inputs        as many as the single function takes. Options and yes/no are numbers too: whole ones, any other is an
+ *                 argument refused. A left out input takes its default, as the comments give it; where there is none,
+ *                 and for a list that may not be left out, the batch is refused.
+ *   outputs       as many as the single function has, each with room for all rows, or null where one is not wanted.
+ *                 What the function did not write is NaN. An output must not share memory with an input.
+ *   statuses      room for all rows: what the single function returns for the row's numbers. Every output of the row
+ *                 is bit for bit what that call delivers. norvane_last_message() is empty after a batch: to learn what
+ *                 was wrong with a row, call the single function with its numbers.
+ *   returns       the number of rows whose status is not 0, or NORVANE_BATCH_REFUSED when the batch cannot be as it is;
+ *                 nothing is written then, and norvane_last_message() says why. */
+NORVANE_API size_t norvane_batch(const char* function, size_t rows, const norvane_column* inputs, size_t input_count,
+                                 double* const* outputs, size_t output_count, uint32_t* statuses);
 )";
   components(out);
   for (const Method& method : methods()) {
     out << "\n";
     comment(out, method);
-    out << prototype(method, "NORVANE_API ") << ";\n";
+    out << prototype(method, "NORVANE_API ") << ";\n" << batch_prototype(method, "NORVANE_API ") << ";\n";
   }
   out << R"(
 #ifdef __cplusplus
@@ -217,7 +260,9 @@ void exports_source(std::ostream& out, Specs) {
     for (const Parameter& output : method.outputs) targets += (targets.empty() ? "" : ", ") + output.name;
     out << wrapped(in + "};", "  const norvane_value in[] = {", "      ")
         << wrapped(targets + "};", "  void* const out[] = {", "      ") << "  return NORVANE_RUN(" << method.id
-        << ", in, out);\n}\n";
+        << ", in, out);\n}\n"
+        << batch_prototype(method, "") << " {\n  return norvane_run_batch(" << method.id
+        << ", rows, inputs, input_count, outputs, output_count, statuses);\n}\n";
   }
 }
 
@@ -236,6 +281,7 @@ void exports_json(std::ostream& out, Specs) {
       outputs.push_back(described(parameter, spec.outputs[parameter.index]));
     const Json function = {{"function", narrow(spec.id)},
                            {"export", export_name(method)},
+                           {"batch", export_name(method) + "_Batch"},
                            {"dispatch_id", method.id},
                            {"inputs", inputs},
                            {"outputs", outputs}};
@@ -246,8 +292,8 @@ void exports_json(std::ostream& out, Specs) {
 }
 
 void exports_names(std::ostream& out, Specs) {
-  out << "norvane_last_message\nnorvane_status_text\nnorvane_version\n";
-  for (const Method& method : methods()) out << export_name(method) << "\n";
+  out << "norvane_batch\nnorvane_last_message\nnorvane_status_text\nnorvane_version\n";
+  for (const Method& method : methods()) out << export_name(method) << "\n" << export_name(method) << "_Batch\n";
 }
 
 void exports_def(std::ostream& out, Specs specs) {

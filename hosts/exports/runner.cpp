@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/text.h"
+#include "hosts/module/batch.h"
 #include "hosts/module/export.h"
 #include "hosts/module/meaning.h"
 #include "hosts/module/typed_call.h"
@@ -60,6 +61,21 @@ std::uint32_t run(const Signature& signature, const norvane_value* in, void* con
   }
 }
 
+std::size_t run_batch(const Signature* signature, std::size_t rows, const host::Column* inputs,
+                      std::size_t input_count, double* const* outputs, std::size_t output_count,
+                      std::uint32_t* statuses) noexcept {
+  if (signature == nullptr) return host::refuse_unknown_batch();
+  return host::run_batch(*signature, rows, {inputs, input_count}, {outputs, output_count}, statuses);
+}
+
+constexpr std::size_t longest_id = 63;
+
+// By the function's name as a caller writes it; null for none.
+const Signature* signature_of(const char* function) {
+  if (function == nullptr || std::memchr(function, '\0', longest_id + 1) == nullptr) return nullptr;
+  return host::find_signature(to_utf16(function));
+}
+
 // Text that lives until the thread asks for the next of its kind.
 const char* kept(std::string host::ThreadState::*place, std::u16string_view text) noexcept {
   try {
@@ -85,6 +101,24 @@ std::uint32_t norvane_run(std::uint32_t id, const norvane_value* in, std::size_t
   }
 }
 
+std::size_t norvane_run_batch(std::uint32_t id, std::size_t rows, const norvane_column* inputs,
+                              std::size_t input_count, double* const* outputs, std::size_t output_count,
+                              std::uint32_t* statuses) {
+  return norvane::exports::run_batch(norvane::host::find_signature(id), rows, inputs, input_count, outputs,
+                                     output_count, statuses);
+}
+
+NORVANE_EXPORT std::size_t norvane_batch(const char* function, std::size_t rows, const norvane_column* inputs,
+                                         std::size_t input_count, double* const* outputs, std::size_t output_count,
+                                         std::uint32_t* statuses) {
+  try {
+    return norvane::exports::run_batch(norvane::exports::signature_of(function), rows, inputs, input_count, outputs,
+                                       output_count, statuses);
+  } catch (...) {
+    return norvane::host::batch_refused;
+  }
+}
+
 NORVANE_EXPORT const char* norvane_version(void) { return NORVANE_VERSION; }
 
 NORVANE_EXPORT const char* norvane_last_message(void) {
@@ -97,10 +131,8 @@ NORVANE_EXPORT const char* norvane_last_message(void) {
 
 NORVANE_EXPORT const char* norvane_status_text(const char* function, std::uint32_t output, std::uint32_t code) {
   using namespace norvane;
-  constexpr std::size_t longest_id = 63;
-  if (function == nullptr || std::memchr(function, '\0', longest_id + 1) == nullptr) return "";
   try {
-    const host::Signature* signature = host::find_signature(to_utf16(function));
+    const host::Signature* signature = exports::signature_of(function);
     if (signature == nullptr || output >= signature->spec->output_count) return "";
     if (output == 0 && code == exports::not_run) return "nothing was calculated";
     if (output == 0 && code == exports::no_output) return "an output could not be delivered";

@@ -1,4 +1,4 @@
-/* The one routine behind every direct export. The exports are generated: each hands its parameters over as
+/* The routines behind the direct exports, single calls and batches. The exports are generated: each hands its parameters over as
  * they came, and nothing in them is looked at before this side has. */
 #pragma once
 
@@ -24,6 +24,12 @@ extern "C" {
 
 /* The function with this dispatch id. The counts must be those of its signature. */
 uint32_t norvane_run(uint32_t id, const norvane_value* in, size_t in_count, void* const* out, size_t out_count);
+
+struct norvane_column;
+
+/* The batch of the function with this dispatch id. */
+size_t norvane_run_batch(uint32_t id, size_t rows, const struct norvane_column* inputs, size_t input_count,
+                         double* const* outputs, size_t output_count, uint32_t* statuses);
 
 #ifdef __cplusplus
 }

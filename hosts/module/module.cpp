@@ -4,6 +4,8 @@
 #include <mutex>
 #include <new>
 
+#include "framework/records.h"
+#include "hosts/module/function_state.h"
 #include "hosts/module/recording_context.h"
 
 #if defined(_WIN32)
@@ -116,7 +118,9 @@ ThreadState* make_thread_state() noexcept {
 }  // namespace
 
 ThreadState::ThreadState(std::unique_ptr<Function_CContext> context, std::size_t functions)
-    : context_(std::move(context)), slots_(std::make_unique<std::uint64_t[]>(functions)) {}
+    : context_(std::move(context)),
+      slots_(std::make_unique<std::uint64_t[]>(functions)),
+      function_states_(std::make_unique<std::unique_ptr<FunctionState>[]>(functions)) {}
 ThreadState::~ThreadState() = default;
 ThreadState::ThreadState(ThreadState&&) noexcept = default;
 ThreadState& ThreadState::operator=(ThreadState&&) noexcept = default;
@@ -128,6 +132,28 @@ RecordingContext* ThreadState::recorder() noexcept {
     // Whoever asked goes without.
   }
   return recorder_.get();
+}
+
+FunctionState* ThreadState::function_state(const Function_CFunctionSpec& spec) noexcept {
+  std::unique_ptr<FunctionState>& place = function_states_[spec.position];
+  if (place != nullptr) return place.get();
+  try {
+    auto made = std::make_unique<FunctionState>();
+    if (spec.binding != nullptr && spec.binding->remember != nullptr) {
+      made->data = spec.binding->remember();
+      if (made->data == nullptr) return nullptr;
+      made->memory = spec.binding->memory_of(*made->data);
+    }
+    place = std::move(made);
+  } catch (...) {
+    // The call goes without.
+  }
+  return place.get();
+}
+
+BatchMemory* ThreadState::batch_memory() noexcept {
+  if (batch_memory_ == nullptr) batch_memory_.reset(new (std::nothrow) BatchMemory);
+  return batch_memory_.get();
 }
 
 HeldContext::HeldContext(const Function_CCallerInfo* caller) noexcept : state_(thread_state()) {

@@ -30,14 +30,19 @@ class Module_CFunctionContext : public Function_CContext {
 };
 
 class RecordingContext;
+struct BatchMemory;
+struct FunctionState;
 
 // How the last typed call of a thread ended, to be told when somebody asks.
 struct LastCall {
-  enum class End : std::uint8_t { none, ran, busy, no_memory, null_output, bad_argument };
+  static constexpr std::size_t no_record = static_cast<std::size_t>(-1);
+  enum class End : std::uint8_t { none, ran, busy, no_memory, null_output, bad_argument, no_batch };
   End end = End::none;
   const Function_CFunctionSpec* spec = nullptr;
   FUNCTION_ARG* arguments = nullptr;  // ran: in the memory of the context, until the thread's next call
-  std::size_t index = 0;              // null_output, bad_argument: of its record
+  std::size_t index = 0;              // null_output, bad_argument, no_batch: of its record
+  const char16_t* text = u"";         // no_batch: why, with % for the number
+  std::size_t number = 0;
 };
 
 // What one thread owns: its context, and one data slot a function for callers without cells.
@@ -50,6 +55,10 @@ class ThreadState {
 
   Function_CContext& context() noexcept { return *context_; }
   std::uint64_t* slot(const Function_CFunctionSpec& spec) noexcept { return &slots_[spec.position]; }
+  // What the thread keeps of a function, made on its first typed call; null when memory is refused.
+  FunctionState* function_state(const Function_CFunctionSpec& spec) noexcept;
+  // Where the thread's batches are calculated; null when memory is refused.
+  BatchMemory* batch_memory() noexcept;
   // A second context that takes down messages, made on first use; null when memory is refused.
   RecordingContext* recorder() noexcept;
 
@@ -62,6 +71,8 @@ class ThreadState {
   friend class HeldContext;
   std::unique_ptr<Function_CContext> context_;
   std::unique_ptr<std::uint64_t[]> slots_;
+  std::unique_ptr<std::unique_ptr<FunctionState>[]> function_states_;
+  std::unique_ptr<BatchMemory> batch_memory_;
   std::unique_ptr<RecordingContext> recorder_;
   bool busy_ = false;
 };

@@ -105,7 +105,7 @@ const char* passing_name(Passing passing) noexcept {
 std::span<const std::u16string_view> interface_order() noexcept { return order; }
 
 Signature make_signature(const Function_CFunctionSpec& spec) {
-  Signature signature{&spec, 0, {}, {}};
+  Signature signature{&spec, 0, {}, {}, make_call_plan(spec)};
   signature.inputs.reserve(spec.input_count);
   signature.outputs.reserve(spec.output_count);
   for (std::size_t i = 0; i < spec.input_count; ++i) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "framework/function_spec.h"
+#include "hosts/module/call_plan.h"
 
 namespace norvane::host {
 
@@ -34,6 +35,7 @@ struct Signature {
   std::uint32_t id;                // place in interface_order(), from 1
   std::vector<Parameter> inputs;   // in the order of the records, without the `Name` input
   std::vector<Parameter> outputs;  // outputs 1 to n; output 0 is the status, the result of the call
+  CallPlan plan;
 };
 
 // The calculation functions in the order of the typed interfaces. Append only: a place here is a function's

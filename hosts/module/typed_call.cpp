@@ -181,9 +181,15 @@ std::u16string last_message() {
                                                   : u" is not a value that can be used";
       break;
     }
+    case LastCall::End::no_batch: {
+      if (last.index != LastCall::no_record) text = numbered(last.index, last.spec->inputs[last.index].key) + u" ";
+      for (const char16_t unit : std::u16string_view(last.text))
+        unit == u'%' ? text += to_utf16(std::to_string(last.number)) : text += unit;
+      break;
+    }
     case LastCall::End::ran: text = messages_of(*state, last); break;
   }
-  return text.empty() ? text : std::u16string(last.spec->id) + u": " + text;
+  return text.empty() || last.spec == nullptr ? text : std::u16string(last.spec->id) + u": " + text;
 }
 
 }  // namespace norvane::host

@@ -22,8 +22,8 @@ std::uint32_t echo(Function_CContext& context, FUNCTION_ARG* args, std::size_t c
   const bool flag = call.boolean(4);
   const std::u16string_view text = call.text(5);
   if (call.failed()) return call.error();
-  if (option == 9) return call.status_only(2);
-  call.set_integer(0, 0);
+  call.set_integer(0, option == 9 ? 2 : 0);
+  if (option == 9) return call.done();
   call.set(1, number * 2);
   call.set(2, list[0] + list[1] + list[2]);
   call.set_integer(3, flag ? option : -option);

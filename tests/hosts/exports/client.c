@@ -101,6 +101,52 @@ static void check_refusals(void) {
   CHECK(calorific(bad, 22, &r) != 0 || r.number[0] - r.number[0] == 0.0);
 }
 
+/* Rows of a batch are single calls: by the function's own export and by its name, with rows that are refused. */
+static void check_batches(void) {
+  enum { ROWS = 600 };
+  static double pressure[ROWS], z[ROWS], density[ROWS], range[ROWS];
+  static uint32_t status[ROWS];
+  const double temperature = 6.85, edition = 2.0;
+  norvane_column in[5] = {{NULL, 1, 1, 0}, {NULL, 0, 1, 0}, {NULL, 0, 22, 1}, {NULL, 0, 0, 0}, {NULL, 0, 1, 0}};
+  double* const out[5] = {z, density, NULL, NULL, range};
+  size_t failed = 0;
+  int i;
+  in[0].values = pressure;
+  in[1].values = &temperature;
+  in[2].values = gas;
+  in[4].values = &edition;
+  for (i = 0; i < ROWS; ++i) pressure[i] = i % 7 == 6 ? NAN : 0.5 * i;
+  for (i = 0; i < 2; ++i) {
+    int row;
+    memset(status, 77, sizeof status);
+    failed = i == 0 ? Norvane_AGA8_M_Batch(ROWS, in, 5, out, 5, status)
+                    : norvane_batch("aga8_m", ROWS, in, 5, out, 5, status);
+    for (row = 0; row < ROWS; ++row) {
+      double one[4] = {0, 0, 0, 0};
+      uint32_t one_range = 0;
+      const uint32_t one_status =
+          Norvane_AGA8_M(pressure[row], 6.85, gas, 22, 1, 2, one, one + 1, one + 2, one + 3, &one_range);
+      CHECK(status[row] == one_status);
+      if (one_status != 0) {
+        CHECK(isnan(z[row]) && isnan(density[row]) && isnan(range[row]));
+        --failed;
+      } else {
+        CHECK(memcmp(&z[row], one, sizeof *one) == 0 && memcmp(&density[row], one + 1, sizeof *one) == 0);
+        CHECK(range[row] == one_range);
+      }
+    }
+    CHECK(failed == 0 && norvane_last_message()[0] == 0);
+  }
+  CHECK(norvane_batch("AGA8_X", ROWS, in, 5, out, 5, status) == NORVANE_BATCH_REFUSED);
+  CHECK(strcmp(norvane_last_message(), "there is no such function") == 0);
+  CHECK(norvane_batch(NULL, ROWS, in, 5, out, 5, status) == NORVANE_BATCH_REFUSED);
+  in[2].cells = 21;
+  CHECK(Norvane_AGA8_M_Batch(ROWS, in, 5, out, 5, status) == NORVANE_BATCH_REFUSED);
+  CHECK(strcmp(norvane_last_message(), "AGA8_M: [4] composition needs a list of 22 numbers") == 0);
+  CHECK(Norvane_AGA8_M_Batch(ROWS, in, 4, out, 5, status) == NORVANE_BATCH_REFUSED);
+  CHECK(Norvane_AGA8_M_Batch(ROWS, NULL, 5, out, 5, NULL) == NORVANE_BATCH_REFUSED);
+}
+
 #define THREADS 8
 #define CALLS 500
 
@@ -153,6 +199,7 @@ static void check_threads(void) {
 int main(void) {
   check_published_value();
   check_refusals();
+  check_batches();
   check_threads();
   printf("%d failures\n", failures);
   return failures != 0;

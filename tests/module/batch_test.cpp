@@ -1,0 +1,411 @@
+// Batches: every row is the single call with its numbers, whatever stands in the rows beside it.
+#include "hosts/module/batch.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <new>
+#include <thread>
+
+#include "core/text.h"
+#include "framework/binding.h"
+#include "hosts/module/typed_call.h"
+#include "tests/module/typed_arguments.h"
+
+namespace {
+thread_local std::size_t allocations = 0;
+}
+
+void* operator new(std::size_t size) {
+  ++allocations;
+  void* memory = std::malloc(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace norvane::host {
+namespace {
+
+using test::TypedArguments;
+using test::TypedResult;
+
+constexpr double untouched = -7.25;
+
+// Rows as columns of their own, a list as `cells` columns or as the cells of a row behind each other.
+struct Table {
+  Table(const Signature& signature, std::size_t row_count, bool by_cell) : rows(row_count) {
+    for (const PlannedInput& input : signature.plan.inputs) {
+      const std::size_t cells = input.from == PlannedInput::From::list ? input.cells : 1;
+      auto& numbers = values.emplace_back(cells * rows);
+      columns.push_back(by_cell && cells > 1 ? Column{numbers.data(), 1, cells, rows}
+                                             : Column{numbers.data(), cells, cells, 1});
+    }
+    for (std::size_t k = 0; k < signature.outputs.size(); ++k) {
+      outputs.emplace_back(rows, untouched);
+      places.push_back(outputs.back().data());
+    }
+    statuses.assign(rows, 77);
+  }
+  double& cell(std::size_t input, std::size_t row, std::size_t cell) {
+    return values[input][row * columns[input].row_step + cell * columns[input].cell_step];
+  }
+  std::size_t run(const Signature& signature) { return run_batch(signature, rows, columns, places, statuses.data()); }
+  bool written() const {
+    for (std::uint32_t status : statuses)
+      if (status != 77) return true;
+    for (const auto& column : outputs)
+      for (double value : column)
+        if (value != untouched) return true;
+    return false;
+  }
+
+  std::size_t rows;
+  std::vector<std::vector<double>> values;
+  std::vector<Column> columns;
+  std::deque<std::vector<double>> outputs;
+  std::vector<double*> places;
+  std::vector<std::uint32_t> statuses;
+};
+
+// A random call whose lists a table can hold.
+TypedArguments random_arguments(const Signature& signature, std::uint64_t& number) {
+  while (true) {
+    TypedArguments arguments(signature, number++);
+    bool fits = true;
+    for (std::size_t i = 0; i < signature.inputs.size(); ++i)
+      fits = fits && (signature.inputs[i].passing != Passing::range ||
+                      arguments.lists[i].size() >= signature.plan.inputs[i].cells);
+    if (fits) return arguments;
+  }
+}
+
+void put(const Signature& signature, const TypedArguments& arguments, Table& table, std::size_t row) {
+  for (std::size_t i = 0; i < signature.inputs.size(); ++i) {
+    const bool list = signature.inputs[i].passing == Passing::range;
+    for (std::size_t cell = 0; cell < table.columns[i].cells; ++cell)
+      table.cell(i, row, cell) = list ? arguments.lists[i][cell] : arguments.numbers[i];
+  }
+}
+
+// The number that a single call delivers, as a batch writes it.
+double delivered(const Parameter& output, std::uint64_t word) {
+  return output.passing == Passing::number ? std::bit_cast<double>(word)
+                                           : static_cast<std::int32_t>(static_cast<std::uint32_t>(word));
+}
+
+void expect_row(const Signature& signature, const Table& table, std::size_t row, const TypedResult& single) {
+  const bool ran = single.answer == TypedAnswer::delivered;
+  EXPECT_EQ(table.statuses[row], ran ? single.status : batch_not_run);
+  for (std::size_t k = 0; k < signature.outputs.size(); ++k) {
+    const double value = table.outputs[k][row];
+    const double expected = delivered(signature.outputs[k], single.outputs[k]);
+    if (std::isnan(value) && (!ran || single.status != 0)) {
+      EXPECT_TRUE(!ran || expected == 0.0);
+      continue;
+    }
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(expected)) << "output " << k + 1;
+  }
+}
+
+TEST(Batch, ARowOfEveryFunctionIsTheSingleCall) {
+  constexpr std::size_t rows = 96;
+  std::size_t good = 0, failed = 0;
+  for (std::uint32_t id = 1; id <= interface_order().size(); ++id) {
+    const Signature& signature = *find_signature(id);
+    SCOPED_TRACE(to_utf8(signature.spec->id));
+    ASSERT_TRUE(signature.plan.complete);
+    Table table(signature, rows, id % 2 == 0);
+    std::vector<TypedResult> singles;
+    std::uint64_t number = 0;
+    for (std::size_t row = 0; row < rows; ++row) {
+      const TypedArguments arguments = random_arguments(signature, number);
+      put(signature, arguments, table, row);
+      singles.push_back(test::call_through_context(signature, arguments));
+    }
+    const std::size_t answer = table.run(signature);
+    EXPECT_EQ(last_message(), u"");
+    std::size_t with_status = 0;
+    for (std::size_t row = 0; row < rows; ++row) {
+      SCOPED_TRACE(row);
+      expect_row(signature, table, row, singles[row]);
+      with_status += table.statuses[row] != 0;
+    }
+    EXPECT_EQ(answer, with_status);
+    good += rows - with_status;
+    failed += with_status;
+    if (HasFailure()) return;
+  }
+  // Neither kind of row is rare.
+  EXPECT_GT(good, 3000u);
+  EXPECT_GT(failed, 1500u);
+}
+
+// ---- A function of its own ---------------------------------------------------------------------------------------
+
+enum class Mode : int { plain = 1, remarked = 2, failing = 3, refusing = 4, endless = 5, delivering = 6 };
+
+struct Given {
+  double a = 0.0;
+  double b = 0.0;
+  Mode mode = Mode::plain;
+  bool negative = false;
+  std::array<double, 3> list{};
+  double untold = 40.0;  // no line fills it
+};
+
+struct Found {
+  double sum = -1.0;
+  double code = 3.0;
+  int mode = 9;
+};
+
+struct Calls {
+  int single = 0;
+};
+
+Outcome add(const Given& in, Found& out, Calls& calls) noexcept {
+  ++calls.single;
+  out.sum = in.a + in.b + in.list[0] + in.list[1] + in.list[2] + in.untold;
+  if (in.negative) out.sum = -out.sum;
+  out.mode = static_cast<int>(in.mode);
+  switch (in.mode) {
+    case Mode::remarked: return remark(u"is far");
+    case Mode::failing: return failure(no_convergence, u"does not end");
+    case Mode::refusing: return failure(refused, u"cannot be");
+    case Mode::endless: out.sum = std::numeric_limits<double>::infinity(); return {};
+    case Mode::delivering: return failure(calculation_error, u"is no more").but_delivered();
+    default: return {};
+  }
+}
+
+// Does the plain rows of an even place, and spoils what it leaves; an argument that does not fit must not get here.
+std::size_t together = 0;
+void add_rows(const Given* in, Found* out, bool* done, std::size_t rows, Calls& calls) noexcept {
+  together += rows;
+  for (std::size_t i = 0; i < rows; ++i) {
+    if (in[i].a < 0.0 || in[i].a > 100.0) std::abort();
+    const int before = calls.single;
+    done[i] = add(in[i], out[i], calls).good() && in[i].mode == Mode::plain && i % 2 == 0;
+    calls.single = before;
+    if (!done[i]) out[i] = {1.0, 2.0, 3};
+  }
+}
+
+constexpr record::Conversion doubled{[](double x) noexcept { return x * 2; },
+                                     [](double x) noexcept { return x / 2; }};
+constexpr record::Option modes[] = {{1, u"Plain"}, {2, u"B"}, {3, u"C"}, {4, u"D"}, {5, u"E"}, {6, u"F"}};
+constexpr record::Input inputs[] = {
+    record::name_input(),
+    in<&Given::a>(record::input(u"a", u"", u"", data_type::num).within(0, 50).through(doubled)),
+    in<&Given::b>(record::input(u"b", u"", u"", data_type::num).otherwise(0.5)),
+    in<&Given::mode>(record::input(u"mode", u"", u"", data_type::integer).options(modes).otherwise(1)),
+    in<&Given::negative>(record::input(u"negative", u"", u"", data_type::boolean).otherwise(false)),
+    in<&Given::list>(record::input(u"list", u"", u"", data_type::num).range().left_out_as_zeros()),
+};
+constexpr record::Output outputs[] = {
+    record::status_output(),
+    out<&Found::sum>(record::output(u"sum", u"", u"", data_type::num, u"").through(doubled)),
+    out<&Found::code>(record::output(u"code", u"", u"", data_type::num, u"").always()),
+    out<&Found::mode>(record::output(u"mode", u"", u"", data_type::integer, u"")),
+};
+constexpr record::Function record_one_by_one = {.id = u"One",
+                                                .flags = FUNCTION_FALLBACK,
+                                                .name_input = 0,
+                                                .inputs = inputs,
+                                                .outputs = outputs,
+                                                .binding = &bound<add>};
+constexpr record::Function record_together = {.id = u"Together",
+                                              .flags = FUNCTION_FALLBACK,
+                                              .name_input = 0,
+                                              .inputs = inputs,
+                                              .outputs = outputs,
+                                              .binding = &bound<add, add_rows>};
+
+class OwnFunction : public ::testing::TestWithParam<bool> {
+ protected:
+  // Its place among the functions of a thread belongs to a general function, which keeps nothing there.
+  const Function_CFunctionSpec spec{GetParam() ? record_together : record_one_by_one};
+  const Signature signature = make_signature(spec);
+
+  void SetUp() override {
+    std::uint64_t number = 7;
+    test::Random random(11);
+    for (std::size_t row = 0; row < table.rows; ++row, ++number) {
+      table.cell(0, row, 0) = row % 13 == 12 ? random.hostile(-1, 60) : random.within(0, 50);
+      table.cell(1, row, 0) = random.hostile(-9, 9);
+      table.cell(2, row, 0) = row % 3 != 0 ? 1 : random.whole(0, 8);
+      table.cell(3, row, 0) = random.whole(0, 3);
+      for (std::size_t cell = 0; cell < 3; ++cell) table.cell(4, row, cell) = random.hostile(-5, 5);
+    }
+  }
+  // The single calls of the table's rows, in a state of their own each.
+  TypedResult single(std::size_t row) {
+    TypedArguments arguments(signature, 0);
+    for (std::size_t i = 0; i < 4; ++i) {
+      const Column& column = table.columns[i];
+      const double value = column.values[row * column.row_step];
+      arguments.values[i] = {nullptr, value, i < 2 ? 0 : static_cast<std::uint32_t>(value)};
+    }
+    std::vector<double> list;
+    const Column& column = table.columns[4];
+    for (std::size_t cell = 0; column.values != nullptr && cell < 3; ++cell)
+      list.push_back(column.values[row * column.row_step + cell * column.cell_step]);
+    arguments.values[4] = {list.data(), 0.0, static_cast<std::uint32_t>(list.size())};
+    return test::call_through_context(signature, arguments);
+  }
+  void expect_rows() {
+    table.run(signature);
+    for (std::size_t row = 0; row < table.rows; ++row) {
+      SCOPED_TRACE(row);
+      expect_row(signature, table, row, single(row));
+    }
+  }
+
+  Table table{signature, 1000, true};
+};
+
+INSTANTIATE_TEST_SUITE_P(Batch, OwnFunction, ::testing::Bool());
+
+TEST_P(OwnFunction, RowsKeepTheirOwnWhateverStandsBesideThem) {
+  together = 0;
+  expect_rows();
+  EXPECT_EQ(together, GetParam() ? table.rows : 0u);
+  std::size_t kinds[3] = {};
+  for (std::uint32_t status : table.statuses) ++kinds[status == 0 ? 0 : status == batch_not_run ? 2 : 1];
+  for (std::size_t count : kinds) EXPECT_GT(count, 50u);
+}
+
+TEST_P(OwnFunction, ColumnsMayBeConstantStridedOrLeftOut) {
+  expect_rows();
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    SCOPED_TRACE(i);
+    const Column before = table.columns[i];
+    table.columns[i].row_step = 0;
+    expect_rows();
+    table.columns[i] = before;
+    if (i == 1 || i == 4) {
+      // Behind batches that were given it: nothing of theirs is left.
+      table.columns[i] = {};
+      table.run(signature);
+      for (std::size_t row = 0; row < 20; ++row) {
+        if (table.statuses[row] != 0) continue;
+        double sum = 40.0 + 2 * table.cell(0, row, 0);
+        sum += i == 1 ? 0.5 : table.cell(1, row, 0);
+        for (std::size_t cell = 0; i == 1 && cell < 3; ++cell) sum += table.cell(4, row, cell);
+        EXPECT_NEAR(std::fabs(table.outputs[0][row]), std::fabs(sum) / 2, 1e-12 * std::fabs(sum));
+      }
+      table.columns[i] = before;
+    }
+  }
+  // Rows of a wider table, from the last to the first.
+  std::vector<double> wide(3 * table.rows);
+  for (std::size_t row = 0; row < table.rows; ++row) wide[3 * row + 1] = 0.01 * static_cast<double>(row);
+  table.columns[0] = {wide.data() + 1, 3, 1, 0};
+  expect_rows();
+  table.columns[0].values = wide.data() + 4;
+  table.rows = 1;
+  expect_rows();
+}
+
+TEST_P(OwnFunction, NumbersThatAreNoOptionAreRefused) {
+  const double wrong[] = {1.5, std::numeric_limits<double>::quiet_NaN(), 4294967296.0, -2147483649.0,
+                          std::numeric_limits<double>::infinity()};
+  for (std::size_t i = 2; i < 4; ++i) {
+    for (std::size_t row = 0; row < table.rows; ++row) {
+      table.cell(0, row, 0) = 1;
+      table.cell(2, row, 0) = table.cell(3, row, 0) = 1;
+      if (row < std::size(wrong)) table.cell(i, row, 0) = wrong[row];
+    }
+    table.run(signature);
+    for (std::size_t row = 0; row < 2 * std::size(wrong); ++row) {
+      EXPECT_EQ(table.statuses[row] == batch_not_run, row < std::size(wrong));
+      EXPECT_EQ(std::isnan(table.outputs[1][row]), row < std::size(wrong));
+    }
+  }
+}
+
+TEST_P(OwnFunction, ABatchThatCannotBeWritesNothingAndSaysWhy) {
+  const auto refused = [&](auto&& spoil, std::u16string_view message) {
+    Table spoiled(signature, 4, false);
+    std::size_t rows = 4;
+    std::uint32_t* statuses = spoiled.statuses.data();
+    std::span<const Column> in = spoiled.columns;
+    std::span<double* const> out = spoiled.places;
+    spoil(spoiled, rows, statuses, in, out);
+    EXPECT_EQ(run_batch(signature, rows, in, out, statuses), batch_refused);
+    EXPECT_EQ(last_message(), std::u16string(spec.id).append(u": ").append(message));
+    EXPECT_FALSE(spoiled.written());
+  };
+  using In = std::span<const Column>;
+  using Out = std::span<double* const>;
+  refused([](Table&, std::size_t&, std::uint32_t*& statuses, In&, Out&) { statuses = nullptr; },
+          u"the statuses have no place to go to");
+  refused([](Table&, std::size_t&, std::uint32_t*&, In& in, Out&) { in = in.first(4); }, u"takes 5 inputs");
+  refused(
+      [](Table&, std::size_t&, std::uint32_t*&, In& in, Out&) {
+        in = {static_cast<const Column*>(nullptr), 5};
+      },
+      u"the inputs are missing");
+  refused([](Table&, std::size_t&, std::uint32_t*&, In&, Out& out) { out = out.first(2); },
+          u"has 3 outputs behind the status");
+  refused(
+      [](Table&, std::size_t&, std::uint32_t*&, In&, Out& out) {
+        out = {static_cast<double* const*>(nullptr), 3};
+      },
+      u"the outputs are missing");
+  refused([](Table&, std::size_t& rows, std::uint32_t*&, In&, Out&) { rows = SIZE_MAX; },
+          u"has more rows than any memory");
+  refused([](Table& t, std::size_t&, std::uint32_t*&, In&, Out&) { t.columns[0] = {}; },
+          u"[2] a cannot be left out: it has no default");
+  refused([](Table& t, std::size_t&, std::uint32_t*&, In&, Out&) { t.columns[1].cells = 0; },
+          u"[3] b is a single value: its cells must be 1");
+  refused([](Table& t, std::size_t&, std::uint32_t*&, In&, Out&) { t.columns[4].cells = 2; },
+          u"[6] list needs a list of 3 numbers");
+  refused([](Table& t, std::size_t&, std::uint32_t*&, In&, Out&) { t.columns[4].cells = SIZE_MAX; },
+          u"[6] list is not a list of at most 65536 numbers");
+  refused([](Table& t, std::size_t&, std::uint32_t*&, In&, Out&) { t.columns[4].cell_step = SIZE_MAX / 4; },
+          u"[6] list is larger than any memory");
+  EXPECT_EQ(refuse_unknown_batch(), batch_refused);
+  EXPECT_EQ(last_message(), u"there is no such function");
+  EXPECT_EQ(run_batch(signature, 0, table.columns, table.places, nullptr), 0u);
+}
+
+TEST(Batch, NothingIsAllocatedOnceTheThreadIsWarm) {
+  const Signature& signature = *find_signature(u"AGA8_M");
+  Table table(signature, 300, false);
+  std::uint64_t number = 0;
+  for (std::size_t row = 0; row < table.rows; ++row) put(signature, random_arguments(signature, number), table, row);
+  table.run(signature);
+  const std::size_t before = allocations;
+  table.run(signature);
+  EXPECT_EQ(allocations, before);
+}
+
+TEST(Batch, ThreadsDoNotMeet) {
+  const Signature& signature = *find_signature(u"AGA8_M");
+  Table table(signature, 200, false);
+  std::uint64_t number = 0;
+  for (std::size_t row = 0; row < table.rows; ++row) put(signature, random_arguments(signature, number), table, row);
+  table.run(signature);
+  std::vector<std::thread> threads;
+  std::vector<int> different(4);
+  for (int& count : different) {
+    threads.emplace_back([&count, &signature, &table] {
+      Table own(signature, table.rows, false);
+      own.columns = table.columns;
+      for (int round = 0; round < 5; ++round) own.run(signature);
+      count = own.statuses != table.statuses;
+      for (std::size_t k = 0; k < own.outputs.size(); ++k)
+        count += std::memcmp(own.outputs[k].data(), table.outputs[k].data(), table.rows * sizeof(double)) != 0;
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(different, std::vector<int>(4));
+}
+
+}  // namespace
+}  // namespace norvane::host
