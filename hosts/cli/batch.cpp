@@ -101,7 +101,10 @@ ExitCode batch(const BatchOptions& options, Output& standard) {
   // From before the file is there: whoever ends the program then is told what became of it.
   const Interruption interruption;
   std::unique_ptr<ReplacedFile> file;
-  if (!options.out.empty() && options.out != "-") file = std::make_unique<ReplacedFile>(options.out);
+  if (!options.out.empty() && options.out != "-") {
+    file = std::make_unique<ReplacedFile>(options.out);
+    tell(file->note());
+  }
   Output to_file(file ? file->descriptor() : standard_output, file ? file->path() : "standard output");
   Output& out = file ? to_file : standard;
   out.write(reader.before_header() + columns.answer_header(format.delimiter) + std::string(format.line_end));

@@ -7,8 +7,8 @@
 #include "hosts/cli/composition_names.h"
 #include "hosts/cli/errors.h"
 #include "hosts/cli/names.h"
+#include "hosts/cli/quantity_text.h"
 #include "hosts/cli/units_text.h"
-#include "hosts/cli/values.h"
 
 namespace norvane::cli {
 namespace {
@@ -171,12 +171,6 @@ void Targets::prepare(Session& session) const {
   }
 }
 
-void Targets::put(Session& session, const Target& target, std::string_view text, const Reading& reading) const {
-  const bool list = target.cell == Target::whole && target.record->is_array();
-  put(session, target,
-      list ? read_argument(session, target, text, reading) : read_cell(session, target, text, reading), reading);
-}
-
 void Targets::put(Session& session, const Target& target, const FUNCTION_ARG& value, const Reading& reading) const {
   FUNCTION_ARG& argument = session.argument(target.input);
   const bool range_cell = target.cell != Target::whole && !target.composition;
@@ -201,6 +195,8 @@ void Targets::put(Session& session, const Target& target, const FUNCTION_ARG& va
     argument.array.elements[component::n_hexane] = value;
   }
 }
+
+bool takes_unit(const Function_CInput& input) { return kind_of_code(input.type) == CodeKind::unit; }
 
 bool split_brackets(std::string_view title, std::string_view& name, std::string_view& inside) {
   if (title.empty() || (title.back() != ']' && title.back() != ')')) return false;

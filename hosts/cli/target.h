@@ -52,9 +52,7 @@ class Targets {
 
   // Makes the ranges of a call that are put together from single cells. What a gas does not name is not in it.
   void prepare(Session& session) const;
-  // Puts a value. Throws UsageError naming the input: a blank one (unless defaults may stand for blanks), a text that
-  // is no number.
-  void put(Session& session, const Target& target, std::string_view text, const Reading& reading) const;
+  // Puts a value. Throws UsageError naming the input for a blank one, unless defaults may stand for blanks.
   void put(Session& session, const Target& target, const FUNCTION_ARG& value, const Reading& reading) const;
 
  private:
@@ -67,6 +65,9 @@ class Targets {
   std::vector<std::size_t> sizes_;              // of ranges put together from cells
   std::vector<std::vector<bool>> given_cells_;  // of each input
 };
+
+// True when the input takes a number in a unit of the catalogue.
+bool takes_unit(const Function_CInput& input);
 
 // Splits "name [inside]" or "name (inside)"; false when there is no bracket at the end.
 bool split_brackets(std::string_view title, std::string_view& name, std::string_view& inside);
