@@ -71,10 +71,11 @@ class Run {
   Pipeline<RowBlock> pipeline_;
 };
 
-void tell_notes(const Tally& total, const RecordReader& reader, const Function_CFunctionSpec& spec) {
+void tell_notes(const Tally& total, const RecordReader& reader, const BatchColumns& columns) {
   Session session;
-  session.begin(spec);
+  session.begin(columns.function());
   std::string text = reader.encoding_note() + defaults_note(total, session);
+  for (const std::string& warning : columns.warnings()) text += "warning: " + warning + "\n";
   if (total.reencoded != 0 && reader.encoding_note().empty())
     text += "note: lines that are not UTF-8 (" + std::to_string(total.reencoded) +
             ") were read as Windows-1252; the answer is UTF-8\n";
@@ -123,7 +124,7 @@ ExitCode batch(const BatchOptions& options, Output& standard) {
     file.reset();
     Interruption::end_program();
   }
-  tell_notes(run.total, reader, spec);
+  tell_notes(run.total, reader, columns);
   tell(summary(run.total));
   if (run.total.refused != 0) return exit_usage;
   const bool off_range = run.total.extended + run.total.outside != 0;

@@ -99,6 +99,8 @@ void BatchColumns::find_targets(const BatchOptions& options, const std::vector<s
     targets_.add(std::move(target), what);
     uses_.push_back({i, targets_.all().size() - 1});
   }
+  warnings_ = targets_.take_warnings(values.size());
+  for (const Message& message : constants_.messages()) warnings_.push_back(to_utf8(message.text));
   for (const std::size_t column : unknown)
     if (!contains(options.keep, header_[column])) refuse_slip(header_[column]);
   if (uses_.empty())

@@ -289,7 +289,10 @@ struct JsonCalls::Reader {
     Cell cell;
     cell.kind = Cell::Kind::number;
     cell.number = given;
-    return scalar(cell);
+    if (place != Place::row && (place != Place::list || current().shape != Value::Shape::list)) return scalar(cell);
+    cells.push_back(cell);
+    ++current().cells;
+    return true;
   }
   bool scalar(const Cell& cell) {
     switch (place) {
@@ -355,8 +358,13 @@ FUNCTION_ARG argument_of(Session& session, const Target& target, const Value& va
   if (target.cell != Target::whole)
     throw UsageError("input " + in_quotes(value.key) + " takes one value, not a list");
   FUNCTION_ARG array = session.array(value.columns, value.rows);
-  for (std::size_t i = 0; i < value.cells; ++i)
-    array.array.elements[i] = argument_of(session, target, cells[value.first_cell + i], pool, reading);
+  const bool as_it_is = target.unit == 0 && target.options.empty() && target.scale == 1.0;
+  for (std::size_t i = 0; i < value.cells; ++i) {
+    const Cell& cell = cells[value.first_cell + i];
+    array.array.elements[i] = as_it_is && cell.kind == Cell::Kind::number
+                                  ? FUNCTION_ARG::Number(cell.number)
+                                  : argument_of(session, target, cell, pool, reading);
+  }
   return array;
 }
 

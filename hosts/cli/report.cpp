@@ -101,6 +101,8 @@ class Report {
                  {"Standard", standard_of(spec)}});
   }
 
+  void warn(const std::string& text) { page_.paragraph("Warning: " + text); }
+
   // A case: the session has its arguments and has not run.
   void add(Session& session, const std::string& heading) {
     if (!heading.empty()) page_.heading(heading);
@@ -297,6 +299,7 @@ void add_rows(Report& report, const Function_CFunctionSpec& spec, const ReportOp
     if (columns == nullptr) {
       header.assign(cells.all().begin(), cells.all().end());
       columns = std::make_unique<BatchColumns>(spec, header, batch, reading);
+      for (const std::string& warning : columns->warnings()) report.warn(warning);
       continue;
     }
     if (++cases > most_cases)

@@ -9,6 +9,7 @@
 #include "hosts/cli/names.h"
 #include "hosts/cli/quantity_text.h"
 #include "hosts/cli/units_text.h"
+#include "units/unit_oddities.h"
 
 namespace norvane::cli {
 namespace {
@@ -89,6 +90,7 @@ bool Targets::find(std::string_view given, const Reading& reading, const std::st
     }
     if (!takes_unit(input)) throw UsageError(what + ": the input has no unit");
     target.unit = unit_like(inside, input.type, reading.atmosphere.has_value(), what);
+    target.warning = conversion_warning(target.unit, input.type);
     return true;
   }
   if (composition_ == spec_->input_count) return false;
@@ -159,6 +161,16 @@ void Targets::add(std::string_view name, const Reading& reading, const std::stri
     throw UsageError(text);
   }
   add(std::move(target), what);
+}
+
+std::vector<std::string> Targets::take_warnings(std::size_t first) {
+  std::vector<std::string> warnings;
+  for (std::size_t i = first; i < targets_.size(); ++i) {
+    Target& target = targets_[i];
+    if (!target.warning.empty()) warnings.push_back(target.name() + ": " + to_utf8(target.warning));
+    target.warning.clear();
+  }
+  return warnings;
 }
 
 void Targets::prepare(Session& session) const {

@@ -9,6 +9,7 @@
 #include "hosts/cli/quantity_text.h"
 #include "hosts/cli/record_text.h"
 #include "hosts/cli/units_text.h"
+#include "units/unit_oddities.h"
 
 namespace norvane::cli {
 namespace {
@@ -51,9 +52,12 @@ bool read_option(const Target& target, std::string_view text, double& value) {
 }
 
 // Between a gauge and an absolute unit lies the pressure of the atmosphere.
-double converted(const Session& session, const Target& target, double value, std::uint32_t from,
-                 const Reading& reading) {
+double converted(Session& session, const Target& target, double value, std::uint32_t from, const Reading& reading) {
   const std::uint32_t to = target.record->type;
+  if (from != to) {
+    const std::u16string warning = from == target.unit ? target.warning : conversion_warning(from, to);
+    if (!warning.empty()) session.remark(target.input, warning);
+  }
   const auto fail = [&] { return UsageError(full_name(session, target) + ": the value cannot be converted"); };
   if (type_number(from) == type_number(to)) {
     if (session.units().Convert(from, to, value) != UNIT_OK) throw fail();
