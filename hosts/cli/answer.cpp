@@ -71,7 +71,7 @@ std::vector<ShownMessage> shown_messages(const Session& session) {
   std::vector<ShownMessage> list;
   const bool failed = !session.good();
   for (const Message& message : session.messages())
-    list.push_back({failed || message.level == MESSAGE_ERROR, message.text});
+    list.push_back({(failed && list.size() >= session.remarks()) || message.level == MESSAGE_ERROR, message.text});
   return list;
 }
 

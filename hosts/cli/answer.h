@@ -31,7 +31,7 @@ std::vector<std::string_view> flag_names(std::uint32_t flags);
 // "status 2 (calculation error)", or why there is not even a status.
 std::string failure_text(const Session& session);
 
-// The messages of a call, each with its level; of a call that failed every message is an error.
+// The messages of a call, each with its level; of a call that failed every message but the remarks is an error.
 struct ShownMessage {
   bool error;
   std::u16string_view text;

@@ -71,10 +71,11 @@ class Run {
   Pipeline<RowBlock> pipeline_;
 };
 
-void tell_notes(const Tally& total, const RecordReader& reader, const Function_CFunctionSpec& spec) {
+void tell_notes(const Tally& total, const RecordReader& reader, const BatchColumns& columns) {
   Session session;
-  session.begin(spec);
+  session.begin(columns.function());
   std::string text = reader.encoding_note() + defaults_note(total, session);
+  for (const std::string& warning : columns.warnings()) text += "warning: " + warning + "\n";
   if (total.reencoded != 0 && reader.encoding_note().empty())
     text += "note: lines that are not UTF-8 (" + std::to_string(total.reencoded) +
             ") were read as Windows-1252; the answer is UTF-8\n";
@@ -101,7 +102,10 @@ ExitCode batch(const BatchOptions& options, Output& standard) {
   // From before the file is there: whoever ends the program then is told what became of it.
   const Interruption interruption;
   std::unique_ptr<ReplacedFile> file;
-  if (!options.out.empty() && options.out != "-") file = std::make_unique<ReplacedFile>(options.out);
+  if (!options.out.empty() && options.out != "-") {
+    file = std::make_unique<ReplacedFile>(options.out);
+    tell(file->note());
+  }
   Output to_file(file ? file->descriptor() : standard_output, file ? file->path() : "standard output");
   Output& out = file ? to_file : standard;
   out.write(reader.before_header() + columns.answer_header(format.delimiter) + std::string(format.line_end));
@@ -120,7 +124,7 @@ ExitCode batch(const BatchOptions& options, Output& standard) {
     file.reset();
     Interruption::end_program();
   }
-  tell_notes(run.total, reader, spec);
+  tell_notes(run.total, reader, columns);
   tell(summary(run.total));
   if (run.total.refused != 0) return exit_usage;
   const bool off_range = run.total.extended + run.total.outside != 0;

@@ -4,10 +4,12 @@
 #include <unordered_set>
 
 #include "core/text.h"
+#include "hosts/cli/arguments.h"
 #include "hosts/cli/composition_names.h"
 #include "hosts/cli/csv.h"
 #include "hosts/cli/errors.h"
 #include "hosts/cli/names.h"
+#include "hosts/cli/quantity_text.h"
 #include "hosts/cli/record_text.h"
 #include "hosts/cli/units_text.h"
 #include "hosts/cli/values.h"
@@ -97,6 +99,8 @@ void BatchColumns::find_targets(const BatchOptions& options, const std::vector<s
     targets_.add(std::move(target), what);
     uses_.push_back({i, targets_.all().size() - 1});
   }
+  warnings_ = targets_.take_warnings(values.size());
+  for (const Message& message : constants_.messages()) warnings_.push_back(to_utf8(message.text));
   for (const std::size_t column : unknown)
     if (!contains(options.keep, header_[column])) refuse_slip(header_[column]);
   if (uses_.empty())
@@ -106,6 +110,7 @@ void BatchColumns::find_targets(const BatchOptions& options, const std::vector<s
 
 void BatchColumns::choose_kept(const BatchOptions& options) {
   if (options.keep.empty() && !options.only_outputs) return;
+  keeps_all_ = false;
   kept_.assign(header_.size(), false);
   for (const std::string& name : options.keep) kept_[column_named(name, "--keep")] = true;
 }
@@ -187,7 +192,7 @@ std::string BatchColumns::answer_header(char delimiter) const {
   return line;
 }
 
-void BatchColumns::read(Session& session, const std::vector<std::string>& cells) const {
+void BatchColumns::read(Session& session, std::span<const std::string_view> cells) const {
   if (cells.size() != header_.size())
     throw UsageError("the row has " + std::to_string(cells.size()) + " cells, the header " +
                      std::to_string(header_.size()));
@@ -196,8 +201,7 @@ void BatchColumns::read(Session& session, const std::vector<std::string>& cells)
     targets_.put(session, targets_.all()[i], constant_values_[i], reading_);
   for (const Use& use : uses_) {
     const Target& target = targets_.all()[use.target];
-    const std::string& cell = cells[use.column];
-    const std::string_view text = trimmed(cell);
+    const std::string_view cell = cells[use.column], text = trimmed(cell);
     // Files are named on the command line only: what a row holds is data.
     const bool list = target.cell == Target::whole && target.record->is_array() && text.starts_with('[');
     targets_.put(session, target,

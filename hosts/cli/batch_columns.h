@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,13 +19,17 @@ class BatchColumns {
   BatchColumns(const Function_CFunctionSpec& spec, const std::vector<std::string>& header,
                const BatchOptions& options, const Reading& reading);
 
+  const Function_CFunctionSpec& function() const { return spec_; }
   std::size_t count() const { return header_.size(); }
   bool kept(std::size_t column) const { return kept_[column]; }
+  bool keeps_all() const { return keeps_all_; }
   // The header of the answer: kept columns, outputs, messages. An output whose name is taken gets the function's before
   // it.
   std::string answer_header(char delimiter) const;
+  // What the user should know about the units of columns and constants, once for all rows.
+  const std::vector<std::string>& warnings() const { return warnings_; }
   // Puts one row's cells into a call that was begun. Throws UsageError.
-  void read(Session& session, const std::vector<std::string>& cells) const;
+  void read(Session& session, std::span<const std::string_view> cells) const;
 
  private:
   void find_targets(const BatchOptions& options, const std::vector<std::string>& constants, std::size_t first_set);
@@ -42,10 +47,12 @@ class BatchColumns {
   const Reading& reading_;
   std::vector<std::string> header_;
   std::vector<bool> kept_;
+  bool keeps_all_ = true;
   Session constants_;  // a call of its own, never run, that holds what is the same in every row
   std::vector<FUNCTION_ARG> constant_values_;
   Targets targets_;  // the constants first
   std::vector<Use> uses_;
+  std::vector<std::string> warnings_;
 };
 
 }  // namespace norvane::cli

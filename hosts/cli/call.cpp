@@ -2,6 +2,7 @@
 
 #include "core/text.h"
 #include "hosts/cli/answer.h"
+#include "hosts/cli/arguments.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/json_call.h"
 #include "hosts/cli/json_text.h"
@@ -9,7 +10,6 @@
 #include "hosts/cli/record_text.h"
 #include "hosts/cli/session.h"
 #include "hosts/cli/table.h"
-#include "hosts/cli/values.h"
 #include "hosts/module/meaning.h"
 
 namespace norvane::cli {

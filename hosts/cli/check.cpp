@@ -21,10 +21,10 @@
 #include "hosts/cli/json_call.h"
 #include "hosts/cli/json_text.h"
 #include "hosts/cli/names.h"
+#include "hosts/cli/quantity_text.h"
 #include "hosts/cli/record_text.h"
 #include "hosts/cli/standards.h"
 #include "hosts/cli/table.h"
-#include "hosts/cli/values.h"
 
 namespace norvane::cli {
 namespace {
@@ -97,7 +97,7 @@ class Checker {
       from = end;
       const std::string place = name + ":" + std::to_string(line);
       line += lines_of(record);
-      if (is_comment(record) || record.find_first_not_of(" \t\r\n") == std::string_view::npos) continue;
+      if (is_comment(record) || is_blank(record)) continue;
       if (!split_record(record, delimiter, cells)) throw UsageError(place + ": a quoted field is not closed");
       if (header.empty()) {
         header = cells;

@@ -7,6 +7,12 @@
 namespace norvane::cli {
 
 std::size_t RecordEnds::next(std::string_view text, std::size_t from) {
+  if (state_ == State::record_start) {
+    // Without a quotation mark the record ends with its line.
+    const std::size_t feed = text.find('\n', from);
+    if (feed != std::string_view::npos && text.substr(from, feed - from).find('"') == std::string_view::npos)
+      return feed + 1;
+  }
   for (std::size_t i = from; i < text.size(); ++i) {
     const char c = text[i];
     switch (state_) {
@@ -44,43 +50,61 @@ std::size_t RecordEnds::next(std::string_view text, std::size_t from) {
   return std::string_view::npos;
 }
 
-bool split_record(std::string_view record, char delimiter, std::vector<std::string>& fields) {
+std::string_view without_line_end(std::string_view record) {
   if (record.ends_with('\n')) record.remove_suffix(1);
   if (record.ends_with('\r')) record.remove_suffix(1);
-  std::size_t count = 0;
-  const auto field = [&]() -> std::string& {
-    if (count == fields.size()) fields.emplace_back();
-    fields[count].clear();
-    return fields[count++];
-  };
-  std::size_t i = 0;
-  for (;;) {
-    std::string& text = field();
-    if (i < record.size() && record[i] == '"') {
-      for (++i;; ++i) {
-        if (i >= record.size()) {
-          fields.resize(count);
-          return false;
-        }
-        if (record[i] == '"' && (i + 1 >= record.size() || record[i + 1] != '"')) break;
-        if (record[i] == '"') ++i;
-        text += record[i];
-      }
-      ++i;
-    }
-    const std::size_t end = record.find(delimiter, i);
-    text.append(record, i, end == std::string_view::npos ? end : end - i);
-    if (end == std::string_view::npos) break;
-    i = end + 1;
+  return record;
+}
+
+// The field whose quotation mark stands at `from`, without the marks, up to the delimiter at `end`.
+std::string_view Fields::unquoted(std::string_view text, std::size_t from, std::size_t& end, char delimiter,
+                                  bool& closed) {
+  const std::size_t first = unquoted_.size();
+  const auto field = [&] { return std::string_view(unquoted_).substr(first); };
+  std::size_t i = from + 1;
+  for (;; ++i) {
+    closed = i < text.size();
+    if (!closed) return field();
+    if (text[i] == '"' && (i + 1 >= text.size() || text[i + 1] != '"')) break;
+    if (text[i] == '"') ++i;
+    unquoted_ += text[i];
   }
-  fields.resize(count);
-  return true;
+  end = std::min(text.find(delimiter, i + 1), text.size());
+  unquoted_.append(text, i + 1, end - i - 1);
+  return field();
+}
+
+bool Fields::split(std::string_view record, char delimiter) {
+  record = without_line_end(record);
+  views_.clear();
+  unquoted_.clear();
+  // Enough for all of it: views of it stay good.
+  unquoted_.reserve(record.size());
+  for (std::size_t from = 0;; ++from) {
+    std::size_t end = 0;
+    bool closed = true;
+    if (from < record.size() && record[from] == '"') {
+      views_.push_back(unquoted(record, from, end, delimiter, closed));
+      if (!closed) return false;
+    } else {
+      end = std::min(record.find(delimiter, from), record.size());
+      views_.push_back(record.substr(from, end - from));
+    }
+    if (end == record.size()) return true;
+    from = end;
+  }
+}
+
+bool split_record(std::string_view record, char delimiter, std::vector<std::string>& fields) {
+  Fields split;
+  const bool closed = split.split(record, delimiter);
+  fields.assign(split.all().begin(), split.all().end());
+  return closed;
 }
 
 void append_field(std::string& out, std::string_view field, char delimiter) {
-  const bool plain =
-      field.find_first_of("\"\r\n") == std::string_view::npos && field.find(delimiter) == std::string_view::npos;
-  if (plain) {
+  if (std::none_of(field.begin(), field.end(),
+                   [=](char c) { return c == '"' || c == '\r' || c == '\n' || c == delimiter; })) {
     out += field;
     return;
   }
@@ -92,6 +116,8 @@ void append_field(std::string& out, std::string_view field, char delimiter) {
   out += '"';
 }
 
+bool is_blank(std::string_view record) { return record.find_first_not_of(" \t\r\n") == std::string_view::npos; }
+
 bool is_comment(std::string_view record) {
   if (!record.starts_with('#')) return false;
   const std::size_t end = record.find_first_of(",;\t \r\n");
@@ -99,6 +125,7 @@ bool is_comment(std::string_view record) {
 }
 
 std::size_t lines_of(std::string_view record) {
+  if (record.find('\n') == record.size() - 1) return 1;
   const auto feeds = static_cast<std::size_t>(std::count(record.begin(), record.end(), '\n'));
   return record.ends_with('\n') ? feeds : feeds + 1;
 }

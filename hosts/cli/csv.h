@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,13 +23,36 @@ class RecordEnds {
   State state_ = State::record_start;
 };
 
-// The fields of one record (its line end may be there or not). Quoted fields lose their quotation marks.
-// False when a quoted field is not closed.
+// The record without its line end.
+std::string_view without_line_end(std::string_view record);
+
+// The fields of one record (its line end may be there or not): views of the record, or of what is left of a quoted
+// field without its quotation marks. Both must outlive their use.
+class Fields {
+ public:
+  // False when a quoted field is not closed.
+  bool split(std::string_view record, char delimiter);
+  std::size_t size() const { return views_.size(); }
+  // Cuts off what is too much, adds blank fields where there are too few.
+  void resize(std::size_t count) { views_.resize(count); }
+  std::string_view operator[](std::size_t i) const { return views_[i]; }
+  std::span<const std::string_view> all() const { return views_; }
+
+ private:
+  std::string_view unquoted(std::string_view text, std::size_t from, std::size_t& end, char delimiter, bool& closed);
+
+  std::vector<std::string_view> views_;
+  std::string unquoted_;
+};
+
+// The same as texts.
 bool split_record(std::string_view record, char delimiter, std::vector<std::string>& fields);
 
 // A field as it is written: in quotation marks when it needs them.
 void append_field(std::string& out, std::string_view field, char delimiter);
 
+// True for a line with nothing in it.
+bool is_blank(std::string_view record);
 // True for a line that is kept as it is: it begins with '#' and its first field is no error value such as #N/A.
 bool is_comment(std::string_view record);
 // Lines that a record takes in its file: one more than the line feeds inside it.

@@ -3,6 +3,7 @@
 #include "hosts/cli/csv.h"
 #include "hosts/cli/encoding.h"
 #include "hosts/cli/errors.h"
+#include "hosts/cli/output.h"
 #include "hosts/cli/platform.h"
 
 namespace norvane::cli {
@@ -32,6 +33,7 @@ std::string read_text_file(const std::string& path) {
 
 void write_file(const std::string& path, std::string_view text) {
   ReplacedFile file(path);
+  tell(file.note());
   write_all(file.descriptor(), text, path);
   file.commit();
 }

@@ -11,6 +11,7 @@
 #include "core/text.h"
 #include "hosts/cli/composition_names.h"
 #include "hosts/cli/errors.h"
+#include "hosts/cli/json_reader.h"
 #include "hosts/cli/json_text.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/values.h"
@@ -128,10 +129,8 @@ struct JsonCalls::Reader {
   bool number_unsigned(json::number_unsigned_t given) {
     return place == Place::id ? echo(std::to_string(given)) : number(static_cast<double>(given));
   }
-  bool number_float(json::number_float_t given, const std::string& text) {
-    return place == Place::id ? echo(text) : number(given);
-  }
-  bool string(std::string& given) {
+  bool real(double given, std::string_view text) { return place == Place::id ? echo(text) : number(given); }
+  bool text(std::string_view given) {
     if (place == Place::id) {
       append_text(id, given);
       return echo({});
@@ -153,6 +152,10 @@ struct JsonCalls::Reader {
     if (place != Place::skipped) pool += given;
     return scalar(cell);
   }
+  // The same events by the names of the other parser.
+  bool number_float(json::number_float_t given, const std::string& text) { return real(given, text); }
+  bool string(std::string& given) { return text(given); }
+  bool key(std::string& given) { return name(given); }
   bool binary(json::binary_t&) { return false; }  // no part of JSON text
 
   bool start_object(std::size_t) {
@@ -169,7 +172,7 @@ struct JsonCalls::Reader {
       default: return refuse_here("");
     }
   }
-  bool key(std::string& given) {
+  bool name(std::string_view given) {
     switch (place) {
       case Place::skipped: return true;
       case Place::call: return member(given);
@@ -286,7 +289,10 @@ struct JsonCalls::Reader {
     Cell cell;
     cell.kind = Cell::Kind::number;
     cell.number = given;
-    return scalar(cell);
+    if (place != Place::row && (place != Place::list || current().shape != Value::Shape::list)) return scalar(cell);
+    cells.push_back(cell);
+    ++current().cells;
+    return true;
   }
   bool scalar(const Cell& cell) {
     switch (place) {
@@ -304,7 +310,7 @@ struct JsonCalls::Reader {
     ++current().cells;
     return true;
   }
-  bool member(const std::string& given) {
+  bool member(std::string_view given) {
     if (given == "id") {
       place = Place::id;
       return id.empty() || refuse("\"id\" is given twice");
@@ -352,12 +358,22 @@ FUNCTION_ARG argument_of(Session& session, const Target& target, const Value& va
   if (target.cell != Target::whole)
     throw UsageError("input " + in_quotes(value.key) + " takes one value, not a list");
   FUNCTION_ARG array = session.array(value.columns, value.rows);
-  for (std::size_t i = 0; i < value.cells; ++i)
-    array.array.elements[i] = argument_of(session, target, cells[value.first_cell + i], pool, reading);
+  const bool as_it_is = target.unit == 0 && target.options.empty() && target.scale == 1.0;
+  for (std::size_t i = 0; i < value.cells; ++i) {
+    const Cell& cell = cells[value.first_cell + i];
+    array.array.elements[i] = as_it_is && cell.kind == Cell::Kind::number
+                                  ? FUNCTION_ARG::Number(cell.number)
+                                  : argument_of(session, target, cell, pool, reading);
+  }
   return array;
 }
 
-bool parse(JsonCalls::Reader& reader, std::string_view text) {
+// `begin` sets the reader up for the text.
+template <class Begin>
+bool parse(JsonCalls::Reader& reader, std::string_view text, const Begin& begin) {
+  begin();
+  if (JsonReader(text).read(reader)) return true;
+  begin();
   // The parser takes a zero byte for the end of the text and would not see what follows.
   if (const std::size_t zero = text.find('\0'); zero != std::string_view::npos) {
     reader.problem = "not valid JSON at character " + std::to_string(zero + 1) + ": a zero byte";
@@ -413,7 +429,7 @@ const Targets& JsonCalls::targets(const Function_CFunctionSpec& spec) {
 void JsonCalls::call(std::string_view line) {
   Reader& reader = *reader_;
   if (line.find_first_not_of(" \t\r") == std::string_view::npos) throw UsageError("the line is empty");
-  if (!parse(reader, line)) throw UsageError(reader.problem);
+  if (!parse(reader, line, [&] { reader.reset(Reader::Place::start); })) throw UsageError(reader.problem);
   if (!reader.function_given) throw UsageError("\"function\" is missing");
   const Function_CFunctionSpec& spec = function(reader.function);
   session_.begin(spec);
@@ -501,9 +517,11 @@ void append_failure(std::string& out, std::string_view message, std::string_view
 bool read_json_value(Session& session, const Target& target, std::string_view text, const Reading& reading,
                      FUNCTION_ARG& value) {
   JsonCalls::Reader reader;
-  reader.reset(JsonCalls::Reader::Place::value);
-  reader.begin_value(target.name());
-  if (!parse(reader, text)) return false;
+  const auto begin = [&] {
+    reader.reset(JsonCalls::Reader::Place::value);
+    reader.begin_value(target.name());
+  };
+  if (!parse(reader, text, begin)) return false;
   value = argument_of(session, target, reader.current(), reader.cells, reader.pool, reading);
   return true;
 }

@@ -123,9 +123,10 @@ void append_text(std::string& out, std::u16string_view text) {
     append_escaped(out, to_utf8(text));
     return;
   }
-  out += '"';
-  for (const char16_t c : text) out += static_cast<char>(c);
-  out += '"';
+  const std::size_t start = out.size();
+  out.resize(start + text.size() + 2, '"');
+  std::transform(text.begin(), text.end(), out.begin() + static_cast<std::ptrdiff_t>(start) + 1,
+                 [](char16_t c) { return static_cast<char>(c); });
 }
 
 void append_value(std::string& out, const FUNCTION_ARG& value) { append_nested(out, value, 0); }

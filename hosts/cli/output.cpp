@@ -15,4 +15,6 @@ void tell(std::string_view text) noexcept {
   }
 }
 
+std::size_t page_width() { return terminal_width(standard_output); }
+
 }  // namespace norvane::cli

@@ -1,6 +1,7 @@
 // Standard output with a buffer: every failure to write is noticed and ends the program with its own exit code.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,9 @@ namespace norvane::cli {
 
 // A message for whoever runs the program; when standard error cannot take it, there is nobody left to tell.
 void tell(std::string_view text) noexcept;
+
+// Width of the terminal that standard output is; 0 when it is none, and text is not wrapped.
+std::size_t page_width();
 
 class Output {
  public:

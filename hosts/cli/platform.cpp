@@ -14,7 +14,6 @@
 #include <system_error>
 
 #include "hosts/cli/errors.h"
-#include "hosts/cli/output.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -409,7 +408,7 @@ ReplacedFile::ReplacedFile(std::string path) : path_(std::move(path)) {
     throw InputOutputError("cannot write " + path_ + ": " + path_ + ".part is in the way");
   if (descriptor_ < 0) fail("cannot create", path_, errno);
   watch_interruption(temporary_);
-  if (stale) tell("note: " + path_ + ".part, left by a run that was killed, is replaced\n");
+  if (stale) note_ = "note: " + path_ + ".part, left by a run that was killed, is replaced\n";
 }
 
 ReplacedFile::~ReplacedFile() {

@@ -67,13 +67,15 @@ class ReplacedFile {
 
   int descriptor() const noexcept { return descriptor_; }
   const std::string& path() const noexcept { return path_; }
+  // What the user should be told, a line of text or nothing.
+  const std::string& note() const noexcept { return note_; }
   // Puts the file in its place. Without it the destructor throws the file away.
   void commit();
 
  private:
   void remove_temporary() noexcept;
 
-  std::string path_;
+  std::string path_, note_;
   std::filesystem::path target_;
   std::filesystem::path temporary_;  // empty: the file is a device or pipe, written in place
   int descriptor_ = -1;

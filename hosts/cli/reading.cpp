@@ -7,9 +7,9 @@
 #include "hosts/cli/errors.h"
 #include "hosts/cli/json_text.h"
 #include "hosts/cli/names.h"
+#include "hosts/cli/quantity_text.h"
 #include "hosts/cli/record_text.h"
 #include "hosts/cli/units_text.h"
-#include "hosts/cli/values.h"
 
 namespace norvane::cli {
 namespace {

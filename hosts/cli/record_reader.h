@@ -39,14 +39,16 @@ class RecordReader {
   bool fill();
   bool fill_line();
   void check_length() const;
-  std::string take(std::size_t count);
-  std::string in_utf8(std::string text);
+  std::string_view pending() const { return std::string_view(buffer_).substr(taken_); }
+  std::string_view take(std::size_t count);
+  std::string in_utf8(std::string_view text);
 
   int descriptor_;
   std::string name_;
-  std::string pending_;
-  std::string bytes_;  // of UTF-16, as they were read
-  std::size_t scanned_ = 0;
+  std::string buffer_;
+  std::size_t taken_ = 0;    // of the buffer; the rest is pending
+  std::size_t scanned_ = 0;  // of what is pending
+  std::string bytes_;        // of UTF-16, as they were read
   std::uint64_t bytes_read_ = 0;
   std::uint64_t line_ = 1;
   std::optional<Utf16Decoder> utf16_;

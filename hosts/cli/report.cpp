@@ -5,6 +5,7 @@
 
 #include "core/text.h"
 #include "hosts/cli/answer.h"
+#include "hosts/cli/arguments.h"
 #include "hosts/cli/batch_columns.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/composition_names.h"
@@ -15,6 +16,7 @@
 #include "hosts/cli/input_file.h"
 #include "hosts/cli/json_text.h"
 #include "hosts/cli/names.h"
+#include "hosts/cli/quantity_text.h"
 #include "hosts/cli/record_text.h"
 #include "hosts/cli/standards.h"
 #include "hosts/cli/values.h"
@@ -98,6 +100,8 @@ class Report {
                 {{"Function", to_utf8(spec.id) + " (worksheet function " + to_utf8(spec.worksheet_name()) + ")"},
                  {"Standard", standard_of(spec)}});
   }
+
+  void warn(const std::string& text) { page_.paragraph("Warning: " + text); }
 
   // A case: the session has its arguments and has not run.
   void add(Session& session, const std::string& heading) {
@@ -279,7 +283,8 @@ void add_rows(Report& report, const Function_CFunctionSpec& spec, const ReportOp
   std::string_view text = content;
   const char delimiter = take_delimiter(text);
   RecordEnds ends(delimiter);
-  std::vector<std::string> header, cells;
+  std::vector<std::string> header;
+  Fields cells;
   std::unique_ptr<BatchColumns> columns;
   Session session;
   std::size_t line = 1, cases = 0;
@@ -289,11 +294,12 @@ void add_rows(Report& report, const Function_CFunctionSpec& spec, const ReportOp
     const std::string place = shown_path(options.in) + ", line " + std::to_string(line);
     from = end;
     line += lines_of(record);
-    if (is_comment(record) || record.find_first_not_of(" \t\r\n") == std::string_view::npos) continue;
-    if (!split_record(record, delimiter, cells)) throw UsageError(place + ": a quoted field is not closed");
+    if (is_comment(record) || is_blank(record)) continue;
+    if (!cells.split(record, delimiter)) throw UsageError(place + ": a quoted field is not closed");
     if (columns == nullptr) {
-      header = cells;
+      header.assign(cells.all().begin(), cells.all().end());
       columns = std::make_unique<BatchColumns>(spec, header, batch, reading);
+      for (const std::string& warning : columns->warnings()) report.warn(warning);
       continue;
     }
     if (++cases > most_cases)
@@ -301,11 +307,11 @@ void add_rows(Report& report, const Function_CFunctionSpec& spec, const ReportOp
                        " cases for one report");
     session.begin(spec);
     try {
-      columns->read(session, cells);
+      columns->read(session, cells.all());
     } catch (const UsageError& error) {
       throw UsageError(place + ": " + error.what());
     }
-    report.add(session, "Case " + std::to_string(cases) + (header.empty() ? "" : ": " + header[0] + " " + cells[0]));
+    report.add(session, "Case " + std::to_string(cases) + ": " + header[0] + " " + std::string(cells[0]));
   }
   if (cases == 0) throw UsageError(shown_path(options.in) + ": there is no row to report");
 }

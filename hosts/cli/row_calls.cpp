@@ -1,5 +1,6 @@
 #include "hosts/cli/row_calls.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/text.h"
@@ -29,23 +30,43 @@ std::string outside_text(const Session& session) {
 void RowCalls::answer(std::string_view records, std::uint64_t first_line, std::string& out, Tally& tally) {
   RecordEnds ends(format_.delimiter);
   std::uint64_t line = first_line;
+  const bool all_utf8 = is_utf8(records);
   for (std::size_t from = 0; from < records.size();) {
-    std::size_t end = ends.next(records, from);
-    if (end == std::string_view::npos) end = records.size();
+    const std::size_t end = std::min(ends.next(records, from), records.size());
     const std::string_view record = records.substr(from, end - from);
     from = end;
     std::string converted;
-    const bool good = is_utf8(record);
+    const bool good = all_utf8 || is_utf8(record);
     if (!good) {
       converted = from_windows_1252(record);
       ++tally.reencoded;
     }
     const std::string_view text = good ? record : std::string_view(converted);
-    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos || is_comment(text))
+    if (is_blank(text) || is_comment(text))
       out += text;
     else
       row(text, line, out, tally);
     line += lines_of(record);
+  }
+}
+
+// The cells of the kept columns, each with a delimiter behind it.
+void RowCalls::append_kept(std::string& out, std::string_view record) {
+  const std::string_view text = without_line_end(record);
+  // A cell is repeated as it stands unless it has marks to lose or a line end to hide behind such.
+  const bool as_it_is = columns_.keeps_all() && cells_.size() == columns_.count() &&
+                        text.find('"') == std::string_view::npos && text.find('\r') == std::string_view::npos;
+  if (as_it_is) {
+    out += text;
+    out += format_.delimiter;
+  }
+  // A row with too few or too many cells keeps the columns of the others.
+  cells_.resize(columns_.count());
+  if (as_it_is) return;
+  for (std::size_t i = 0; i < cells_.size(); ++i) {
+    if (!columns_.kept(i)) continue;
+    append_field(out, cells_[i], format_.delimiter);
+    out += format_.delimiter;
   }
 }
 
@@ -54,20 +75,14 @@ void RowCalls::row(std::string_view record, std::uint64_t line, std::string& out
   std::string problem;
   session_.begin(spec_);
   try {
-    if (!split_record(record, format_.delimiter, cells_)) throw UsageError("a quoted field is not closed");
-    columns_.read(session_, cells_);
+    if (!cells_.split(record, format_.delimiter)) throw UsageError("a quoted field is not closed");
+    columns_.read(session_, cells_.all());
     left_to_defaults(session_, defaulted_);
     if (reading_.no_defaults) refuse_defaults(session_, defaulted_);
   } catch (const UsageError& error) {
     problem = error.what();
   }
-  // A row with too few or too many cells keeps the columns of the others.
-  cells_.resize(columns_.count());
-  for (std::size_t i = 0; i < cells_.size(); ++i) {
-    if (!columns_.kept(i)) continue;
-    append_field(out, cells_[i], format_.delimiter);
-    out += format_.delimiter;
-  }
+  append_kept(out, record);
   if (problem.empty()) session_.run();
   for (std::size_t i = 0; i < spec_.output_count; ++i) {
     if (problem.empty()) append_cell(out, shown_output(session_, i));
@@ -98,19 +113,25 @@ void RowCalls::row(std::string_view record, std::uint64_t line, std::string& out
   }
 }
 
+void RowCalls::append_number_cell(std::string& out, double value) {
+  if (!std::isfinite(value)) {
+    out += "#NUM!";
+    return;
+  }
+  const std::size_t start = out.size();
+  append_number(out, value, format_.precision);
+  if (format_.decimal == '.') return;
+  const std::size_t point = out.find('.', start);
+  if (point == std::string::npos) return;
+  out[point] = format_.decimal;
+  if (format_.decimal != format_.delimiter) return;
+  out.insert(start, 1, '"');
+  out += '"';
+}
+
 void RowCalls::append_cell(std::string& out, const FUNCTION_ARG& value) {
   switch (value.kind) {
-    case ARG_NUMBER:
-      if (!std::isfinite(value.number)) {
-        out += "#NUM!";
-        return;
-      }
-      text_.clear();
-      append_number(text_, value.number, format_.precision);
-      if (format_.decimal == ',')
-        if (const std::size_t point = text_.find('.'); point != std::string::npos) text_[point] = ',';
-      append_field(out, text_, format_.delimiter);
-      return;
+    case ARG_NUMBER: append_number_cell(out, value.number); return;
     case ARG_INTEGER: append_integer(out, value.integer); return;
     case ARG_BOOLEAN: out += value.boolean != 0 ? "TRUE" : "FALSE"; return;
     case ARG_STRING: append_field(out, to_utf8(value.text()), format_.delimiter); return;

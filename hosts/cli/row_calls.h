@@ -30,16 +30,17 @@ class RowCalls {
 
  private:
   void row(std::string_view record, std::uint64_t line, std::string& out, Tally& tally);
+  void append_kept(std::string& out, std::string_view record);
   void append_cell(std::string& out, const FUNCTION_ARG& value);
+  void append_number_cell(std::string& out, double value);
 
   const Function_CFunctionSpec& spec_;
   const BatchColumns& columns_;
   const Reading& reading_;
   RowFormat format_;
   Session session_;
-  std::vector<std::string> cells_;
+  Fields cells_;
   std::vector<std::size_t> defaulted_;
-  std::string text_;
 };
 
 }  // namespace norvane::cli

@@ -42,6 +42,7 @@ void Session::begin(const Function_CFunctionSpec& spec) {
   output_ = FUNCTION_ARG::Empty();
   status_ = ERROR_OK;
   flags_ = 0;
+  remarks_ = 0;
 }
 
 FUNCTION_ARG Session::text(std::u16string_view text) {
@@ -60,6 +61,12 @@ FUNCTION_ARG Session::array(std::size_t columns, std::size_t rows) {
   if (!context_->SetArray(value, static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows)))
     throw std::bad_alloc();
   return value;
+}
+
+void Session::remark(std::size_t input, std::u16string_view text) {
+  std::u16string message = u"[" + to_utf16(std::to_string(input + 1)) + u"] ";
+  context_->ReportMessage(MESSAGE_WARNING, message.append(spec_->inputs[input].key).append(u": ").append(text));
+  remarks_ = context_->messages().size();
 }
 
 void Session::run() {

@@ -28,6 +28,8 @@ class Session {
   FUNCTION_ARG text(std::string_view utf8);
   FUNCTION_ARG text(std::u16string_view text);
   FUNCTION_ARG array(std::size_t columns, std::size_t rows);
+  // What the user should know about an argument before the call runs; becomes its first messages.
+  void remark(std::size_t input, std::u16string_view text);
   void run();
 
   const Function_CFunctionSpec& function() const { return *spec_; }
@@ -36,6 +38,8 @@ class Session {
   // ARG_EMPTY when the output was not written; the error when the call failed and its outputs would not tell.
   const FUNCTION_ARG& output(std::size_t index) const;
   std::span<const Message> messages() const { return context_->messages(); }
+  // How many of the messages are remarks.
+  std::size_t remarks() const { return remarks_; }
   // The call failed and its outputs are the fallback values of the record.
   bool fallback() const { return status_ == ERROR_OK && (flags_ & (FLAG_OUTPUT_FALLBACK & 0xFFFFFF)) != 0; }
   // False when the call failed, or a status output answered with anything but 0.
@@ -55,6 +59,7 @@ class Session {
   FUNCTION_ARG error_ = FUNCTION_ARG::Empty();  // in place of every output
   std::uint32_t status_ = ERROR_OK;
   std::uint32_t flags_ = 0;
+  std::size_t remarks_ = 0;
 };
 
 // The worksheet error code of a text such as "#N/A"; 0 for any other text.

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "hosts/cli/platform.h"
-
 namespace norvane::cli {
 namespace {
 
@@ -77,7 +75,5 @@ std::string Table::text(std::size_t indent, std::size_t width) const {
   }
   return out;
 }
-
-std::size_t page_width() { return terminal_width(standard_output); }
 
 }  // namespace norvane::cli

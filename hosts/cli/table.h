@@ -27,7 +27,4 @@ class Table {
   std::vector<std::vector<std::string>> rows_;
 };
 
-// Width of the terminal that standard output is; 0 when it is none, and text is not wrapped.
-std::size_t page_width();
-
 }  // namespace norvane::cli

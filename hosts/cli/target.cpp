@@ -7,8 +7,9 @@
 #include "hosts/cli/composition_names.h"
 #include "hosts/cli/errors.h"
 #include "hosts/cli/names.h"
+#include "hosts/cli/quantity_text.h"
 #include "hosts/cli/units_text.h"
-#include "hosts/cli/values.h"
+#include "units/unit_oddities.h"
 
 namespace norvane::cli {
 namespace {
@@ -89,6 +90,7 @@ bool Targets::find(std::string_view given, const Reading& reading, const std::st
     }
     if (!takes_unit(input)) throw UsageError(what + ": the input has no unit");
     target.unit = unit_like(inside, input.type, reading.atmosphere.has_value(), what);
+    target.warning = conversion_warning(target.unit, input.type);
     return true;
   }
   if (composition_ == spec_->input_count) return false;
@@ -161,6 +163,16 @@ void Targets::add(std::string_view name, const Reading& reading, const std::stri
   add(std::move(target), what);
 }
 
+std::vector<std::string> Targets::take_warnings(std::size_t first) {
+  std::vector<std::string> warnings;
+  for (std::size_t i = first; i < targets_.size(); ++i) {
+    Target& target = targets_[i];
+    if (!target.warning.empty()) warnings.push_back(target.name() + ": " + to_utf8(target.warning));
+    target.warning.clear();
+  }
+  return warnings;
+}
+
 void Targets::prepare(Session& session) const {
   for (std::size_t i = 0; i < sizes_.size(); ++i) {
     if (sizes_[i] == 0) continue;
@@ -169,12 +181,6 @@ void Targets::prepare(Session& session) const {
     if (i != composition_) continue;
     for (std::size_t cell = 0; cell < sizes_[i]; ++cell) argument.array.elements[cell] = FUNCTION_ARG::Number(0.0);
   }
-}
-
-void Targets::put(Session& session, const Target& target, std::string_view text, const Reading& reading) const {
-  const bool list = target.cell == Target::whole && target.record->is_array();
-  put(session, target,
-      list ? read_argument(session, target, text, reading) : read_cell(session, target, text, reading), reading);
 }
 
 void Targets::put(Session& session, const Target& target, const FUNCTION_ARG& value, const Reading& reading) const {
@@ -201,6 +207,8 @@ void Targets::put(Session& session, const Target& target, const FUNCTION_ARG& va
     argument.array.elements[component::n_hexane] = value;
   }
 }
+
+bool takes_unit(const Function_CInput& input) { return kind_of_code(input.type) == CodeKind::unit; }
 
 bool split_brackets(std::string_view title, std::string_view& name, std::string_view& inside) {
   if (title.empty() || (title.back() != ']' && title.back() != ')')) return false;

@@ -23,6 +23,7 @@ struct Target {
   std::size_t input = 0;
   std::size_t cell = whole;     // place in a range, the whole argument, or an amount of C6+ to be split
   std::uint32_t unit = 0;       // of numbers that name none; 0: the input's own
+  std::u16string warning;       // what is odd about the conversion from the unit
   double scale = 1.0;           // of mole fractions: 0.01 for percent
   bool composition = false;     // the value is a mole fraction, or all 22 of them
   std::vector<Option> options;  // values that have a name
@@ -50,11 +51,12 @@ class Targets {
   bool given(std::size_t input) const { return taken_[input] != Taken::no; }
   std::vector<std::string> known_names() const;
 
+  // The warnings of the targets from this one on, each behind its input's name; calls repeat them no more.
+  std::vector<std::string> take_warnings(std::size_t first);
+
   // Makes the ranges of a call that are put together from single cells. What a gas does not name is not in it.
   void prepare(Session& session) const;
-  // Puts a value. Throws UsageError naming the input: a blank one (unless defaults may stand for blanks), a text that
-  // is no number.
-  void put(Session& session, const Target& target, std::string_view text, const Reading& reading) const;
+  // Puts a value. Throws UsageError naming the input for a blank one, unless defaults may stand for blanks.
   void put(Session& session, const Target& target, const FUNCTION_ARG& value, const Reading& reading) const;
 
  private:
@@ -67,6 +69,9 @@ class Targets {
   std::vector<std::size_t> sizes_;              // of ranges put together from cells
   std::vector<std::vector<bool>> given_cells_;  // of each input
 };
+
+// True when the input takes a number in a unit of the catalogue.
+bool takes_unit(const Function_CInput& input);
 
 // Splits "name [inside]" or "name (inside)"; false when there is no bracket at the end.
 bool split_brackets(std::string_view title, std::string_view& name, std::string_view& inside);
