@@ -55,6 +55,19 @@ def convert(value, unit: str, to: str):
     return result
 
 
+def convertible(unit: str, to: str) -> tuple[float, str]:
+    """What 1 becomes, and what is wrong with the units."""
+    one = ctypes.c_double(1.0)
+    problem = convert_in_place(ctypes.byref(one), 1, unit, to)
+    return one.value, problem
+
+
+def same_unit(unit: str, to: str) -> bool:
+    """Whether numbers in the one unit are numbers in the other as they are."""
+    numbers_ = (ctypes.c_double * 2)(0.0, 1.0)
+    return not convert_in_place(numbers_, 2, unit, to) and list(numbers_) == [0.0, 1.0]
+
+
 def target_unit(parameter: Input) -> str | None:
     """The unit in which the function wants this input, None when it has none."""
     return FRACTION if parameter.components else parameter.unit_key
