@@ -1,6 +1,4 @@
 // The direct exports: their C source, the public header, and the lists of their names.
-#include <nlohmann/json.hpp>
-
 #include "math/common/components.h"
 #include "tools/signatures.h"
 
@@ -8,8 +6,6 @@ namespace norvane::generate {
 namespace {
 
 using host::Passing;
-
-std::string export_name(const Method& method) { return "Norvane_" + narrow(method.spec->id); }
 
 std::vector<std::string> parameters(const Method& method) {
   const std::string gap(1, unbroken);
@@ -113,25 +109,6 @@ void components(std::ostream& out) {
   out << "  NORVANE_COMPONENTS = " << component::count << "\n};\n";
 }
 
-using Json = nlohmann::ordered_json;
-
-template <class Record>
-Json described(const Parameter& parameter, const Record& record) {
-  return {{"name", parameter.name},
-          {"key", narrow(record.key)},
-          {"type", host::passing_name(parameter.passing)},
-          {"form", form_of(record)}};
-}
-
-void add_default(Json& input, const Core_CVariant& value) {
-  double number = 0.0;
-  if (value.tag() == Core_CVariant::STRING || value.tag() == Core_CVariant::BORROWED_STRING) {
-    input["default"] = narrow(value.AsText());
-  } else if (!value.empty() && value.ToDouble(number) == CORE_RESULT_OK) {
-    input["default"] = number;
-  }
-}
-
 }  // namespace
 
 void exports_header(std::ostream& out, Specs) {
@@ -225,6 +202,14 @@ typedef struct norvane_column {
  *                 nothing is written then, and norvane_last_message() says why. */
 NORVANE_API size_t norvane_batch(const char* function, size_t rows, const norvane_column* inputs, size_t input_count,
                                  double* const* outputs, size_t output_count, uint32_t* statuses);
+
+/* Converts numbers in place from a unit to another of the same quantity. Units are named as people write them:
+ * bar(a), psia, degF, kg/h; mol% and mol/mol are scales of mole fractions. 0, or NORVANE_NOT_RUN when there is no such
+ * conversion and no number was changed. The message, unless that pointer is null, tells why; with the result 0 it is
+ * a warning that the conversion is not the physical one, or empty. UTF-8; it lives until the same thread converts
+ * again. */
+NORVANE_API uint32_t norvane_convert(const char* from, const char* to, double* values, size_t count,
+                                     const char** message);
 )";
   components(out);
   for (const Method& method : methods()) {
@@ -266,33 +251,8 @@ void exports_source(std::ostream& out, Specs) {
   }
 }
 
-// One function a line.
-void exports_json(std::ostream& out, Specs) {
-  const char* separator = "[\n";
-  for (const Method& method : methods()) {
-    const Function_CFunctionSpec& spec = *method.spec;
-    Json inputs = Json::array();
-    for (const Parameter& parameter : method.inputs) {
-      inputs.push_back(described(parameter, spec.inputs[parameter.index]));
-      add_default(inputs.back(), spec.inputs[parameter.index].default_value);
-    }
-    Json outputs = Json::array();
-    for (const Parameter& parameter : method.outputs)
-      outputs.push_back(described(parameter, spec.outputs[parameter.index]));
-    const Json function = {{"function", narrow(spec.id)},
-                           {"export", export_name(method)},
-                           {"batch", export_name(method) + "_Batch"},
-                           {"dispatch_id", method.id},
-                           {"inputs", inputs},
-                           {"outputs", outputs}};
-    out << separator << function.dump();
-    separator = ",\n";
-  }
-  out << "\n]\n";
-}
-
 void exports_names(std::ostream& out, Specs) {
-  out << "norvane_batch\nnorvane_last_message\nnorvane_status_text\nnorvane_version\n";
+  out << "norvane_batch\nnorvane_convert\nnorvane_last_message\nnorvane_status_text\nnorvane_version\n";
   for (const Method& method : methods()) out << export_name(method) << "\n" << export_name(method) << "_Batch\n";
 }
 

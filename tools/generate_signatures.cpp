@@ -78,6 +78,8 @@ std::vector<Method> methods() {
   return list;
 }
 
+std::string export_name(const Method& method) { return "Norvane_" + narrow(method.spec->id); }
+
 std::string ascii(std::u16string_view text) {
   constexpr std::array<std::pair<char16_t, const char*>, 12> replacements = {{{u'\u00B0', "deg"},
                                                                               {u'\u00B2', "2"},

@@ -26,6 +26,9 @@ struct Method {
 // The methods of this build, in the order of the typed interfaces.
 std::vector<Method> methods();
 
+// The C function of a method.
+std::string export_name(const Method& method);
+
 // Text for a comment in a C or IDL file: US-ASCII, and nothing that ends the comment.
 std::string ascii(std::u16string_view text);
 

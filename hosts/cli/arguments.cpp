@@ -10,6 +10,7 @@
 #include "hosts/cli/names.h"
 #include "hosts/cli/quantity_text.h"
 #include "hosts/cli/values.h"
+#include "units/unit_names.h"
 
 namespace norvane::cli {
 namespace {

@@ -4,7 +4,6 @@
 #include <charconv>
 
 #include "core/text.h"
-#include "hosts/cli/names.h"
 
 namespace norvane::cli {
 namespace {
@@ -57,18 +56,6 @@ bool read_quantity(std::string_view text, char decimal, Quantity& quantity) {
   if (rest.starts_with(',') || rest.starts_with('.')) return false;
   quantity.unit = trimmed(rest);
   return true;
-}
-
-double fraction_scale(std::string_view text) {
-  const std::string name = normalised(text);
-  for (const std::string_view known : {"%", "mol%", "mole%", "%mol", "%mole", "mol_%", "mole_%", "%_mol", "%_mole",
-                                       "mol_percent", "mole_percent", "percent", "%(mol)", "%_(mol)"})
-    if (name == known) return 0.01;
-  for (const std::string_view known : {"mol/mol", "mole/mole", "fraction", "mole_fraction", "mol_fraction", "_", "1"})
-    if (name == known) return 1.0;
-  for (const std::string_view known : {"ppm", "ppm_mol", "molppm", "mol_ppm", "ppm(mol)"})
-    if (name == known) return 1e-6;
-  return 0.0;
 }
 
 }  // namespace norvane::cli

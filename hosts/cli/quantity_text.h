@@ -58,8 +58,4 @@ struct Quantity {
 // False when the text is something else.
 bool read_quantity(std::string_view text, char decimal, Quantity& quantity);
 
-// The scale of mole fractions under a heading: 1 for "mol/mol", 0.01 for "%" and "mol%", 1e-6 for "ppm"; 0 for a text
-// that says none of these.
-double fraction_scale(std::string_view text);
-
 }  // namespace norvane::cli

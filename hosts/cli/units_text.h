@@ -1,22 +1,13 @@
-// Units by the names people type: the catalogue's keys ("bar_a"), symbols ("bar(a)"), and the spellings of daily life
-// ("bara", "kg/h", "C").
+// What the command says about units; their names are found in units/unit_names.h.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "units/unit_catalogue.h"
+#include "units/unit_names.h"
 
 namespace norvane::cli {
-
-// Every unit of the catalogue, in its order.
-const std::vector<const Unit_CEntry*>& all_units();
-
-// Every unit that the text may name, best match first: by key, by symbol, by symbol in any case, by another spelling.
-// Case never tells milli from mega: "mJ" is no "MJ".
-std::vector<const Unit_CEntry*> units_named(std::string_view text);
 
 // "; did you mean ..." for a text that names no unit.
 std::string unit_suggestion(std::string_view text);

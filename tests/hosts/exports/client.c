@@ -147,6 +147,20 @@ static void check_batches(void) {
   CHECK(Norvane_AGA8_M_Batch(ROWS, NULL, 5, out, 5, NULL) == NORVANE_BATCH_REFUSED);
 }
 
+static void check_conversions(void) {
+  double values[2] = {870, 0};
+  const char* message = NULL;
+  CHECK(norvane_convert("psia", "bar(a)", values, 2, &message) == 0 && message[0] == 0);
+  CHECK(fabs(values[0] - 59.984412) < 1e-5 && values[1] == 0);
+  CHECK(norvane_convert("bara", "barg", values, 2, &message) == NORVANE_NOT_RUN && strstr(message, "atmosphere"));
+  CHECK(norvane_convert("furlong", "m", values, 2, &message) == NORVANE_NOT_RUN && strstr(message, "furlong"));
+  CHECK(norvane_convert("kg", "m", values, 2, NULL) == NORVANE_NOT_RUN && fabs(values[0] - 59.984412) < 1e-5);
+  CHECK(norvane_convert(NULL, "m", values, 2, &message) == NORVANE_NOT_RUN && message[0] != 0);
+  CHECK(norvane_convert("m", "mm", NULL, 2, &message) == NORVANE_NOT_RUN && strstr(message, "values"));
+  CHECK(norvane_convert("m", "mm", NULL, 0, &message) == 0);
+  CHECK(norvane_convert("in3", "m3", values, 2, &message) == 0 && message[0] != 0); /* not the physical factor */
+}
+
 #define THREADS 8
 #define CALLS 500
 
@@ -200,6 +214,7 @@ int main(void) {
   check_published_value();
   check_refusals();
   check_batches();
+  check_conversions();
   check_threads();
   printf("%d failures\n", failures);
   return failures != 0;
