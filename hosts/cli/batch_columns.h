@@ -21,6 +21,10 @@ class BatchColumns {
 
   const Function_CFunctionSpec& function() const { return spec_; }
   std::size_t count() const { return header_.size(); }
+  // Where values go: first the constants, whose values stand in their order, then the targets of columns.
+  const Targets& targets() const { return targets_; }
+  std::span<const FUNCTION_ARG> constants() const { return constant_values_; }
+  std::size_t column_of(std::size_t target) const { return uses_[target - constant_values_.size()].column; }
   bool kept(std::size_t column) const { return kept_[column]; }
   bool keeps_all() const { return keeps_all_; }
   // The header of the answer: kept columns, outputs, messages. An output whose name is taken gets the function's before

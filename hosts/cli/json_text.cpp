@@ -80,26 +80,18 @@ void append_nested(std::string& out, const FUNCTION_ARG& value, int depth) {
 
 }  // namespace
 
-void append_number(std::string& out, double value) {
+char* write_number(char* to, double value, int precision) noexcept {
+  if (precision != 0) return std::to_chars(to, to + longest_number, value, std::chars_format::general, precision).ptr;
   // Readers of JSON take "-0" for an integer and lose the sign.
-  if (value == 0.0 && std::signbit(value)) {
-    out += "-0.0";
-    return;
-  }
-  char buffer[32];
-  const std::to_chars_result result = std::to_chars(buffer, buffer + sizeof buffer, value);
-  out.append(buffer, result.ptr);
+  if (value == 0.0 && std::signbit(value)) return std::copy_n("-0.0", 4, to);
+  return std::to_chars(to, to + longest_number, value).ptr;
 }
 
+void append_number(std::string& out, double value) { append_number(out, value, 0); }
+
 void append_number(std::string& out, double value, int precision) {
-  if (precision == 0) {
-    append_number(out, value);
-    return;
-  }
-  char buffer[64];
-  const std::to_chars_result result =
-      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, precision);
-  out.append(buffer, result.ptr);
+  char buffer[longest_number];
+  out.append(buffer, write_number(buffer, value, precision));
 }
 
 void append_integer(std::string& out, std::int64_t value) {

@@ -11,6 +11,9 @@ namespace norvane::cli {
 
 // The shortest text that reads back as the same number. The number must be finite.
 void append_number(std::string& out, double value);
+// The same into at most `longest_number` characters; answers their end.
+inline constexpr std::size_t longest_number = 64;
+char* write_number(char* to, double value, int precision) noexcept;
 // The same with this number of significant digits; 0: as many as it takes.
 void append_number(std::string& out, double value, int precision);
 void append_integer(std::string& out, std::int64_t value);

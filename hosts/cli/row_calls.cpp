@@ -1,6 +1,7 @@
 #include "hosts/cli/row_calls.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 #include "core/text.h"
@@ -11,43 +12,118 @@
 namespace norvane::cli {
 namespace {
 
-// Why a row is worth a line of the summary although it has a result.
-std::string outside_text(const Session& session) {
+bool is_out_of_range(const Function_COutput& output, double status) {
+  return (output.type == enumeration::rangestatus && status != 0.0) ||
+         (output.type == enumeration::rangestatus2 && status > 1.0);
+}
+
+// Why a row is worth a line of the summary although it has a result; `number` is that of an output.
+template <class NumberOf>
+std::string outside_text(const Function_CFunctionSpec& spec, const NumberOf& number) {
   std::string text;
-  const Function_CFunctionSpec& spec = session.function();
-  for (std::size_t i = 0; i < spec.output_count; ++i) {
-    const std::uint32_t type = spec.outputs[i].type;
-    const FUNCTION_ARG& value = session.output(i);
-    const double status = value.kind == ARG_NUMBER ? value.number : value.kind == ARG_INTEGER ? value.integer : 0.0;
-    if ((type == enumeration::rangestatus && status != 0.0) || (type == enumeration::rangestatus2 && status > 1.0))
+  for (std::size_t i = 0; i < spec.output_count; ++i)
+    if (is_out_of_range(spec.outputs[i], number(i)))
       text.append(text.empty() ? "" : ", ").append(to_utf8(spec.outputs[i].key));
-  }
   return "outside the range of the standard: " + text;
+}
+
+double number_of(const FUNCTION_ARG& value) {
+  return value.kind == ARG_NUMBER ? value.number : value.kind == ARG_INTEGER ? value.integer : 0.0;
 }
 
 }  // namespace
 
 void RowCalls::answer(std::string_view records, std::uint64_t first_line, std::string& out, Tally& tally) {
-  RecordEnds ends(format_.delimiter);
-  std::uint64_t line = first_line;
-  const bool all_utf8 = is_utf8(records);
-  for (std::size_t from = 0; from < records.size();) {
-    const std::size_t end = std::min(ends.next(records, from), records.size());
-    const std::string_view record = records.substr(from, end - from);
-    from = end;
+  plain_.clear();
+  split(records, first_line);
+  plain_.calculate();
+  for (const Record& record : records_) {
+    if (record.plain_row != Record::not_plain && plain_.good(record.plain_row)) {
+      plain_row(record, out, tally);
+      continue;
+    }
     std::string converted;
-    const bool good = all_utf8 || is_utf8(record);
+    const bool good = all_utf8_ || is_utf8(record.text);
     if (!good) {
-      converted = from_windows_1252(record);
+      converted = from_windows_1252(record.text);
       ++tally.reencoded;
     }
-    const std::string_view text = good ? record : std::string_view(converted);
-    if (is_blank(text) || is_comment(text))
-      out += text;
-    else
-      row(text, line, out, tally);
-    line += lines_of(record);
+    other(good ? record.text : std::string_view(converted), record.line, out, tally);
   }
+}
+
+void RowCalls::split(std::string_view records, std::uint64_t first_line) {
+  records_.clear();
+  RecordEnds ends(format_.delimiter);
+  all_utf8_ = is_utf8(records);
+  const bool quotes = records.find('"') != std::string_view::npos;
+  std::uint64_t line = first_line;
+  for (std::size_t from = 0; from < records.size();) {
+    const std::size_t end = std::min(ends.next(records, from), records.size());
+    Record& record = records_.emplace_back();
+    record = {records.substr(from, end - from), line, Record::not_plain};
+    from = end;
+    line += lines_of(record.text);
+    // What has marks to lose or a line end within is not repeated as it stands.
+    const std::string_view text = without_line_end(record.text);
+    const bool as_it_is = all_utf8_ && !text.starts_with('#') && text.find('\r') == std::string_view::npos &&
+                          (!quotes || text.find('"') == std::string_view::npos);
+    if (as_it_is && plain_.add(text)) record.plain_row = plain_.size() - 1;
+  }
+}
+
+void RowCalls::plain_row(const Record& record, std::string& out, Tally& tally) {
+  const std::string_view text = without_line_end(record.text);
+  if (columns_.keeps_all()) {
+    out += text;
+    out += format_.delimiter;
+  } else {
+    std::size_t from = 0;
+    for (std::size_t i = 0; i < columns_.count(); ++i) {
+      const std::size_t end = std::min(text.find(format_.delimiter, from), text.size());
+      if (columns_.kept(i)) {
+        out += text.substr(from, end - from);
+        out += format_.delimiter;
+      }
+      from = end + 1;
+    }
+  }
+  // Outputs behind the status: numbers and whole numbers, which are short enough.
+  tail_.resize((longest_number + 3) * spec_.output_count + 3);
+  char* to = tail_.data();
+  *to++ = '0';
+  Verdict verdict = Verdict::good;
+  for (std::size_t i = 1; i < spec_.output_count; ++i) {
+    const Function_COutput& output = spec_.outputs[i];
+    const double value = plain_.output(record.plain_row, i);
+    *to++ = format_.delimiter;
+    if (output.place.kind == record::Field::Kind::number)
+      to = write_number_cell(to, value);
+    else
+      to = std::to_chars(to, to + longest_number, static_cast<std::int64_t>(value)).ptr;
+    if (is_out_of_range(output, value))
+      verdict = Verdict::outside;
+    else if (output.type == enumeration::rangestatus2 && value != 0.0 && verdict == Verdict::good)
+      verdict = Verdict::extended;
+  }
+  *to++ = format_.delimiter;
+  out.append(tail_.data(), to);
+  out += format_.line_end;
+
+  ++tally.rows;
+  tally.count(verdict);
+  tally.count_defaults(plain_.defaulted(record.plain_row), spec_.input_count);
+  if (verdict == Verdict::outside && tally.wants_note())
+    tally.note(record.line,
+               outside_text(spec_, [&](std::size_t i) { return i == 0 ? 0.0 : plain_.output(record.plain_row, i); }));
+}
+
+// A line that stays as it is, or a row by a call of its own.
+void RowCalls::other(std::string_view record, std::uint64_t line, std::string& out, Tally& tally) {
+  if (is_blank(record) || is_comment(record))
+    out += record;
+  else
+    row(record, line, out, tally);
 }
 
 // The cells of the kept columns, each with a delimiter behind it.
@@ -108,30 +184,35 @@ void RowCalls::row(std::string_view record, std::uint64_t line, std::string& out
     const std::string status = failure_text(session_);
     tally.note(line, messages.empty() ? status : status + ": " + messages);
   } else {
-    if (verdict == Verdict::outside) tally.note(line, outside_text(session_));
+    if (verdict == Verdict::outside)
+      tally.note(line, outside_text(spec_, [&](std::size_t i) { return number_of(session_.output(i)); }));
+
     if (has_warning(session_)) ++tally.with_warning;
   }
 }
 
-void RowCalls::append_number_cell(std::string& out, double value) {
-  if (!std::isfinite(value)) {
-    out += "#NUM!";
-    return;
-  }
-  const std::size_t start = out.size();
-  append_number(out, value, format_.precision);
-  if (format_.decimal == '.') return;
-  const std::size_t point = out.find('.', start);
-  if (point == std::string::npos) return;
-  out[point] = format_.decimal;
-  if (format_.decimal != format_.delimiter) return;
-  out.insert(start, 1, '"');
-  out += '"';
+// At most longest_number + 2 characters.
+char* RowCalls::write_number_cell(char* to, double value) const {
+  if (!std::isfinite(value)) return std::copy_n("#NUM!", 5, to);
+  char* const end = write_number(to, value, format_.precision);
+  if (format_.decimal == '.') return end;
+  char* const point = std::find(to, end, '.');
+  if (point == end) return end;
+  *point = format_.decimal;
+  if (format_.decimal != format_.delimiter) return end;
+  std::copy_backward(to, end, end + 1);
+  *to = '"';
+  end[1] = '"';
+  return end + 2;
 }
 
 void RowCalls::append_cell(std::string& out, const FUNCTION_ARG& value) {
   switch (value.kind) {
-    case ARG_NUMBER: append_number_cell(out, value.number); return;
+    case ARG_NUMBER: {
+      char text[longest_number + 2];
+      out.append(text, write_number_cell(text, value.number));
+      return;
+    }
     case ARG_INTEGER: append_integer(out, value.integer); return;
     case ARG_BOOLEAN: out += value.boolean != 0 ? "TRUE" : "FALSE"; return;
     case ARG_STRING: append_field(out, to_utf8(value.text()), format_.delimiter); return;

@@ -14,8 +14,10 @@ std::string rows_text(std::uint64_t rows) { return std::to_string(rows) + (rows 
 
 }  // namespace
 
+bool Tally::wants_note() const { return details.size() < most_details; }
+
 void Tally::note(std::uint64_t line, std::string reason) {
-  if (details.size() < most_details) details.push_back({line, std::move(reason)});
+  if (wants_note()) details.push_back({line, std::move(reason)});
 }
 
 void Tally::count(Verdict verdict) {
@@ -27,7 +29,7 @@ void Tally::count(Verdict verdict) {
   }
 }
 
-void Tally::count_defaults(const std::vector<std::size_t>& inputs, std::size_t input_count) {
+void Tally::count_defaults(std::span<const std::size_t> inputs, std::size_t input_count) {
   if (inputs.empty()) return;
   defaulted.resize(input_count);
   for (const std::size_t input : inputs) ++defaulted[input];

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -26,9 +27,11 @@ struct Tally {
   std::vector<std::uint64_t> defaulted;  // rows in which an input was left to its default
   std::vector<Detail> details;
 
+  // A reason that is not wanted any more costs a good deal to write.
+  bool wants_note() const;
   void note(std::uint64_t line, std::string reason);
   void count(Verdict verdict);
-  void count_defaults(const std::vector<std::size_t>& inputs, std::size_t input_count);
+  void count_defaults(std::span<const std::size_t> inputs, std::size_t input_count);
   void add(const Tally& other);
 };
 

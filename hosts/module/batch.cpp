@@ -37,12 +37,13 @@ bool whole(double& value) noexcept {
 class Batch {
  public:
   Batch(const Signature& signature, std::span<const Column> inputs, std::span<double* const> outputs,
-        std::uint32_t* statuses, BatchMemory& memory, void* calculation_memory) noexcept
+        std::uint32_t* statuses, bool* remarked, BatchMemory& memory, void* calculation_memory) noexcept
       : plan_(signature.plan),
         binding_(*signature.spec->binding),
         inputs_(inputs),
         outputs_(outputs),
         statuses_(statuses),
+        remarked_(remarked),
         memory_(memory),
         calculation_memory_(calculation_memory) {}
 
@@ -73,6 +74,7 @@ class Batch {
     for (std::size_t first = 0; first < rows; first += at_once_) {
       const std::size_t count = std::min(at_once_, rows - first);
       std::fill_n(memory_.verdicts, count, Verdict::fits);
+      if (remarked_ != nullptr) std::fill_n(remarked_ + first, count, false);
       for (std::size_t i = 0; i < inputs_.size(); ++i) {
         const PlannedInput& input = plan_.inputs[i];
         const Column& column = inputs_[i];
@@ -171,7 +173,7 @@ class Batch {
       std::uint32_t& status = statuses_[first + i];
       memory_.delivered[i] = memory_.done[i];
       status = 0;
-      if (!memory_.done[i]) calculate_one(i, status);
+      if (!memory_.done[i]) calculate_one(i, status, remarked_ != nullptr ? remarked_ + first + i : nullptr);
     }
   }
 
@@ -195,7 +197,7 @@ class Batch {
     }
   }
 
-  void calculate_one(std::size_t row, std::uint32_t& status) noexcept {
+  void calculate_one(std::size_t row, std::uint32_t& status, bool* remarked) noexcept {
     switch (memory_.verdicts[row]) {
       case Verdict::fits: break;
       case Verdict::misfit: status = argument_error; return;
@@ -208,6 +210,7 @@ class Batch {
       return;
     }
     status = static_cast<std::uint32_t>(outcome.status);
+    if (remarked != nullptr) *remarked = outcome.text[0] != u'\0';
     memory_.delivered[row] = outcome.good() || outcome.delivered;
   }
 
@@ -223,6 +226,9 @@ class Batch {
         if (output.kind != Kind::none &&
             (memory_.delivered[i] || (output.with_any_status && memory_.verdicts[i] <= Verdict::misfit))) {
           value = output.value(results(i));
+          if (remarked_ != nullptr && output.kind == Kind::number &&
+              !(value >= output.plausible_low && value <= output.plausible_high))
+            remarked_[first + i] = true;
           if (!(value - value == 0.0)) {
             memory_.verdicts[i] = Verdict::refused;
             memory_.delivered[i] = false;
@@ -249,6 +255,7 @@ class Batch {
   std::span<const Column> inputs_;
   std::span<double* const> outputs_;
   std::uint32_t* statuses_;
+  bool* remarked_;
   BatchMemory& memory_;
   void* calculation_memory_;
   std::size_t at_once_ = 0;
@@ -310,7 +317,7 @@ std::size_t refuse(LastCall& last, const Signature& signature, const Complaint& 
 }  // namespace
 
 std::size_t run_batch(const Signature& signature, std::size_t rows, std::span<const Column> inputs,
-                      std::span<double* const> outputs, std::uint32_t* statuses) noexcept {
+                      std::span<double* const> outputs, std::uint32_t* statuses, bool* remarked) noexcept {
   const FloatingPointGuard guard;
   HeldContext held(&no_cells);
   if (!held) return batch_refused;
@@ -320,7 +327,7 @@ std::size_t run_batch(const Signature& signature, std::size_t rows, std::span<co
   FunctionState* function = state.function_state(*signature.spec);
   BatchMemory* memory = state.batch_memory();
   if (function == nullptr || memory == nullptr) return refuse(state.last_call, signature, no_memory);
-  Batch batch(signature, inputs, outputs, statuses, *memory, function->memory);
+  Batch batch(signature, inputs, outputs, statuses, remarked, *memory, function->memory);
   if (!batch.prepare(signature, rows)) return refuse(state.last_call, signature, no_memory);
   return batch.run(rows);
 }

@@ -28,9 +28,10 @@ inline constexpr std::size_t batch_refused = static_cast<std::size_t>(-1);
 
 // The inputs are the signature's, each null one left out: it takes its default, or counts as zeros where a list may.
 // The outputs are the signature's, null where one is not wanted. They must not overlap the inputs. Answers how many
-// rows have a status other than 0, or batch_refused.
+// rows have a status other than 0, or batch_refused. Where `remarked` is given it tells the rows with status 0 about
+// which the single call would have something to say.
 std::size_t run_batch(const Signature& signature, std::size_t rows, std::span<const Column> inputs,
-                      std::span<double* const> outputs, std::uint32_t* statuses) noexcept;
+                      std::span<double* const> outputs, std::uint32_t* statuses, bool* remarked = nullptr) noexcept;
 
 // Notes for last_message() that there is no function of this name.
 std::size_t refuse_unknown_batch() noexcept;
