@@ -46,6 +46,8 @@ CEquation::Root CEquation::density(Edition edition, const Composition& x, double
 const helmholtz::State& CEquation::state() noexcept {
   if (!has_state_) {
     state_ = GERG2008::state(mixture_, isotherm_, rho_, Entropy::leave_out);
+    // The equation's own sum is 1 less nearly 1 in a liquid at low pressure.
+    state_.z = p_ / (rho_ * isotherm_.RT);
     has_state_ = true;
   }
   return state_;
