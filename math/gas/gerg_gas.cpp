@@ -137,9 +137,9 @@ Outcome phases(Edition edition, const Gas& gas, FlashAnswer& answer, CFlash& mem
   if (memory.result == FlashResult::not_converged)
     return failure(no_convergence, u"the mixture splits, but its phases are not found");
   if (memory.result == FlashResult::no_liquid_water)
-    return blame(gas.composition, no_convergence,
-                 u"has a mole fraction of water above %, and the equation has no liquid water at this pressure and "
-                 u"temperature",
+    return blame(gas.composition[water], no_convergence,
+                 u"is more water than the mole fraction % that may be left out: the equation has no liquid water at "
+                 u"this pressure and temperature",
                  most_water_left_out);
 
   const Equilibrium& found = memory.equilibrium;
