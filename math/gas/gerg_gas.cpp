@@ -46,6 +46,8 @@ CEquation::Root CEquation::density(Edition edition, const Composition& x, double
 const helmholtz::State& CEquation::state() noexcept {
   if (!has_state_) {
     state_ = GERG2008::state(mixture_, isotherm_, rho_, Entropy::leave_out);
+    // The equation's own sum is 1 less nearly 1 in a liquid at low pressure.
+    state_.z = p_ / (rho_ * isotherm_.RT);
     has_state_ = true;
   }
   return state_;
@@ -135,9 +137,9 @@ Outcome phases(Edition edition, const Gas& gas, FlashAnswer& answer, CFlash& mem
   if (memory.result == FlashResult::not_converged)
     return failure(no_convergence, u"the mixture splits, but its phases are not found");
   if (memory.result == FlashResult::no_liquid_water)
-    return blame(gas.composition, no_convergence,
-                 u"has a mole fraction of water above %, and the equation has no liquid water at this pressure and "
-                 u"temperature",
+    return blame(gas.composition[water], no_convergence,
+                 u"is more water than the mole fraction % that may be left out: the equation has no liquid water at "
+                 u"this pressure and temperature",
                  most_water_left_out);
 
   const Equilibrium& found = memory.equilibrium;
