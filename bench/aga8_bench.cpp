@@ -3,7 +3,8 @@
 #include <cmath>
 
 #include "bench/bench_call.h"
-#include "math/gas/aga8.h"
+#include "bench/plain_detail.h"
+#include "math/gas/aga8_kernel.h"
 
 namespace norvane::bench {
 namespace {
@@ -78,6 +79,93 @@ BENCHMARK_CAPTURE(aga8_detail, identical, gas_of_21, Change::nothing);
 BENCHMARK_CAPTURE(aga8_detail, new_state_21_components, gas_of_21, Change::state);
 BENCHMARK_CAPTURE(aga8_detail, new_composition_11_components, gas_of_11, Change::composition);
 BENCHMARK_CAPTURE(aga8_detail, new_composition_21_components, gas_of_21, Change::composition);
+
+// ---- Rows --------------------------------------------------------------------------------------------------------
+
+// States, and gases of 21 components, of a batch.
+struct Rows {
+  static constexpr std::size_t count = 1024;
+  std::array<AGA8::Composition, count> x;
+  std::array<const AGA8::Composition*, count> place;
+  std::array<double, count> T, p, rho, molar_mass;
+
+  Rows() {
+    for (std::size_t i = 0; i < count; ++i) {
+      x[i] = fractions(gas_of_21(1e-6 * static_cast<double>(i)));
+      place[i] = &x[i];
+      T[i] = 270.0 + static_cast<double>(i * 37 % 61);
+      p[i] = 0.1 + 0.1 * static_cast<double>(i * 53 % 97);
+    }
+  }
+};
+
+// Time of a row.
+void per_row(benchmark::State& state) {
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(Rows::count));
+  state.counters["row"] = benchmark::Counter(static_cast<double>(state.iterations()) * Rows::count,
+                                             benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+void aga8_rows(benchmark::State& state, InstructionSet set, bool gas_a_row) {
+  const AGA8::Kernel* kernel = AGA8::kernel(set);
+  if (kernel == nullptr || !has_instructions(set)) return state.SkipWithError("not on this machine");
+  Rows rows;
+  AGA8::Mixture mixture;
+  mixture.set(rows.x[0]);
+  for (auto _ : state) {
+    if (gas_a_row) {
+      kernel->gases(rows.place.data(), rows.T.data(), rows.p.data(), rows.rho.data(), rows.molar_mass.data(),
+                    Rows::count);
+    } else {
+      kernel->densities(mixture, rows.T.data(), rows.p.data(), rows.rho.data(), Rows::count);
+    }
+    benchmark::DoNotOptimize(rows.rho);
+  }
+  per_row(state);
+}
+BENCHMARK_CAPTURE(aga8_rows, state_a_row_baseline, InstructionSet::baseline, false);
+BENCHMARK_CAPTURE(aga8_rows, state_a_row_avx2, InstructionSet::avx2, false);
+BENCHMARK_CAPTURE(aga8_rows, state_a_row_avx512, InstructionSet::avx512, false);
+BENCHMARK_CAPTURE(aga8_rows, gas_a_row_baseline, InstructionSet::baseline, true);
+BENCHMARK_CAPTURE(aga8_rows, gas_a_row_avx2, InstructionSet::avx2, true);
+BENCHMARK_CAPTURE(aga8_rows, gas_a_row_avx512, InstructionSet::avx512, true);
+
+// One row after the other.
+void aga8_rows_scalar(benchmark::State& state, bool gas_a_row) {
+  Rows rows;
+  AGA8::Mixture mixture;
+  mixture.set(rows.x[0]);
+  AGA8::Isotherm isotherm;
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < Rows::count; ++i) {
+      if (gas_a_row) mixture.set(rows.x[i]);
+      isotherm.set(mixture, rows.T[i]);
+      (void)isotherm.density(rows.p[i], rows.rho[i]);
+    }
+    benchmark::DoNotOptimize(rows.rho);
+  }
+  per_row(state);
+}
+BENCHMARK_CAPTURE(aga8_rows_scalar, state_a_row, false);
+BENCHMARK_CAPTURE(aga8_rows_scalar, gas_a_row, true);
+
+// The baseline of the ratios: the plain transcription, by Newton's method.
+void aga8_rows_plain(benchmark::State& state, bool gas_a_row) {
+  Rows rows;
+  PlainDetail detail;
+  detail.set_composition(rows.x[0]);
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < Rows::count; ++i) {
+      if (gas_a_row) detail.set_composition(rows.x[i]);
+      detail.set_temperature(rows.T[i]);
+      rows.rho[i] = detail.density(rows.p[i]);
+    }
+    benchmark::DoNotOptimize(rows.rho);
+  }
+  per_row(state);
+}
+BENCHMARK_CAPTURE(aga8_rows_plain, state_a_row, false);
+BENCHMARK_CAPTURE(aga8_rows_plain, gas_a_row, true);
 
 // The parts.
 void aga8_mixture(benchmark::State& state) {

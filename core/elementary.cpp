@@ -15,6 +15,7 @@
 #include <limits>
 
 #include "core/elementary_table.h"
+#include "core/lanes.h"
 
 namespace norvane::elementary {
 namespace {
@@ -22,18 +23,9 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
 
-constexpr double ln2_high = 0x1.62e42fefa3800p-1;
-constexpr double ln2_low = 0x1.ef35793c76730p-45;
-constexpr double inverse_step = 0x1.71547652b82fep+7;  // 128/ln2
-constexpr double step_high = 0x1.62e42fefc0000p-8;     // ln2/128
-constexpr double step_low = -0x1.c610ca86c3899p-44;
-// Adding and taking away again rounds to the nearest whole number, which the low bits of the sum then hold.
-constexpr double rounder = 0x1.8p52;
-
-// Beyond these the result is infinite or rounds to zero; within `plain` its exponent needs no care.
+// Beyond these the exponential is infinite or rounds to zero.
 constexpr double overflow_from = 709.79;
 constexpr double underflow_from = -745.14;
-constexpr double plain = 690.0;
 
 std::uint64_t bits_of(double x) noexcept { return std::bit_cast<std::uint64_t>(x); }
 double of_bits(std::uint64_t bits) noexcept { return std::bit_cast<double>(bits); }
@@ -51,7 +43,7 @@ inline Exponential exponential(double x, double low) noexcept {
   const double shifted = x * inverse_step + rounder;
   const double n = shifted - rounder;
   // The difference of bits is n itself: the sum lies in [2^52, 2^53), where one unit in the last place is 1.
-  const auto whole = static_cast<std::int64_t>(bits_of(shifted) - bits_of(rounder));
+  const auto whole = static_cast<std::int64_t>(bits_of(shifted) - rounder_bits);
   const PowerOfTwo& middle = powers_of_two[whole & 127];
   const double r = (x - n * step_high) - n * step_low + low;  // first difference exact
   const double r2 = r * r;
@@ -64,28 +56,6 @@ inline double exp_plain(double x, double low) noexcept {
   const Exponential e = exponential(x, low);
   const double scaled = of_bits(bits_of(e.value) + (static_cast<std::uint64_t>(e.k) << 52));
   return scaled + scaled * e.rest;
-}
-
-// The same for two numbers at a time, operation by operation, in the vector
-// registers that every processor of the platform has.
-using Two = double __attribute__((vector_size(16)));
-using TwoBits = std::uint64_t __attribute__((vector_size(16)));
-
-inline Two exp_plain(Two x) noexcept {
-  const Two shifted = x * inverse_step + rounder;
-  const Two n = shifted - rounder;
-  const auto whole = reinterpret_cast<TwoBits>(shifted);  // n in the low bits; those of `rounder` are far above
-  const PowerOfTwo& first = powers_of_two[whole[0] & 127];
-  const PowerOfTwo& second = powers_of_two[whole[1] & 127];
-  const Two value = {first.value, second.value};
-  const Two tail = {first.tail, second.tail};
-  const Two r = (x - n * step_high) - n * step_low;
-  const Two r2 = r * r;
-  const Two p = r2 * (0.5 + r * (1.0 / 6.0)) + r2 * r2 * (1.0 / 24.0 + r * (1.0 / 120.0));
-  const Two rest = tail + r + p;
-  const auto exponent = (whole & ~std::uint64_t{127}) << 45;
-  const auto scaled = reinterpret_cast<Two>(reinterpret_cast<TwoBits>(value) + exponent);
-  return scaled + scaled * rest;
 }
 
 // |x| not below `plain`, or not a number; `low` is far below x.
@@ -106,8 +76,7 @@ struct DoubleDouble {
 
 // log of a positive, finite, normal number given by its bits; k is added to its exponent.
 inline DoubleDouble logarithm(std::uint64_t bits, std::int64_t k) noexcept {
-  constexpr std::uint64_t first = 0x3fe6a00000000000;  // 181/256
-  const std::uint64_t offset = bits - first;
+  const std::uint64_t offset = bits - first_interval;
   const LogInterval& interval = log_intervals[(offset >> 45) & 127];
   k += static_cast<std::int64_t>(offset) >> 52;
   const std::uint64_t z_bits = bits - (offset & 0xfff0000000000000);
@@ -183,8 +152,10 @@ double exp(double x) noexcept { return magnitude(x) < plain ? exp_plain(x, 0.0) 
 std::array<double, 4> exp4(const std::array<double, 4>& x) noexcept {
   if (!(magnitude(x[0]) < plain && magnitude(x[1]) < plain && magnitude(x[2]) < plain && magnitude(x[3]) < plain))
     return {exp(x[0]), exp(x[1]), exp(x[2]), exp(x[3])};
-  const Two low = exp_plain(Two{x[0], x[1]});
-  const Two high = exp_plain(Two{x[2], x[3]});
+  // Two by two, in the vector registers that every processor of the platform has.
+  using Two = lanes::Vector<2>::Value;
+  const Two low = lanes::exp_plain(Two{x[0], x[1]});
+  const Two high = lanes::exp_plain(Two{x[2], x[3]});
   return {low[0], low[1], high[0], high[1]};
 }
 

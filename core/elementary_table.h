@@ -1,7 +1,23 @@
-// Tables of core/elementary.cpp, computed once with 400 bits and rounded to the nearest double.
+// Tables and constants of core/elementary.cpp and core/lanes.h, computed once with 400 bits and rounded to the nearest
+// double.
 #pragma once
 
+#include <cstdint>
+
 namespace norvane::elementary {
+
+inline constexpr double ln2_high = 0x1.62e42fefa3800p-1;
+inline constexpr double ln2_low = 0x1.ef35793c76730p-45;
+inline constexpr double inverse_step = 0x1.71547652b82fep+7;  // 128/ln2
+inline constexpr double step_high = 0x1.62e42fefc0000p-8;     // ln2/128
+inline constexpr double step_low = -0x1.c610ca86c3899p-44;
+// Adding and taking away again rounds to the nearest whole number, which the low bits of the sum then hold.
+inline constexpr double rounder = 0x1.8p52;
+inline constexpr std::uint64_t rounder_bits = 0x4338000000000000;
+// Below this magnitude the exponent of an exponential needs no care.
+inline constexpr double plain = 690.0;
+// Bits of the first of the intervals of the logarithm, 181/256.
+inline constexpr std::uint64_t first_interval = 0x3fe6a00000000000;
 
 // clang-format off
 

@@ -23,22 +23,22 @@ struct March {
 };
 
 inline constexpr int max_march_steps = 300;
+inline constexpr double march_first_step = 20.0;     // a twentieth of the start
+inline constexpr double march_share_of_rest = 0.01;  // of the way to the limit
 
 // Marches from f = 0 at x = 0 upward, in steps that double, until f exceeds `target`: the root of f - target lies
 // between `low` and `high`, which hold the distances from the target. The first point above it ends the march; a
 // function that does not rise, as the pressure behind a vapour's stability limit, is a failure.
 template <class Function>
 bool bracket(const Function& f, double target, const March& march, Point& low, Point& high) noexcept {
-  constexpr double first_step = 20.0;     // a twentieth of the start
-  constexpr double share_of_rest = 0.01;  // of the way to the limit
   double x = march.start;
-  double step = x / first_step;
+  double step = x / march_first_step;
   double previous = 0.0;
   double previous_value = 0.0;
   bool clipped = false;
   for (int i = 0; i < max_march_steps; ++i) {
     if (x > march.limit && !clipped) {
-      step = (march.limit - previous) * share_of_rest + march.least_step;
+      step = (march.limit - previous) * march_share_of_rest + march.least_step;
       x = previous + step;
       clipped = true;
       continue;
@@ -65,11 +65,12 @@ struct Stop {
   int max_steps = 250;
 };
 
+// A step of exactly the smallest size could be lost in rounding; a little more cannot.
+inline constexpr double beyond_rounding = 1.0000009;
+
 // Root of f(x) = 0 between two points on either side of it. False when it is not found within the steps.
 template <class Function>
 bool brent(const Function& f, Point low, Point high, const Stop& stop, double& x) noexcept {
-  // A step of exactly the smallest size could be lost in rounding; a little more cannot.
-  constexpr double beyond_rounding = 1.0000009;
   // `best` is the newest and best point, `last` the one before, `other` lies on the far side of the root.
   Point last = low, best = high, other = low;
   double step = best.x - last.x;

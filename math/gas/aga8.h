@@ -110,6 +110,8 @@ class CDetail {
  public:
   // T [K], p [MPa]. The state is set when the result is `converged`.
   Result calculate(const Composition& x, double T, double p, State& state) noexcept;
+  // The mixture of a composition, from memory or made now.
+  const Mixture& mixture(const Composition& x) noexcept;
 
  private:
   bool has_composition_ = false;
@@ -145,5 +147,10 @@ struct Answer {
 Outcome state_of(const Gas& gas, Answer& answer, CDetail& memory) noexcept;
 // Without that limit, and with the range rules of the equation as a whole.
 Outcome state_of_unlimited(const Gas& gas, Answer& answer, CDetail& memory) noexcept;
+
+// The same for rows of a batch, several at a time: where done[i] is set, out[i] is what the single calculation of in[i]
+// answers with status 0 and without remark, bit for bit; the other rows are left to it.
+void state_of_rows(const Gas* in, Answer* out, bool* done, std::size_t rows, CDetail& memory) noexcept;
+void state_of_unlimited_rows(const Gas* in, Answer* out, bool* done, std::size_t rows, CDetail& memory) noexcept;
 
 }  // namespace norvane::AGA8

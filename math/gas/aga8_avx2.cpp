@@ -1,0 +1,13 @@
+// AGA-8 for several rows side by side, by AVX2.
+#include "core/kernel.h"
+
+#if NORVANE_X86_KERNELS
+#include "math/gas/aga8_lanes.h"
+
+namespace norvane::AGA8 {
+
+extern const Kernel avx2_kernel;
+const Kernel avx2_kernel = Lanes<lanes::Vector<4>::Value>::kernel;
+
+}  // namespace norvane::AGA8
+#endif
