@@ -7,23 +7,25 @@ for %%F in ("%module%") do set "module=%%~fF"
 set "options=HKCU\Software\Microsoft\Office\16.0\Excel\Options"
 if not exist "%module%" goto missing
 
-rem Excel opens what the values OPEN, OPEN1, OPEN2, ... name, up to the first gap.
+rem Excel opens what the values OPEN, OPEN1, OPEN2, ... name, up to the first gap. One of an older folder is replaced.
 set number=
 :next
 reg query "%options%" /v OPEN%number% >nul 2>&1
 if errorlevel 1 goto gap
-reg query "%options%" /v OPEN%number% | find "%module%" >nul
-if not errorlevel 1 goto entered
+reg query "%options%" /v OPEN%number% | find "\Norvane.XLL" >nul
+if not errorlevel 1 goto found
 set /a number=number+1
 goto next
 
 :gap
 if /i "%~1"=="/u" goto remove
+goto enter
+
+:found
+if /i "%~1"=="/u" goto leave
+:enter
 reg add "%options%" /v OPEN%number% /t REG_SZ /d "/R \"%module%\"" /f >nul
 if errorlevel 1 goto refused
-
-:entered
-if /i "%~1"=="/u" goto leave
 regsvr32 /s /n /i:user "%module%"
 if errorlevel 1 goto unregistered
 echo Registered for this user: %module%
