@@ -174,7 +174,7 @@ def windows_zip():
 
 
 def oxt():
-    """The add-in for LibreOffice Calc. With LIBRARY_ONLY set it is for this system alone (tests)."""
+    """The add-in for LibreOffice Calc, for this system and, when that is built, for Windows."""
     folder = STAGE / "oxt"
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
@@ -184,15 +184,15 @@ def oxt():
     run("/usr/lib/libreoffice/sdk/bin/unoidl-write", *types, generated / "functions.idl", folder / "functions.rdb")
     for name in ("CalcAddIns.xcu", "functions.json"):
         shutil.copyfile(generated / name, folder / name)
-    shutil.copyfile(TOP / "hosts/calc/norvane_addin.py", folder / "norvane_addin.py")
-    shutil.copyfile(TOP / "hosts/calc/description.txt", folder / "description.txt")
+    for name in ("norvane_addin.py", "description.txt"):
+        shutil.copyfile(TOP / "hosts/calc" / name, folder / name)
     (folder / "description.xml").write_text((TOP / "hosts/calc/description.xml").read_text().replace("@VERSION@", VERSION))
     (folder / "META-INF").mkdir()
     shutil.copyfile(TOP / "hosts/calc/manifest.xml", folder / "META-INF/manifest.xml")
     (folder / "LICENSE.txt").write_text((TOP / "LICENSE").read_text() + "\n" + third_party(OTHERS), encoding="utf-8")
     (folder / "linux-x86_64").mkdir()
     run("strip", "-o", folder / "linux-x86_64/Norvane.so", RELEASE / "Norvane.so")
-    if "LIBRARY_ONLY" not in os.environ:
+    if (WINDOWS / "Norvane.XLL").exists():
         (folder / "windows-x86_64").mkdir()
         shutil.copyfile(WINDOWS / "Norvane.XLL", folder / "windows-x86_64/Norvane.XLL")
     refuse_paths(folder)
