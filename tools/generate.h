@@ -31,6 +31,15 @@ void com_idl(std::ostream& out, Specs specs);
 void com_methods(std::ostream& out, Specs specs);
 void com_interface(std::ostream& out, Specs specs);
 
+// The direct exports for VBA and for C#: declarations, and functions around them.
+void vba_module(std::ostream& out, Specs specs);
+void csharp_class(std::ostream& out, Specs specs);
+
+// The add-in for LibreOffice Calc: its interface, what its wizard says, and the worksheet wrappers that it calls.
+void calc_idl(std::ostream& out, Specs specs);
+void calc_configuration(std::ostream& out, Specs specs);
+void calc_functions(std::ostream& out, Specs specs);
+
 inline std::string narrow(std::u16string_view text) { return to_utf8(text); }
 
 }  // namespace norvane::generate
