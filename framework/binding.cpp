@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/coefficients.h"
 #include "core/text_buffer.h"
 #include "framework/call.h"
 #include "framework/data_accessor.h"
@@ -118,6 +119,16 @@ void explain(Call& call, const Function_CFunctionSpec& spec, const Outcome& outc
     context.ReportError(blamed.index, text.view());
   else
     context.ReportError(text.view());
+}
+
+// Nothing is calculated with tables that differ from those that the library was built with.
+Outcome altered(const Function_CFunctionSpec& spec) noexcept {
+  for (const CoefficientSet* set : spec.coefficients)
+    if (!set->intact())
+      return failure(calculation_error,
+                     u"the coefficient tables of $ are not those this library was built with: nothing is calculated")
+          .naming(set->standard());
+  return {};
 }
 
 // A calculation that fails on a number that is none may see it too late to say whose it was.
@@ -240,7 +251,8 @@ std::uint32_t run_bound(Function_CContext& context, FUNCTION_ARG* args, std::siz
   if (misfit != none) {
     outcome.status = argument_error;
   } else {
-    outcome = binding.calculate(arguments, results, memory);
+    outcome = altered(spec);
+    if (outcome.good()) outcome = binding.calculate(arguments, results, memory);
     explain(call, spec, outcome, arguments);
     blame_what_is_not_finite(call, spec, outcome, arguments);
     if (outcome.status == refused) return ERROR_VALUE;

@@ -31,6 +31,9 @@ void com_idl(std::ostream& out, Specs specs);
 void com_methods(std::ostream& out, Specs specs);
 void com_interface(std::ostream& out, Specs specs);
 
+// The source of the seal (core/seal.h).
+void seal(std::ostream& out, Specs specs);
+
 inline std::string narrow(std::u16string_view text) { return to_utf8(text); }
 
 }  // namespace norvane::generate

@@ -18,11 +18,17 @@ struct Kind {
 };
 
 constexpr Kind kinds[] = {
-    {"excel-wrappers", norvane::generate::excel_wrappers}, {"excel-exports", norvane::generate::excel_exports},
-    {"exports-source", norvane::generate::exports_source}, {"exports-header", norvane::generate::exports_header},
-    {"exports-json", norvane::generate::exports_json},     {"exports-names", norvane::generate::exports_names},
-    {"exports-def", norvane::generate::exports_def},       {"com-idl", norvane::generate::com_idl},
-    {"com-methods", norvane::generate::com_methods},       {"com-interface", norvane::generate::com_interface},
+    {"excel-wrappers", norvane::generate::excel_wrappers},
+    {"excel-exports", norvane::generate::excel_exports},
+    {"exports-source", norvane::generate::exports_source},
+    {"exports-header", norvane::generate::exports_header},
+    {"exports-json", norvane::generate::exports_json},
+    {"exports-names", norvane::generate::exports_names},
+    {"exports-def", norvane::generate::exports_def},
+    {"com-idl", norvane::generate::com_idl},
+    {"com-methods", norvane::generate::com_methods},
+    {"com-interface", norvane::generate::com_interface},
+    {"seal", norvane::generate::seal},
 };
 
 int usage() {

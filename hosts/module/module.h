@@ -66,6 +66,7 @@ class ThreadState {
   // Texts handed out to callers that want a pointer, one a kind: each until the thread asks for the next.
   std::string last_message;
   std::string status_text;
+  std::string identity;
 
  private:
   friend class HeldContext;
