@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/coefficients.h"
 #include "core/text_buffer.h"
 #include "framework/call.h"
 #include "framework/data_accessor.h"
@@ -120,6 +121,14 @@ void explain(Call& call, const Function_CFunctionSpec& spec, const Outcome& outc
     context.ReportError(text.view());
 }
 
+Outcome altered(const Function_CFunctionSpec& spec) noexcept {
+  const CoefficientSet* set = altered_tables(spec);
+  if (set == nullptr) return {};
+  return failure(calculation_error,
+                 u"the coefficient tables of $ are not those this library was built with: nothing is calculated")
+      .naming(set->standard());
+}
+
 // A calculation that fails on a number that is none may see it too late to say whose it was.
 void blame_what_is_not_finite(Call& call, const Function_CFunctionSpec& spec, const Outcome& outcome,
                               const std::byte* structure) noexcept {
@@ -167,6 +176,12 @@ void deliver(Call& call, std::size_t index, const Function_COutput& line, const 
 }
 
 }  // namespace
+
+const CoefficientSet* altered_tables(const Function_CFunctionSpec& spec) noexcept {
+  for (const CoefficientSet* set : spec.coefficients)
+    if (!set->intact()) return set;
+  return nullptr;
+}
 
 std::uint32_t run_bound(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,
                         FUNCTION_ARG& output) noexcept {
@@ -240,7 +255,8 @@ std::uint32_t run_bound(Function_CContext& context, FUNCTION_ARG* args, std::siz
   if (misfit != none) {
     outcome.status = argument_error;
   } else {
-    outcome = binding.calculate(arguments, results, memory);
+    outcome = altered(spec);
+    if (outcome.good()) outcome = binding.calculate(arguments, results, memory);
     explain(call, spec, outcome, arguments);
     blame_what_is_not_finite(call, spec, outcome, arguments);
     if (outcome.status == refused) return ERROR_VALUE;

@@ -39,12 +39,18 @@
 
 namespace norvane {
 
+class CoefficientSet;
 class Function_CContext;
+class Function_CFunctionSpec;
 
 // Structures of a calculation are copied as bytes into places of this size.
 inline constexpr std::size_t largest_structure = 1024;
 // Cells of the longest list.
 inline constexpr std::size_t largest_list = 32;
+
+// The standard whose coefficient tables are not those that the library was built with, of those that the function's
+// numbers come from; null when all are. Nothing is calculated with altered tables.
+const CoefficientSet* altered_tables(const Function_CFunctionSpec& spec) noexcept;
 
 // The implementation of every function that has a binding.
 std::uint32_t run_bound(Function_CContext& context, FUNCTION_ARG* args, std::size_t count,

@@ -198,6 +198,7 @@ Function_CFunctionSpec::Function_CFunctionSpec(const record::Function& record)
   name_input = record.name_input;
   notes = record.notes;
   binding = record.binding;
+  coefficients = record.coefficients;
   if (binding != nullptr && binding->remember != nullptr) memory_type = std::make_unique<BoundType>(id, *binding);
   for (std::size_t i = 0; i < input_count; ++i) {
     const record::Input& from = record.inputs[i];

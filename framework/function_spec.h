@@ -150,6 +150,7 @@ class Function_CFunctionSpec {
   // The calculation behind the implementation, and the type of what it keeps between calls; null for a function whose
   // implementation is written by hand.
   const record::Binding* binding = nullptr;
+  std::span<const CoefficientSet* const> coefficients;
   std::unique_ptr<const Function_CRegisteredType> memory_type;
 
   bool has(FUNCTION_FLAGS flag) const noexcept { return (flags & flag) != 0; }

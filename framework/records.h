@@ -26,6 +26,7 @@
 
 namespace norvane {
 
+class CoefficientSet;
 class Function_CContext;
 class Function_CData;
 
@@ -307,9 +308,17 @@ struct Function {
   std::span<const Output> outputs{};
   Function_Implementation implementation = nullptr;  // null: the binding's
   const Binding* binding = nullptr;
+  // The tables that the numbers come from: the function refuses when they are not those that were built.
+  std::span<const CoefficientSet* const> coefficients{};
   // Standard, edition and clauses, limits and remarks for the reference documentation; not part of the record
   // that hosts see. Paragraphs end with a line feed.
   std::u16string_view notes{};
+
+  constexpr Function with(std::span<const CoefficientSet* const> sets) const {
+    Function copy = *this;
+    copy.coefficients = sets;
+    return copy;
+  }
 };
 
 constexpr Input input(std::u16string_view key, std::u16string_view display, std::u16string_view description,

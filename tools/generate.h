@@ -40,6 +40,9 @@ void calc_idl(std::ostream& out, Specs specs);
 void calc_configuration(std::ostream& out, Specs specs);
 void calc_functions(std::ostream& out, Specs specs);
 
+// The source of the seal (core/seal.h).
+void seal(std::ostream& out, Specs specs);
+
 inline std::string narrow(std::u16string_view text) { return to_utf8(text); }
 
 }  // namespace norvane::generate

@@ -82,6 +82,10 @@ void com_idl(std::ostream& out, Specs) {
     out << "    [id(" << id << "), helpstring(\"" << help(spec.display_name) << "\")]\n"
         << wrapped(parameters(*method, true) + ";", "    HRESULT " + narrow(spec.id) + "(", "        ");
   });
+  // Behind all methods and with a number of its own, so that functions to come move nothing.
+  out << "    [propget, id(" << NORVANE_DISPID_IDENTITY
+      << "), helpstring(\"Version, commit and checksum\")]\n"
+         "    HRESULT Identity([out, retval] BSTR* text);\n";
   out << "  };\n\n"
       << "  [uuid(" NORVANE_CLSID_FUNCTIONS "), helpstring(\"Functions Class\")]\n"
       << "  coclass Functions {\n    [default] interface IFunctions;\n  };\n};\n";
@@ -111,6 +115,7 @@ void com_methods(std::ostream& out, Specs) {
         << wrapped(targets + "};", "  void* const out[] = {", "      ") << "  return Run(" << id
         << ", in, out, status);\n}\n";
   });
+  out << "HRESULT STDMETHODCALLTYPE get_Identity(BSTR* text) override;\n";
 }
 
 void com_interface(std::ostream& out, Specs) {

@@ -167,6 +167,12 @@ extern "C" {
 /* "1.2.3": the version of the library that is loaded. */
 NORVANE_API const char* norvane_version(void);
 
+/* "1.2.3, commit 0123456789ab, checksum 01234567": what the numbers can be traced to. The checksum is a CRC-32 over
+ * function records, coefficient tables and units as they are in memory now, and over the equations as they were built;
+ * it is the same on every system, and through every host. When the memory is not what was built the text says so, and
+ * functions of the standards concerned answer status 2. UTF-8; it lives until the same thread asks again. */
+NORVANE_API const char* norvane_identity(void);
+
 /* What there is to say about the calling thread's last call: the refused argument with its value and limit, what
  * stands behind a status other than 0, or a remark on a good result; an empty text when there is nothing. UTF-8; it
  * lives until the same thread calls a function or asks again. */
@@ -252,7 +258,7 @@ void exports_source(std::ostream& out, Specs) {
 }
 
 void exports_names(std::ostream& out, Specs) {
-  out << "norvane_batch\nnorvane_convert\nnorvane_last_message\nnorvane_status_text\nnorvane_version\n";
+  out << "norvane_batch\nnorvane_convert\nnorvane_identity\nnorvane_last_message\nnorvane_status_text\nnorvane_version\n";
   for (const Method& method : methods()) out << export_name(method) << "\n" << export_name(method) << "_Batch\n";
 }
 

@@ -33,6 +33,7 @@ constexpr Kind kinds[] = {
     {"calc-functions", norvane::generate::calc_functions},
     {"vba", norvane::generate::vba_module},
     {"csharp", norvane::generate::csharp_class},
+    {"seal", norvane::generate::seal},
 };
 
 int usage() {

@@ -75,6 +75,13 @@ class Checker {
  public:
   explicit Checker(const Reading& reading) : calls_(reading), reading_(reading) {}
 
+  // A failure that is no case's.
+  void fail(const std::string& place, const std::string& reason) {
+    if (scores_.find(place) == scores_.end()) order_.push_back(place);
+    ++scores_[place].failed;
+    failures_.push_back({place, "norvane", reason, ""});
+  }
+
   void jsonl(const std::string& name, std::string_view text) {
     std::size_t line = 0;
     while (!text.empty()) {
@@ -334,6 +341,7 @@ ExitCode check(const CheckOptions& options, Output& out) {
       checker.csv(shown_path(path), text, options.function);
     values += (values.empty() ? "" : ", ") + shown_path(path);
   }
+  if (const std::string mismatch = mismatch_text(); !mismatch.empty()) checker.fail("identity", mismatch);
   const Score total = checker.total();
   if (total.cases == 0) throw UsageError("there is no case to check");
   if (!options.html.empty()) write_file(options.html, page_of(checker, values, options.files.empty()));

@@ -3,9 +3,8 @@
 #include <ctime>
 #include <nlohmann/json.hpp>
 
+#include "catalogue/identity.h"
 #include "hosts/cli/document.h"
-#include "norvane_checksum.h"
-#include "norvane_commit.h"
 
 namespace norvane::cli {
 namespace {
@@ -36,39 +35,50 @@ constexpr const char* platform = NORVANE_SYSTEM " arm64";
 constexpr const char* platform = NORVANE_SYSTEM;
 #endif
 
-// Enough of a checksum to tell two builds apart by eye.
-constexpr std::size_t short_sum = 16;
-
 }  // namespace
 
-const Identity& identity() {
-  static const Identity known = {NORVANE_VERSION, NORVANE_COMMIT, NORVANE_CALCULATIONS, compiler, platform};
-  return known;
+Identity identity() {
+  const catalogue::Identity id = catalogue::identity();
+  return {std::string(id.version),
+          std::string(id.commit),
+          catalogue::checksum_text(id.checksum),
+          catalogue::checksum_text(id.built),
+          compiler,
+          platform};
+}
+
+std::string mismatch_text() {
+  const Identity id = identity();
+  if (id.intact()) return {};
+  return "the checksum of the calculations is " + id.checksum + ", built was " + id.built +
+         ": tables or records have been altered";
 }
 
 std::string version_text() {
-  const Identity& id = identity();
-  return "norvane " + id.version + "\ncommit " + id.commit + "\ncalculations " +
-         id.calculations.substr(0, short_sum) + "\ncompiler " + id.compiler + "\nplatform " + id.platform + "\n";
+  const Identity id = identity();
+  return "norvane " + id.version + "\ncommit " + id.commit + "\nchecksum " + id.checksum +
+         (id.intact() ? "" : " DOES NOT MATCH " + id.built) + "\ncompiler " + id.compiler + "\nplatform " +
+         id.platform + "\n";
 }
 
 nlohmann::ordered_json identity_json() {
-  const Identity& id = identity();
-  return {{"version", id.version},   {"commit", id.commit},     {"calculations_sha256", id.calculations},
+  const Identity id = identity();
+  return {{"version", id.version},   {"commit", id.commit},     {"checksum", id.checksum}, {"intact", id.intact()},
           {"compiler", id.compiler}, {"platform", id.platform}, {"time", time_now()}};
 }
 
 std::string identity_line() {
-  const Identity& id = identity();
-  return "norvane " + id.version + ", commit " + id.commit + ", calculations " +
-         id.calculations.substr(0, short_sum) + ", " + id.platform + ", " + time_now();
+  const Identity id = identity();
+  return "norvane " + id.version + ", commit " + id.commit + ", checksum " + id.checksum + ", " + id.platform + ", " +
+         time_now();
 }
 
 void add_identity(Document& page) {
-  const Identity& id = identity();
+  const Identity id = identity();
   page.heading("Identity");
   page.table({"", ""}, {{"Program", "norvane " + id.version + ", commit " + id.commit},
-                        {"Calculations (SHA-256 of tables and equations)", id.calculations},
+                        {"Checksum of tables, records and equations",
+                         id.checksum + (id.intact() ? "" : " DOES NOT MATCH " + id.built)},
                         {"Built for", id.platform + ", " + id.compiler},
                         {"Calculated", time_now()}});
 }

@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/identity.h"
 #include "core/text.h"
+#include "hosts/com/identity.h"
 #include "hosts/com/this_module.h"
 #include "hosts/com/variants.h"
 #include "hosts/module/parameter_names.h"
@@ -280,6 +282,10 @@ HRESULT CCOMFunctions::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LC
                                  : std::u16string_view();
     };
     for (UINT i = 0; i < count; ++i) ids[i] = DISPID_UNKNOWN;
+    if (equal_ignoring_case(u"Identity", wide(0))) {
+      ids[0] = NORVANE_DISPID_IDENTITY;
+      return count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
+    }
     const Signature* signature = host::find_signature(wide(0));
     if (signature == nullptr) return DISP_E_UNKNOWNNAME;
     ids[0] = static_cast<DISPID>(signature->id);
@@ -307,6 +313,15 @@ HRESULT CCOMFunctions::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAM
                               EXCEPINFO* exception, UINT* bad_argument) {
   if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (parameters == nullptr) return E_INVALIDARG;
+  if (id == NORVANE_DISPID_IDENTITY) {
+    if ((flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD)) == 0) return DISP_E_MEMBERNOTFOUND;
+    if (parameters->cArgs != 0) return DISP_E_BADPARAMCOUNT;
+    if (result == nullptr) return S_OK;
+    VariantInit(result);
+    const HRESULT outcome = get_Identity(&result->bstrVal);
+    if (SUCCEEDED(outcome)) result->vt = VT_BSTR;
+    return outcome;
+  }
   const Signature* signature = id > 0 ? host::find_signature(static_cast<std::uint32_t>(id)) : nullptr;
   if (signature == nullptr || (flags & DISPATCH_METHOD) == 0) return DISP_E_MEMBERNOTFOUND;
   if (result != nullptr) VariantInit(result);
@@ -325,6 +340,16 @@ HRESULT CCOMFunctions::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAM
   } catch (...) {
     return E_OUTOFMEMORY;
   }
+}
+
+HRESULT CCOMFunctions::get_Identity(BSTR* text) {
+  if (text == nullptr) return E_POINTER;
+  *text = nullptr;
+  try {
+    *text = to_bstr(to_utf16(catalogue::identity_text()));
+  } catch (...) {
+  }
+  return *text != nullptr ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT CCOMFunctions::RunMethod(std::uint32_t id, const TypedValue* in, std::size_t inputs, void* const* out,

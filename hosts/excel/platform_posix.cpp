@@ -106,9 +106,15 @@ void show_message(std::u16string_view title, std::u16string_view text) noexcept 
 void debug_output(std::u16string_view line) noexcept { write_line(line); }
 
 void show_about() noexcept {
-  write_line(u"Norvane (64-bit)");
-  write_line(about_version);
-  write_line(about_commit);
+  try {
+    const About text = about();
+    write_line(u"Norvane (64-bit)");
+    write_line(text.version);
+    write_line(text.commit);
+    write_line(text.checksum);
+  } catch (...) {
+    write_line(u"not enough memory");
+  }
 }
 
 }  // namespace norvane::excel::platform

@@ -27,8 +27,14 @@ HINSTANCE this_module() noexcept {
 INT_PTR CALLBACK about_dialog(HWND dialog, UINT message, WPARAM parameter, LPARAM) {
   switch (message) {
     case WM_INITDIALOG:
-      SetDlgItemTextW(dialog, NORVANE_ABOUT_VERSION, wide(about_version));
-      SetDlgItemTextW(dialog, NORVANE_ABOUT_COMMIT, wide(about_commit));
+      try {
+        const About text = about();
+        SetDlgItemTextW(dialog, NORVANE_ABOUT_VERSION, wide(text.version.c_str()));
+        SetDlgItemTextW(dialog, NORVANE_ABOUT_COMMIT, wide(text.commit.c_str()));
+        SetDlgItemTextW(dialog, NORVANE_ABOUT_CHECKSUM, wide(text.checksum.c_str()));
+      } catch (...) {
+        SetDlgItemTextW(dialog, NORVANE_ABOUT_VERSION, L"not enough memory");
+      }
       return TRUE;
     case WM_COMMAND:
       if (LOWORD(parameter) != IDOK && LOWORD(parameter) != IDCANCEL) return FALSE;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "catalogue/identity.h"
 #include "core/text.h"
 #include "hosts/module/batch.h"
 #include "hosts/module/export.h"
@@ -120,6 +121,16 @@ NORVANE_EXPORT std::size_t norvane_batch(const char* function, std::size_t rows,
 }
 
 NORVANE_EXPORT const char* norvane_version(void) { return NORVANE_VERSION; }
+
+NORVANE_EXPORT const char* norvane_identity(void) {
+  using namespace norvane;
+  try {
+    host::ThreadState* state = host::thread_state();
+    if (state != nullptr) return (state->identity = catalogue::identity_text()).c_str();
+  } catch (...) {
+  }
+  return "not enough memory for a text";
+}
 
 NORVANE_EXPORT const char* norvane_last_message(void) {
   try {

@@ -45,7 +45,8 @@ class Batch {
         statuses_(statuses),
         remarked_(remarked),
         memory_(memory),
-        calculation_memory_(calculation_memory) {}
+        calculation_memory_(calculation_memory),
+        altered_(altered_tables(*signature.spec) != nullptr) {}
 
   // Room for the rows, their structures set up. False when memory is refused.
   bool prepare(const Signature& signature, std::size_t rows) noexcept {
@@ -168,7 +169,7 @@ class Batch {
     std::fill_n(memory_.done, count, false);
     for (std::size_t i = 0; i < count; ++i)
       std::memcpy(results(i), binding_.results.prototype, binding_.results.size);
-    if (binding_.calculate_rows != nullptr) calculate_together(count);
+    if (binding_.calculate_rows != nullptr && !altered_) calculate_together(count);
     for (std::size_t i = 0; i < count; ++i) {
       std::uint32_t& status = statuses_[first + i];
       memory_.delivered[i] = memory_.done[i];
@@ -202,6 +203,10 @@ class Batch {
       case Verdict::fits: break;
       case Verdict::misfit: status = argument_error; return;
       default: status = batch_not_run; return;
+    }
+    if (altered_) {
+      status = calculation_error;
+      return;
     }
     const Outcome outcome = binding_.calculate(arguments(row), results(row), calculation_memory_);
     if (outcome.status == refused) {
@@ -258,6 +263,7 @@ class Batch {
   bool* remarked_;
   BatchMemory& memory_;
   void* calculation_memory_;
+  bool altered_;  // the coefficient tables: no row is calculated
   std::size_t at_once_ = 0;
 };
 

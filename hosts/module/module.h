@@ -67,6 +67,7 @@ class ThreadState {
   std::string last_message;
   std::string status_text;
   std::string unit_text;
+  std::string identity;
 
  private:
   friend class HeldContext;

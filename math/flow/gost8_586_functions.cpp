@@ -1,6 +1,7 @@
 // GOST8_586_2005_EdgeRadius, _MassFlowRate, _Roughness, _SteelExpansionFactor: orifice plates by GOST 8.586-2005.
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/flow/gost8_586.h"
 #include "math/flow/gost8_586_table.h"
@@ -104,6 +105,8 @@ constexpr record::Output steel_outputs[] = {
 };
 // clang-format on
 
+constexpr const CoefficientSet* coefficients_used[] = {&GOST_8_586_2005::coefficient_set};
+
 constexpr record::Function function(std::u16string_view id, std::u16string_view display,
                                     std::u16string_view description, std::span<const record::Input> inputs,
                                     std::span<const record::Output> outputs, const record::Binding& binding,
@@ -118,6 +121,7 @@ constexpr record::Function function(std::u16string_view id, std::u16string_view 
       .inputs = inputs,
       .outputs = outputs,
       .binding = &binding,
+      .coefficients = coefficients_used,
       .notes = notes,
   };
 }

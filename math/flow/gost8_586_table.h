@@ -4,6 +4,8 @@
 
 #include <iterator>
 
+#include "core/coefficients.h"
+
 namespace norvane::GOST_8_586_2005 {
 
 // clang-format off
@@ -110,5 +112,12 @@ inline constexpr RoughnessBand roughness_bands[] = {
 };
 
 // clang-format on
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows_behind("steels", steels, &Steel::grade),
+    rows_behind("pipe_walls", pipe_walls, &PipeWall::wall),
+    rows("roughness_bands", roughness_bands),
+};
+inline constinit const CoefficientSet coefficient_set{"GOST 8.586-2005", coefficient_tables};
 
 }  // namespace norvane::GOST_8_586_2005

@@ -1,7 +1,9 @@
 // Ethylene_IUPAC_M, Ethylene_IUPAC_C: thermodynamic properties of ethylene.
 #include <array>
 
+#include "core/coefficients.h"
 #include "math/fluid/ethylene_iupac.h"
+#include "math/fluid/ethylene_iupac_table.h"
 #include "math/fluid/fluid_records.h"
 
 namespace norvane::functions {
@@ -47,6 +49,8 @@ constexpr std::u16string_view notes =
     u"saturation line the liquid is answered. The equation's critical temperature is 282.32 K, 0.02 K below that of "
     u"the substance.\n";
 
+constexpr const CoefficientSet* coefficients_used[] = {&Ethylene_IUPAC::coefficient_set};
+
 }  // namespace
 
 const record::Function Ethylene_IUPAC_M = {
@@ -59,6 +63,7 @@ const record::Function Ethylene_IUPAC_M = {
     .inputs = inputs_metric,
     .outputs = outputs_metric,
     .binding = &bound<calculate>,
+    .coefficients = coefficients_used,
     .notes = notes,
 };
 
@@ -72,6 +77,7 @@ const record::Function Ethylene_IUPAC_C = {
     .inputs = inputs_customary,
     .outputs = outputs_customary,
     .binding = &bound<calculate>,
+    .coefficients = coefficients_used,
     .notes = notes,
 };
 

@@ -4,6 +4,7 @@
 
 #include <iterator>
 
+#include "core/coefficients.h"
 #include "math/fluid/helmholtz_terms.h"
 
 namespace norvane::Ethylene_IUPAC {
@@ -74,5 +75,11 @@ inline constexpr double theta[] = {
 static_assert(std::size(theta) == 12);
 
 // clang-format on
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows("terms", terms),
+    rows("theta", theta),
+};
+inline constinit const CoefficientSet coefficient_set{"IUPAC ethylene", coefficient_tables};
 
 }  // namespace norvane::Ethylene_IUPAC

@@ -1,5 +1,7 @@
 // Ethylene_NIST1045: density of ethylene.
+#include "core/coefficients.h"
 #include "math/fluid/ethylene_nist1045.h"
+#include "math/fluid/ethylene_nist1045_table.h"
 #include "math/fluid/fluid_records.h"
 
 namespace norvane::functions {
@@ -30,6 +32,8 @@ constexpr record::Output outputs[] = {
     fluid_records::range_status<&Result::range>(enumeration::rangestatus2),
 };
 
+constexpr const CoefficientSet* coefficients_used[] = {&Ethylene_NIST1045::coefficient_set};
+
 }  // namespace
 
 const record::Function Ethylene_NIST1045 = {
@@ -42,6 +46,7 @@ const record::Function Ethylene_NIST1045 = {
     .inputs = inputs,
     .outputs = outputs,
     .binding = &bound<norvane::Ethylene_NIST1045::calculate>,
+    .coefficients = coefficients_used,
     .notes =
         u"Source: R. D. McCarty, R. T Jacobsen, NBS Technical Note 1045 (1981), a 32-term equation. Valid from the "
         u"freezing line (triple point 103.986 K) to 450 K and to 400 bar; range status 2 outside. Range status 1 "

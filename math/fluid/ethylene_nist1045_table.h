@@ -4,6 +4,8 @@
 
 #include <iterator>
 
+#include "core/coefficients.h"
+
 namespace norvane::Ethylene_NIST1045 {
 
 // clang-format off
@@ -51,5 +53,11 @@ inline constexpr double g[] = {560361.5762, -21410.69802, 253.2008897, 3.5544952
 static_assert(std::size(g) == 9);
 
 // clang-format on
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows("b", b),
+    rows("g", g),
+};
+inline constinit const CoefficientSet coefficient_set{"Technical Note 1045, ethylene", coefficient_tables};
 
 }  // namespace norvane::Ethylene_NIST1045

@@ -1,8 +1,10 @@
 // IAPWS_IF97_M, IAPWS_IF97_C: water and steam.
 #include <array>
 
+#include "core/coefficients.h"
 #include "math/fluid/fluid_records.h"
 #include "math/fluid/iapws_if97.h"
+#include "math/fluid/iapws_if97_table.h"
 
 namespace norvane::functions {
 
@@ -49,6 +51,8 @@ constexpr std::u16string_view notes =
     u"350 \u00B0C), status 2 where its equation has lost its meaning.\n"
     u"Kappa is w\u00B2/(p v), the exponent that differential pressure devices need.\n";
 
+constexpr const CoefficientSet* coefficients_used[] = {&IAPWS_IF97::coefficient_set};
+
 }  // namespace
 
 const record::Function IAPWS_IF97_M = {
@@ -61,6 +65,7 @@ const record::Function IAPWS_IF97_M = {
     .inputs = inputs_metric,
     .outputs = outputs_metric,
     .binding = &bound<calculate>,
+    .coefficients = coefficients_used,
     .notes = notes,
 };
 
@@ -74,6 +79,7 @@ const record::Function IAPWS_IF97_C = {
     .inputs = inputs_customary,
     .outputs = outputs_customary,
     .binding = &bound<calculate>,
+    .coefficients = coefficients_used,
     .notes = notes,
 };
 

@@ -4,6 +4,8 @@
 
 #include <iterator>
 
+#include "core/coefficients.h"
+
 namespace norvane::IAPWS_IF97 {
 
 // clang-format off
@@ -238,5 +240,19 @@ inline constexpr double boundary23[] = {
 static_assert(std::size(boundary23) == 5);
 
 // clang-format on
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows("region1_terms", region1_terms),
+    rows("region2_ideal", region2_ideal),
+    rows("region2_terms", region2_terms),
+    rows("metastable_ideal", metastable_ideal),
+    rows("metastable_terms", metastable_terms),
+    rows("region3_terms", region3_terms),
+    rows("saturation", saturation),
+    rows("region5_ideal", region5_ideal),
+    rows("region5_terms", region5_terms),
+    rows("boundary23", boundary23),
+};
+inline constinit const CoefficientSet coefficient_set{"IAPWS-IF97", coefficient_tables};
 
 }  // namespace norvane::IAPWS_IF97

@@ -1,8 +1,10 @@
 // NIST_CO2_M, NIST_CO2_C: density of carbon dioxide.
 #include <array>
 
+#include "core/coefficients.h"
 #include "math/fluid/fluid_records.h"
 #include "math/fluid/nist_co2.h"
+#include "math/fluid/nist_co2_table.h"
 
 namespace norvane::functions {
 
@@ -35,6 +37,8 @@ constexpr std::u16string_view notes =
     u"The phase is the stable one: the equation's own saturation pressure decides, by equal Gibbs energies. On the "
     u"saturation line the liquid is answered.\n";
 
+constexpr const CoefficientSet* coefficients_used[] = {&NIST_CO2::coefficient_set};
+
 }  // namespace
 
 const record::Function NIST_CO2_M = {
@@ -47,6 +51,7 @@ const record::Function NIST_CO2_M = {
     .inputs = inputs_metric,
     .outputs = outputs_metric,
     .binding = &bound<calculate>,
+    .coefficients = coefficients_used,
     .notes = notes,
 };
 
@@ -60,6 +65,7 @@ const record::Function NIST_CO2_C = {
     .inputs = inputs_customary,
     .outputs = outputs_customary,
     .binding = &bound<calculate>,
+    .coefficients = coefficients_used,
     .notes = notes,
 };
 

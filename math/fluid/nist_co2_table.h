@@ -4,6 +4,7 @@
 
 #include <iterator>
 
+#include "core/coefficients.h"
 #include "math/fluid/helmholtz_terms.h"
 
 namespace norvane::NIST_CO2 {
@@ -91,5 +92,11 @@ inline constexpr Auxiliary vapour_pressure_terms[] = {
 };
 
 // clang-format on
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows("terms", terms), rows("gaussians", gaussians),     rows("criticals", criticals),
+    rows("ideal", ideal), rows("oscillators", oscillators), rows("vapour_pressure_terms", vapour_pressure_terms),
+};
+inline constinit const CoefficientSet coefficient_set{"Span and Wagner, carbon dioxide", coefficient_tables};
 
 }  // namespace norvane::NIST_CO2

@@ -70,4 +70,9 @@ Outcome calculate(const Arguments& in, Result& out) noexcept {
   return {};
 }
 
+constexpr CoefficientTable coefficient_tables[] = {
+    rows("GV", GV),
+};
+constinit const CoefficientSet coefficient_set{"Ethylene viscosity", coefficient_tables};
+
 }  // namespace norvane::NIST_Ethylene_Visc

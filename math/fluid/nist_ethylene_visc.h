@@ -5,6 +5,7 @@
 // 1045. Check values: Tables 5 and 8.
 #pragma once
 
+#include "core/coefficients.h"
 #include "core/outcome.h"
 
 namespace norvane::NIST_Ethylene_Visc {
@@ -36,5 +37,7 @@ Outcome calculate(const Arguments& in, Result& out) noexcept;
 double viscosity(double T, double rho) noexcept;
 // Of the dilute gas [Pa s].
 double dilute_viscosity(double T) noexcept;
+
+extern const CoefficientSet coefficient_set;
 
 }  // namespace norvane::NIST_Ethylene_Visc

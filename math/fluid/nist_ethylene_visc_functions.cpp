@@ -1,6 +1,8 @@
 // NIST_Ethylene_Visc_M, NIST_Ethylene_Visc_C: dynamic viscosity of ethylene.
 #include <array>
 
+#include "core/coefficients.h"
+#include "math/fluid/ethylene_nist1045_table.h"
 #include "math/fluid/fluid_records.h"
 #include "math/fluid/nist_ethylene_visc.h"
 
@@ -34,6 +36,9 @@ constexpr std::u16string_view notes =
     u"outside. The density equation is continued above 450 K and 400 bar, as the source does.\n"
     u"There is no term for the rise of the viscosity next to the critical point.\n";
 
+constexpr const CoefficientSet* coefficients_used[] = {&Ethylene_NIST1045::coefficient_set,
+                                                       &NIST_Ethylene_Visc::coefficient_set};
+
 }  // namespace
 
 const record::Function NIST_Ethylene_Visc_M = {
@@ -46,6 +51,7 @@ const record::Function NIST_Ethylene_Visc_M = {
     .inputs = inputs_metric,
     .outputs = outputs_metric,
     .binding = &bound<calculate>,
+    .coefficients = coefficients_used,
     .notes = notes,
 };
 
@@ -59,6 +65,7 @@ const record::Function NIST_Ethylene_Visc_C = {
     .inputs = inputs_customary,
     .outputs = outputs_customary,
     .binding = &bound<calculate>,
+    .coefficients = coefficients_used,
     .notes = notes,
 };
 

@@ -1,10 +1,12 @@
 // AGA10_M, AGA10ex_M: speed of sound and thermodynamic properties by AGA Report No. 10.
 #include <span>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/common/conversions.h"
 #include "math/common/gas_records.h"
 #include "math/gas/aga10.h"
+#include "math/gas/aga10_table.h"
 
 namespace norvane::functions {
 
@@ -112,6 +114,8 @@ constexpr std::u16string_view notes_extended =
 #undef NOTES_STATUS
 // clang-format on
 
+constexpr const CoefficientSet* coefficients_used[] = {&AGA8::coefficient_set, &AGA10::coefficient_set};
+
 }  // namespace
 
 const record::Function AGA10_M = {
@@ -124,6 +128,7 @@ const record::Function AGA10_M = {
     .inputs = inputs_plain,
     .outputs = outputs_plain,
     .binding = &bound<speed_of_sound>,
+    .coefficients = coefficients_used,
     .notes = notes_plain,
 };
 
@@ -137,6 +142,7 @@ const record::Function AGA10ex_M = {
     .inputs = inputs_extended,
     .outputs = outputs_extended,
     .binding = &bound<all_properties>,
+    .coefficients = coefficients_used,
     .notes = notes_extended,
 };
 

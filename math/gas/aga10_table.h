@@ -2,6 +2,7 @@
 // (heat capacities in thermochemical calories).
 #pragma once
 
+#include "core/coefficients.h"
 #include "math/gas/aga8_table.h"
 
 namespace norvane::AGA10 {
@@ -36,5 +37,10 @@ inline constexpr IdealGas ideal_gases[AGA8::component_count] = {
 };
 
 // clang-format on
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows_behind("ideal_gases", ideal_gases, &IdealGas::name),
+};
+inline constinit const CoefficientSet coefficient_set{"AGA-10", coefficient_tables};
 
 }  // namespace norvane::AGA10

@@ -50,4 +50,9 @@ Outcome calculate(const Gas& gas, Result& result) noexcept {
   return {};
 }
 
+constexpr CoefficientTable coefficient_tables[] = {
+    rows("diluents", diluents),
+};
+constinit const CoefficientSet coefficient_set{"AGA-5", coefficient_tables};
+
 }  // namespace norvane::AGA5

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 
+#include "core/coefficients.h"
 #include "core/outcome.h"
 
 namespace norvane::AGA5 {
@@ -24,5 +25,7 @@ struct Result {
 // argument_error when the eight diluents exceed 1 in sum or one is negative, calculation_error for a specific gravity
 // below 1e-6.
 Outcome calculate(const Gas& gas, Result& result) noexcept;
+
+extern const CoefficientSet coefficient_set;
 
 }  // namespace norvane::AGA5

@@ -1,4 +1,5 @@
 // AGA5_C: heating value from specific gravity and diluents by AGA-5.
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/common/gas_records.h"
 #include "math/gas/aga5.h"
@@ -27,6 +28,8 @@ constexpr record::Output outputs[] = {
 };
 // clang-format on
 
+constexpr const CoefficientSet* coefficients_used[] = {&AGA5::coefficient_set};
+
 }  // namespace
 
 const record::Function AGA5_C = {
@@ -39,6 +42,7 @@ const record::Function AGA5_C = {
     .inputs = inputs,
     .outputs = outputs,
     .binding = &bound<AGA5::calculate>,
+    .coefficients = coefficients_used,
     .notes =
         u"AGA Report No. 5, Natural gas energy measurement: heating value from the specific gravity and "
         u"the fractions of nitrogen, carbon dioxide, oxygen, helium, carbon monoxide, hydrogen sulfide, "

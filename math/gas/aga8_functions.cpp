@@ -1,10 +1,12 @@
 // AGA8_M, AGA8_C: compressibility and density by the detail characterisation method of AGA Report No. 8.
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/common/conversions.h"
 #include "math/common/gas_records.h"
 #include "math/gas/aga8.h"
+#include "math/gas/aga8_table.h"
 
 namespace norvane::functions {
 
@@ -70,6 +72,8 @@ constexpr std::u16string_view notes =
     u"as inside the two-phase region, and at pressure 0. Code 3 is never answered.\n"
     u"An unchanged composition, temperature and pressure of the same name or calling place answers from memory.\n";
 
+constexpr const CoefficientSet* coefficients_used[] = {&AGA8::coefficient_set};
+
 }  // namespace
 
 const record::Function AGA8_M = {
@@ -83,6 +87,7 @@ const record::Function AGA8_M = {
     .inputs = inputs_metric,
     .outputs = outputs_metric,
     .binding = &bound<state_of>,
+    .coefficients = coefficients_used,
     .notes = notes,
 };
 
@@ -97,6 +102,7 @@ const record::Function AGA8_C = {
     .inputs = inputs_customary,
     .outputs = outputs_customary,
     .binding = &bound<state_of_unlimited>,
+    .coefficients = coefficients_used,
     .notes = notes,
 };
 

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+#include "core/coefficients.h"
+
 namespace norvane::AGA8 {
 
 // clang-format off
@@ -173,5 +175,12 @@ inline constexpr Term terms[term_count] = {
 // clang-format on
 
 static_assert(sizeof(pairs) / sizeof(pairs[0]) == 61);
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows_behind("components", components, &Component::name),
+    rows("pairs", pairs),
+    rows("terms", terms),
+};
+inline constinit const CoefficientSet coefficient_set{"AGA-8", coefficient_tables};
 
 }  // namespace norvane::AGA8

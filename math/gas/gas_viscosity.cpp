@@ -129,4 +129,9 @@ Outcome calculate(const Arguments& in, Result& out, Cache& cache) noexcept {
   return {};
 }
 
+constexpr CoefficientTable coefficient_tables[] = {
+    rows("components", components),
+};
+constinit const CoefficientSet coefficient_set{"ISO 20765-5", coefficient_tables};
+
 }  // namespace norvane::ISO20765_5

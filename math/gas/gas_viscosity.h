@@ -6,6 +6,7 @@
 // correlations differ by some percent.
 #pragma once
 
+#include "core/coefficients.h"
 #include "core/outcome.h"
 #include "math/gas/aga8.h"
 
@@ -30,5 +31,7 @@ struct Cache {
 // Status 1: an argument that no gas has. Status 2: a composition that cannot be used, or a state without a density.
 // AGA8::composition_error: amounts that sum neither to 1 nor to 100.
 Outcome calculate(const Arguments& in, Result& out, Cache& cache) noexcept;
+
+extern const CoefficientSet coefficient_set;
 
 }  // namespace norvane::ISO20765_5

@@ -1,7 +1,9 @@
 // GasViscosity_2004: dynamic viscosity of natural gas.
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/common/conversions.h"
 #include "math/common/gas_records.h"
+#include "math/gas/aga8_table.h"
 #include "math/gas/gas_viscosity.h"
 
 namespace norvane::functions {
@@ -28,6 +30,8 @@ constexpr record::Output outputs[] = {
 };
 // clang-format on
 
+constexpr const CoefficientSet* coefficients_used[] = {&AGA8::coefficient_set, &ISO20765_5::coefficient_set};
+
 }  // namespace
 
 const record::Function GasViscosity_2004 = {
@@ -40,6 +44,7 @@ const record::Function GasViscosity_2004 = {
     .inputs = inputs,
     .outputs = outputs,
     .binding = &bound<calculate>,
+    .coefficients = coefficients_used,
     .notes =
         u"Equations: ISO 20765-5, Natural gas - Calculation of thermodynamic properties - Part 5: Calculation of "
         u"viscosity, Joule-Thomson coefficient, and isentropic exponent; viscosities of the pure gases at low pressure "

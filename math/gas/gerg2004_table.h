@@ -6,6 +6,7 @@
 // their critical values.
 #pragma once
 
+#include "core/coefficients.h"
 #include "math/gas/gerg2008_table.h"
 
 namespace norvane::GERG2008::edition_2004 {
@@ -47,5 +48,11 @@ inline constexpr Pair pairs[] = {
 static_assert(std::size(pairs) == 15);
 
 // clang-format on
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows("fluids", fluids),
+    rows("pairs", pairs),
+};
+inline constinit const CoefficientSet coefficient_set{"GERG-2004", coefficient_tables};
 
 }  // namespace norvane::GERG2008::edition_2004

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <iterator>
 
+#include "core/coefficients.h"
 #include "math/common/components.h"
 
 namespace norvane::GERG2008 {
@@ -545,5 +546,26 @@ inline constexpr Ideal ideal_gases[] = {
 static_assert(std::size(ideal_gases) == component_count);
 
 // clang-format on
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows("components", components),
+    rows("light_form", light_form),
+    rows("light_n", light_n),
+    rows("carbon_dioxide_form", carbon_dioxide_form),
+    rows("carbon_dioxide_n", carbon_dioxide_n),
+    rows("simple_form", simple_form),
+    rows("simple_n", simple_n),
+    rows("water_form", water_form),
+    rows("water_n", water_n),
+    rows("hydrogen_form", hydrogen_form),
+    rows("hydrogen_n", hydrogen_n),
+    rows("helium_form", helium_form),
+    rows("helium_n", helium_n),
+    rows("pairs", pairs),
+    rows("departure_terms", departure_terms),
+    rows("departures", departures),
+    rows("ideal_gases", ideal_gases),
+};
+inline constinit const CoefficientSet coefficient_set{"GERG-2008", coefficient_tables};
 
 }  // namespace norvane::GERG2008

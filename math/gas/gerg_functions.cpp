@@ -2,10 +2,12 @@
 // density, speed of sound and phases of natural gas.
 #include <span>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/common/conversions.h"
 #include "math/common/gas_records.h"
 #include "math/gas/gerg.h"
+#include "math/gas/gerg2004_table.h"
 
 namespace norvane::functions {
 
@@ -108,6 +110,10 @@ constexpr std::u16string_view notes_earlier_flash = NOTES_2004 NOTES_FLASH NOTES
 #undef NOTES_MEMORY
 #undef NOTES_EARLIER
 
+constexpr const CoefficientSet* of_2008[] = {&GERG2008::coefficient_set};
+
+constexpr const CoefficientSet* of_2004[] = {&GERG2008::coefficient_set, &GERG2008::edition_2004::coefficient_set};
+
 }  // namespace
 
 const record::Function AGA8_GERG = {
@@ -120,6 +126,7 @@ const record::Function AGA8_GERG = {
     .inputs = inputs,
     .outputs = outputs_gas_2008,
     .binding = &bound<gas_2008>,
+    .coefficients = of_2008,
     .notes = notes_gas_2008,
 };
 
@@ -133,6 +140,7 @@ const record::Function GERG2008_Gas = {
     .inputs = inputs,
     .outputs = outputs_gas_2008,
     .binding = &bound<gas_2008>,
+    .coefficients = of_2008,
     .notes = notes_gas_2008,
 };
 
@@ -146,6 +154,7 @@ const record::Function GERG2008_Flash = {
     .inputs = inputs,
     .outputs = outputs_flash,
     .binding = &bound<flash_2008>,
+    .coefficients = of_2008,
     .notes = notes_flash_2008,
 };
 
@@ -160,6 +169,7 @@ const record::Function GERG2004_Gas = {
     .inputs = inputs,
     .outputs = outputs_gas_2004,
     .binding = &bound<gas_2004>,
+    .coefficients = of_2004,
     .notes = notes_gas_2004,
 };
 
@@ -174,6 +184,7 @@ const record::Function GERG2004_Flash = {
     .inputs = inputs,
     .outputs = outputs_flash,
     .binding = &bound<flash_2004>,
+    .coefficients = of_2004,
     .notes = notes_flash_2004,
 };
 
@@ -189,6 +200,7 @@ const record::Function GERG_GAS = {
     .inputs = inputs_without_mode,
     .outputs = outputs_gas_2004,
     .binding = &bound<gas_2004>,
+    .coefficients = of_2004,
     .notes = notes_earlier,
 };
 
@@ -204,6 +216,7 @@ const record::Function GERG_FLASH = {
     .inputs = inputs_without_mode,
     .outputs = outputs_flash,
     .binding = &bound<flash_2004>,
+    .coefficients = of_2004,
     .notes = notes_earlier_flash,
 };
 
@@ -219,6 +232,7 @@ const record::Function GERG_ZOTPX = {
     .inputs = inputs_without_mode,
     .outputs = outputs_z,
     .binding = &bound<density_2004>,
+    .coefficients = of_2004,
     .notes = notes_earlier,
 };
 
@@ -234,6 +248,7 @@ const record::Function GERG_DOTPX = {
     .inputs = inputs_without_mode,
     .outputs = outputs_density,
     .binding = &bound<density_2004>,
+    .coefficients = of_2004,
     .notes = notes_earlier,
 };
 
@@ -249,6 +264,7 @@ const record::Function GERG_WOTPX = {
     .inputs = inputs_without_mode,
     .outputs = outputs_speed_of_sound,
     .binding = &bound<gas_2004>,
+    .coefficients = of_2004,
     .notes = notes_earlier,
 };
 
@@ -264,6 +280,7 @@ const record::Function GERG_CAPOTPX = {
     .inputs = inputs_without_mode,
     .outputs = outputs_kappa,
     .binding = &bound<gas_2004>,
+    .coefficients = of_2004,
     .notes = notes_earlier,
 };
 

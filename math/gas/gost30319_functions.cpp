@@ -1,10 +1,13 @@
 // GOST30319, GOST30319_SGERG91mod, GOST30319_AGA8: properties of natural gas by GOST 30319-96.
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/common/conversions.h"
 #include "math/common/gas_records.h"
+#include "math/gas/aga8_table.h"
 #include "math/gas/gost30319.h"
+#include "math/gas/sgerg_table.h"
 
 namespace norvane::functions {
 
@@ -99,6 +102,10 @@ constexpr Output outputs_detail[] = {
   u"has coefficients for.\n"
 // clang-format on
 
+constexpr const CoefficientSet* coefficients_used[] = {&AGA8::coefficient_set};
+
+constexpr const CoefficientSet* of_sgerg[] = {&SGERG::coefficient_set};
+
 }  // namespace
 
 const record::Function GOST30319 = {
@@ -111,6 +118,7 @@ const record::Function GOST30319 = {
     .inputs = inputs,
     .outputs = outputs,
     .binding = &bound<calculate>,
+    .coefficients = of_sgerg,
     .notes = NV_GOST30319_PROPERTIES NV_GOST30319_GERG91
     u"Range status 0: 1 to 120 bar, 250 to 340 K, 0.66 to 1.05 kg/m3, superior calorific value 32 to 40 MJ/m3 and "
     u"nitrogen and carbon dioxide up to 0.15 each (NX19 mod.), 20 to 48 MJ/m3 and up to 0.20 each (GERG-91 mod.). "
@@ -127,6 +135,7 @@ const record::Function GOST30319_SGERG91mod = {
     .inputs = inputs_gerg91,
     .outputs = outputs_gerg91,
     .binding = &bound<calculate_gerg91>,
+    .coefficients = of_sgerg,
     .notes = NV_GOST30319_PROPERTIES NV_GOST30319_GERG91
     u"Input mode 2 takes the standard density from the superior calorific value, by the formula of part 1.\n"
     u"Range status 0: 1 to 120 bar, 250 to 340 K, 0.66 to 1.05 kg/m3, 20 to 48 MJ/m3, nitrogen and carbon dioxide up "
@@ -143,6 +152,7 @@ const record::Function GOST30319_AGA8 = {
     .inputs = inputs_detail,
     .outputs = outputs_detail,
     .binding = &bound<calculate_detail>,
+    .coefficients = coefficients_used,
     .notes =
         u"GOST 30319.2-96, method AGA8-92DC: Z and Zc of the detail equation of AGA Report No. 8, K = Z/Zc.\n"
         u"At pressure 0 Z is 1. Status 2 is answered where no gas density reaches the pressure.\n"

@@ -16,6 +16,8 @@
 #include <cstddef>
 #include <iterator>
 
+#include "core/coefficients.h"
+
 namespace norvane::GPA2145 {
 
 inline constexpr std::size_t n_components = 21;
@@ -156,5 +158,12 @@ static_assert(std::size(customary_2003) == n_components);
 static_assert(std::size(customary_2016) == n_components);
 static_assert(std::size(metric_2003) == n_components);
 static_assert(std::size(metric_2016) == n_components);
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows("customary_2000", customary_2000), rows("customary_2003", customary_2003),
+    rows("customary_2016", customary_2016), rows("metric_2003", metric_2003),
+    rows("metric_2016", metric_2016),
+};
+inline constinit const CoefficientSet coefficient_set{"GPA 2145", coefficient_tables};
 
 }  // namespace norvane::GPA2145

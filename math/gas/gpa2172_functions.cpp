@@ -1,8 +1,10 @@
 // GPA2172_M, GPA2172_C, GPA2172_96_M, GPA2172_96_C: heating values, relative density and compressibility by GPA 2172.
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/common/gas_records.h"
+#include "math/gas/gpa2145_table.h"
 #include "math/gas/gpa2172.h"
 
 namespace norvane::functions {
@@ -86,6 +88,8 @@ constexpr std::u16string_view notes_1996 =
     u"The gross heating value by mass is the mole fraction-weighted sum of the components' values by mass, "
     u"not the mass-weighted mean.";
 
+constexpr const CoefficientSet* coefficients_used[] = {&GPA2145::coefficient_set};
+
 // Both pairs are the same calculation; the older names stand in no subcategory of their own.
 constexpr record::Function function(std::u16string_view id, bool of_1996, bool in_metric) {
   return {
@@ -102,6 +106,7 @@ constexpr record::Function function(std::u16string_view id, bool of_1996, bool i
       .inputs = in_metric ? inputs_metric : inputs_customary,
       .outputs = in_metric ? outputs_metric : outputs_customary,
       .binding = in_metric ? &bound<metric> : &bound<customary>,
+      .coefficients = coefficients_used,
       .notes = of_1996 ? notes_1996 : notes,
   };
 }

@@ -13,6 +13,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "core/coefficients.h"
+
 namespace norvane::ISO6976::edition1995 {
 
 inline constexpr std::size_t n_components = 55;
@@ -330,5 +332,14 @@ static_assert(std::size(table2) == n_components);
 static_assert(std::size(table3) == n_components);
 static_assert(std::size(table4) == n_components);
 static_assert(std::size(table5) == n_components);
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows_behind("table1", table1, &Component::name),
+    rows("table2", table2),
+    rows("table3", table3),
+    rows("table4", table4),
+    rows("table5", table5),
+};
+inline constinit const CoefficientSet coefficient_set{"ISO 6976:1995", coefficient_tables};
 
 }  // namespace norvane::ISO6976::edition1995

@@ -8,6 +8,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "core/coefficients.h"
+
 namespace norvane::ISO6976::edition2016 {
 
 inline constexpr std::size_t n_components = 60;
@@ -216,5 +218,12 @@ inline constexpr GrossValues table3[] = {
 static_assert(std::size(table1) == n_components);
 static_assert(std::size(table2) == n_components);
 static_assert(std::size(table3) == n_components);
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    rows_behind("table1", table1, &Component::name),
+    rows("table2", table2),
+    rows("table3", table3),
+};
+inline constinit const CoefficientSet coefficient_set{"ISO 6976:2016", coefficient_tables};
 
 }  // namespace norvane::ISO6976::edition2016

@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/common/gas_records.h"
 #include "math/gas/iso6976.h"
+#include "math/gas/iso6976_1995_table.h"
+#include "math/gas/iso6976_2016_table.h"
 
 namespace norvane::functions {
 
@@ -135,6 +138,10 @@ constexpr std::span<const record::Output> outputs_1983(outputs, 6);
   u"The 22 common components stand in the composition (AGA-8 order plus neo-pentane), the rest of the standard's " \
   u"components in arrays of their own; an omitted array counts as zeros. All are normalised together.\n"
 
+constexpr const CoefficientSet* tables_1995[] = {&ISO6976::edition1995::coefficient_set};
+
+constexpr const CoefficientSet* tables_2016[] = {&ISO6976::edition2016::coefficient_set};
+
 }  // namespace
 
 const record::Function ISO6976_1983_M = {
@@ -164,6 +171,7 @@ const record::Function ISO6976_1995_M = {
     .inputs = inputs_1995,
     .outputs = outputs,
     .binding = &bound<of_1995>,
+    .coefficients = tables_1995,
     .notes = NV_NOTES_1995 NV_NOTES_COMPOSITION u".",
 };
 
@@ -178,6 +186,7 @@ const record::Function ISO6976_2016_M = {
     .inputs = inputs_2016,
     .outputs = outputs,
     .binding = &bound<of_2016>,
+    .coefficients = tables_2016,
     .notes = NV_NOTES_2016 NV_NOTES_COMPOSITION u", or a compressibility factor of 0.9 or less.",
 };
 
@@ -194,6 +203,7 @@ const record::Function ISO6976ex_1995_M = {
     .inputs = inputs_55,
     .outputs = outputs,
     .binding = &bound<of_1995_all>,
+    .coefficients = tables_1995,
     .notes = NV_NOTES_1995 NV_NOTES_ARRAYS NV_NOTES_COMPOSITION u".",
 };
 
@@ -210,6 +220,7 @@ const record::Function ISO6976ex_2016_M = {
     .inputs = inputs_60,
     .outputs = outputs,
     .binding = &bound<of_2016_all>,
+    .coefficients = tables_2016,
     .notes = NV_NOTES_2016 NV_NOTES_ARRAYS NV_NOTES_COMPOSITION u", or a compressibility factor of 0.9 or less.",
 };
 

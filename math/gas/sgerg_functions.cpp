@@ -1,10 +1,12 @@
 // SGERG_M, SGERG_C: compressibility and density by SGERG-88, ISO 12213-3.
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/common/conversions.h"
 #include "math/common/gas_records.h"
 #include "math/gas/sgerg.h"
+#include "math/gas/sgerg_table.h"
 
 namespace norvane::functions {
 
@@ -100,6 +102,8 @@ constexpr std::u16string_view notes =
     u"Status 2 is answered for properties that contradict each other, by the tests of the reference program, and "
     u"where no gas density reaches the pressure.\n";
 
+constexpr const CoefficientSet* coefficients_used[] = {&SGERG::coefficient_set};
+
 constexpr record::Function function(std::u16string_view id, std::u16string_view keywords,
                                     std::span<const record::Input> lines, std::span<const record::Output> results) {
   return {
@@ -112,6 +116,7 @@ constexpr record::Function function(std::u16string_view id, std::u16string_view 
       .inputs = lines,
       .outputs = results,
       .binding = &bound<calculate>,
+      .coefficients = coefficients_used,
       .notes = notes,
   };
 }

@@ -4,6 +4,8 @@
 // (Jaeschke and Humphreys, 1991).
 #pragma once
 
+#include "core/coefficients.h"
+
 namespace norvane::SGERG {
 
 // a0 + a1 T + a2 T^2, T in K.
@@ -59,5 +61,10 @@ inline constexpr double H2_molar_mass = 2.0159;       // [kg/kmol]
 inline constexpr double CO_molar_mass = 28.010;       // [kg/kmol]
 inline constexpr double CH_molar_mass = -2.709328;    // of CH: this plus the next times H [kg/kmol]
 inline constexpr double CH_mass_per_H = 0.021062199;  // [kg/MJ]
+
+inline constexpr CoefficientTable coefficient_tables[] = {
+    whole("coefficients", coefficients),
+};
+inline constinit const CoefficientSet coefficient_set{"SGERG-88", coefficient_tables};
 
 }  // namespace norvane::SGERG

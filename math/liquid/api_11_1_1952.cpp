@@ -130,4 +130,11 @@ Outcome to_15C(const Observation& o, Correction& out) noexcept {
 }
 Outcome from_15C(const Observation& o, Correction& out) noexcept { return correct_metric(o, at_15C, out); }
 
+constexpr CoefficientTable coefficient_tables[] = {
+    rows("bands", bands),
+    rows("table_edges", table_edges),
+    rows("table_edges_15C", table_edges_15C),
+};
+constinit const CoefficientSet coefficient_set{"ASTM D1250-52", coefficient_tables};
+
 }  // namespace norvane::API_11_1_1952

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <span>
 
+#include "core/coefficients.h"
 #include "math/common/dual.h"
 #include "math/liquid/liquid.h"
 #include "math/liquid/rising.h"
@@ -72,5 +73,7 @@ Outcome from_15C(const Observation& o, Correction& out) noexcept;  // Table 54
 Outcome check_60F(const double& s) noexcept;
 Outcome correct_60F(double s, double degF, Correction& out) noexcept;
 Outcome correct_15C(double s, double degC, Correction& out) noexcept;
+
+extern const CoefficientSet coefficient_set;
 
 }  // namespace norvane::API_11_1_1952

@@ -1,6 +1,7 @@
 // ASTM D1250-52: the records of Tables 5, 6, 23, 24, 53 and 54.
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/liquid/api_11_1_1952_records.h"
 
@@ -44,10 +45,13 @@ constexpr auto factor_outputs = outputs_of<&Correction::ctl>(liquid::ctl_output(
 
 constexpr std::u16string_view notes = u"ASTM D1250-52 (IP 200/52).\n" NV_NOTES_1952;
 
+constexpr const CoefficientSet* coefficients_used[] = {&API_11_1_1952::coefficient_set};
+
 constexpr record::Function table(std::u16string_view id, std::u16string_view display, std::u16string_view description,
                                  std::u16string_view keywords, std::span<const record::Input> inputs,
                                  std::span<const record::Output> outputs, const record::Binding& binding) {
-  return liquid::function(id, display, description, u"API 11.1 (1952)", keywords, inputs, outputs, binding, notes);
+  return liquid::function(id, display, description, u"API 11.1 (1952)", keywords, inputs, outputs, binding, notes)
+      .with(coefficients_used);
 }
 
 }  // namespace

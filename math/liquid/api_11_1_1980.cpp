@@ -161,4 +161,10 @@ Outcome to_15C(const Observation& o, Correction& out) noexcept {
 }
 Outcome from_15C(const Observation& o, Correction& out) noexcept { return from_base(Base::degC15, o, out); }
 
+constexpr CoefficientTable coefficient_tables[] = {
+    rows("groups_degF60", groups_degF60),
+    rows("groups_degC15", groups_degC15),
+};
+constinit const CoefficientSet coefficient_set{"API 2540 (1980)", coefficient_tables};
+
 }  // namespace norvane::API_11_1_1980

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <span>
 
+#include "core/coefficients.h"
 #include "math/common/dual.h"
 #include "math/liquid/liquid.h"
 
@@ -92,5 +93,7 @@ Outcome from_15C(const Observation& o, Correction& out) noexcept;  // Table 54; 
 // What the composites need of it.
 Outcome check_options(const liquid::Product& product, const Rounding& rounding) noexcept;
 Outcome correct(const Expansion& expansion, double rho, Correction& out) noexcept;
+
+extern const CoefficientSet coefficient_set;
 
 }  // namespace norvane::API_11_1_1980

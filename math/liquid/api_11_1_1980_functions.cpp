@@ -1,6 +1,7 @@
 // API 2540 (1980): the records of Tables 5, 6, 23, 24, 53 and 54.
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/liquid/api_11_1_1980_records.h"
 
@@ -80,11 +81,14 @@ constexpr std::u16string_view notes_to_base =
 constexpr std::u16string_view notes_from_base = u"API 2540 (1980) (ASTM D1250-80, IP 200/80).\n" NV_NOTES_1980;
 #undef NOTES_ITERATION
 
+constexpr const CoefficientSet* coefficients_used[] = {&API_11_1_1980::coefficient_set};
+
 constexpr record::Function table(std::u16string_view id, std::u16string_view display, std::u16string_view description,
                                  std::u16string_view keywords, std::span<const record::Input> inputs,
                                  std::span<const record::Output> outputs, const record::Binding& binding,
                                  std::u16string_view notes) {
-  return liquid::function(id, display, description, u"API 11.1 (1980)", keywords, inputs, outputs, binding, notes);
+  return liquid::function(id, display, description, u"API 11.1 (1980)", keywords, inputs, outputs, binding, notes)
+      .with(coefficients_used);
 }
 
 }  // namespace

@@ -376,4 +376,10 @@ Outcome from_20C(const Observation& o, Correction& result) noexcept {
                             result);
 }
 
+constexpr CoefficientTable coefficient_tables[] = {
+    rows("data", data),
+    rows("scale_difference", scale_difference),
+};
+constinit const CoefficientSet coefficient_set{"API MPMS 11.1:2004", coefficient_tables};
+
 }  // namespace norvane::API_11_1_2004

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 
+#include "core/coefficients.h"
 #include "core/outcome.h"
 #include "math/liquid/liquid.h"
 
@@ -90,5 +91,7 @@ Outcome to_15C(const Observation& o, Correction& result) noexcept;    // Table 5
 Outcome from_15C(const Observation& o, Correction& result) noexcept;  // Table 54
 Outcome to_20C(const Observation& o, Correction& result) noexcept;    // Table 59
 Outcome from_20C(const Observation& o, Correction& result) noexcept;  // Table 60
+
+extern const CoefficientSet coefficient_set;
 
 }  // namespace norvane::API_11_1_2004

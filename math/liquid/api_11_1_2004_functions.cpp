@@ -1,6 +1,7 @@
 // API MPMS Chapter 11.1:2004: the records of Tables 5, 6, 23, 24, 53, 54, 59 and 60.
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/liquid/api_11_1_2004.h"
 #include "math/liquid/liquid_records.h"
@@ -116,11 +117,14 @@ constexpr std::u16string_view notes_from_metric =
 #undef NOTES_SECOND_SOLUTION
 #undef NOTES_METRIC
 
+constexpr const CoefficientSet* coefficients_used[] = {&API_11_1_2004::coefficient_set};
+
 constexpr record::Function table(std::u16string_view id, std::u16string_view display, std::u16string_view description,
                                  std::u16string_view keywords, std::span<const record::Input> inputs,
                                  std::span<const record::Output> outputs, const record::Binding& binding,
                                  std::u16string_view notes) {
-  return liquid::function(id, display, description, u"API 11.1 (2004)", keywords, inputs, outputs, binding, notes);
+  return liquid::function(id, display, description, u"API 11.1 (2004)", keywords, inputs, outputs, binding, notes)
+      .with(coefficients_used);
 }
 using liquid::customary_words;
 using liquid::metric_words;

@@ -230,4 +230,9 @@ Outcome from_15C(const Observation& o, Correction& out) noexcept { return from_b
 Outcome to_20C(const Observation& o, Correction& out) noexcept { return to_base(o, Base::degC20, out); }
 Outcome from_20C(const Observation& o, Correction& out) noexcept { return from_base(o, Base::degC20, out); }
 
+constexpr CoefficientTable coefficient_tables[] = {
+    rows("fluids", fluids),
+};
+constinit const CoefficientSet coefficient_set{"API MPMS 11.2.4", coefficient_tables};
+
 }  // namespace norvane::API_11_2_4

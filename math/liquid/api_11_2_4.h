@@ -7,6 +7,7 @@
 // Pure functions of numbers; nothing throws, nothing is kept between calls.
 #pragma once
 
+#include "core/coefficients.h"
 #include "math/common/dual.h"
 #include "math/liquid/liquid.h"
 #include "math/liquid/rising.h"
@@ -72,5 +73,7 @@ Outcome check_60F(const double& g) noexcept;
 Outcome correct(double g, Base base, double degF, const double& temperature, Correction& out) noexcept;
 // The same where the factor from 60 degF is known.
 Outcome correct(double g, double ctl_60, Base base, double degF, const double& temperature, Correction& out) noexcept;
+
+extern const CoefficientSet coefficient_set;
 
 }  // namespace norvane::API_11_2_4

@@ -1,6 +1,7 @@
 // API MPMS 11.2.4 (GPA TP-27): the records of Tables 23E, 24E, 53E, 54E, 59E and 60E.
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/liquid/api_11_2_4.h"
 #include "math/liquid/liquid_records.h"
@@ -66,12 +67,15 @@ constexpr std::u16string_view notes_base = NOTES_COMMON NOTES_METRIC NOTES_ROUND
 #undef NOTES_OBSERVED
 #undef NOTES_METRIC
 
+constexpr const CoefficientSet* coefficients_used[] = {&API_11_2_4::coefficient_set};
+
 // All of the group carry the customary keyword, the metric ones too.
 constexpr record::Function table(std::u16string_view id, std::u16string_view display, std::u16string_view description,
                                  std::span<const record::Input> inputs, std::span<const record::Output> outputs,
                                  const record::Binding& binding, std::u16string_view notes) {
   return liquid::function(id, display, description, u"API Table E NGL/LPG (TP-27)", liquid::customary_words, inputs,
-                          outputs, binding, notes);
+                          outputs, binding, notes)
+      .with(coefficients_used);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The records of the composites: 1980, 1952, and natural gas liquids and liquefied petroleum gases.
 #include <array>
 
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/liquid/api_11_1_1952_records.h"
 #include "math/liquid/api_11_1_1980_records.h"
@@ -248,65 +249,89 @@ constexpr std::u16string_view group_1980 = u"API 11.1 (1980)";
 constexpr std::u16string_view group_1952 = u"API 11.1 (1952)";
 constexpr std::u16string_view group_ngl = u"API Table E NGL/LPG (TP-27)";
 
+constexpr const CoefficientSet* tables_1980[] = {&API_11_1_1980::coefficient_set};
+constexpr const CoefficientSet* tables_1952[] = {&API_11_1_1952::coefficient_set};
+constexpr const CoefficientSet* tables_ngl[] = {&API_11_2_4::coefficient_set};
+
 }  // namespace
 
 extern const record::Function API_Gravity60F_1980, API_RD60F_1980, API_Dens15C_1980, API_Gravity60F_1952,
     API_SG60F_1952, API_Dens15C_1952, API_RD60F_NGL_LPG, API_Dens15C_NGL_LPG, API_Dens20C_NGL_LPG;
 
-const record::Function API_Gravity60F_1980 = liquid::function(
-    u"API_Gravity60F_1980", u"API Gravity @60\u00B0F (1980)",
-    u"API gravity at 60 \u00B0F and equilibrium pressure, or observed, according to API 2540 (1980) and API MPMS 11.2.1.",
-    group_1980, liquid::customary_words, gravity_1980_inputs, gravity_1980_outputs, bound<dens60F_1980>, notes_1980);
+const record::Function API_Gravity60F_1980 =
+    liquid::function(
+        u"API_Gravity60F_1980", u"API Gravity @60\u00B0F (1980)",
+        u"API gravity at 60 \u00B0F and equilibrium pressure, or observed, according to API 2540 (1980) and API MPMS 11.2.1.",
+        group_1980, liquid::customary_words, gravity_1980_inputs, gravity_1980_outputs, bound<dens60F_1980>,
+        notes_1980)
+        .with(tables_1980);
 
-const record::Function API_RD60F_1980 = liquid::function(
-    u"API_RD60F_1980", u"API Rel. Density @60\u00B0F (1980)",
-    u"Relative density at 60 \u00B0F and equilibrium pressure, or observed, according to API 2540 (1980) and API MPMS "
-    u"11.2.1.",
-    group_1980, liquid::customary_words, relative_1980_inputs, relative_1980_outputs, bound<dens60F_1980>,
-    notes_1980);
+const record::Function API_RD60F_1980 =
+    liquid::function(
+        u"API_RD60F_1980", u"API Rel. Density @60\u00B0F (1980)",
+        u"Relative density at 60 \u00B0F and equilibrium pressure, or observed, according to API 2540 (1980) and API MPMS "
+        u"11.2.1.",
+        group_1980, liquid::customary_words, relative_1980_inputs, relative_1980_outputs, bound<dens60F_1980>,
+        notes_1980)
+        .with(tables_1980);
 
-const record::Function API_Dens15C_1980 = liquid::function(
-    u"API_Dens15C_1980", u"API Density @15\u00B0C (1980)",
-    u"Density at 15 \u00B0C and equilibrium pressure, or observed, according to API 2540 (1980) and API MPMS 11.2.1M.",
-    group_1980, liquid::metric_words, density_1980_inputs, density_1980_outputs, bound<dens15C_1980>,
-    notes_1980_metric);
+const record::Function API_Dens15C_1980 =
+    liquid::function(
+        u"API_Dens15C_1980", u"API Density @15\u00B0C (1980)",
+        u"Density at 15 \u00B0C and equilibrium pressure, or observed, according to API 2540 (1980) and API MPMS 11.2.1M.",
+        group_1980, liquid::metric_words, density_1980_inputs, density_1980_outputs, bound<dens15C_1980>,
+        notes_1980_metric)
+        .with(tables_1980);
 
-const record::Function API_Gravity60F_1952 = liquid::function(
-    u"API_Gravity60F_1952", u"API Gravity @60\u00B0F (1952)",
-    u"API gravity at 60 \u00B0F and equilibrium pressure, or observed, according to ASTM D1250-52 and API MPMS 11.2.1.",
-    group_1952, liquid::customary_words, gravity_1952_inputs, gravity_1952_outputs, bound<rd60F_1952>, notes_1952);
+const record::Function API_Gravity60F_1952 =
+    liquid::function(
+        u"API_Gravity60F_1952", u"API Gravity @60\u00B0F (1952)",
+        u"API gravity at 60 \u00B0F and equilibrium pressure, or observed, according to ASTM D1250-52 and API MPMS 11.2.1.",
+        group_1952, liquid::customary_words, gravity_1952_inputs, gravity_1952_outputs, bound<rd60F_1952>, notes_1952)
+        .with(tables_1952);
 
-const record::Function API_SG60F_1952 = liquid::function(
-    u"API_SG60F_1952", u"API Specific Gravity @60\u00B0F (1952)",
-    u"Specific gravity at 60 \u00B0F and equilibrium pressure, or observed, according to ASTM D1250-52 and API MPMS "
-    u"11.2.1.",
-    group_1952, liquid::customary_words, specific_1952_inputs, specific_1952_outputs, bound<rd60F_1952>, notes_1952);
+const record::Function API_SG60F_1952 =
+    liquid::function(
+        u"API_SG60F_1952", u"API Specific Gravity @60\u00B0F (1952)",
+        u"Specific gravity at 60 \u00B0F and equilibrium pressure, or observed, according to ASTM D1250-52 and API MPMS "
+        u"11.2.1.",
+        group_1952, liquid::customary_words, specific_1952_inputs, specific_1952_outputs, bound<rd60F_1952>,
+        notes_1952)
+        .with(tables_1952);
 
-const record::Function API_Dens15C_1952 = liquid::function(
-    u"API_Dens15C_1952", u"API Density @15\u00B0C (1952)",
-    u"Density at 15 \u00B0C and equilibrium pressure, or observed, according to ASTM D1250-52 and API MPMS 11.2.1M.",
-    group_1952, liquid::metric_words, density_1952_inputs, density_1952_outputs, bound<dens15C_1952>,
-    notes_1952_metric);
+const record::Function API_Dens15C_1952 =
+    liquid::function(
+        u"API_Dens15C_1952", u"API Density @15\u00B0C (1952)",
+        u"Density at 15 \u00B0C and equilibrium pressure, or observed, according to ASTM D1250-52 and API MPMS 11.2.1M.",
+        group_1952, liquid::metric_words, density_1952_inputs, density_1952_outputs, bound<dens15C_1952>,
+        notes_1952_metric)
+        .with(tables_1952);
 
 // All of the group carry the customary keyword, the metric ones too.
-const record::Function API_RD60F_NGL_LPG = liquid::function(
-    u"API_RD60F_NGL_LPG", u"API Rel. Density @60\u00B0F NGL/LPG",
-    u"Relative density of NGL and LPG at 60 \u00B0F and equilibrium pressure, or observed, according to API MPMS 11.2.4 "
-    u"and 11.2.2.",
-    group_ngl, liquid::customary_words, relative_ngl_inputs, relative_ngl_outputs, bound<rd60F_ngl>, notes_ngl);
+const record::Function API_RD60F_NGL_LPG =
+    liquid::function(
+        u"API_RD60F_NGL_LPG", u"API Rel. Density @60\u00B0F NGL/LPG",
+        u"Relative density of NGL and LPG at 60 \u00B0F and equilibrium pressure, or observed, according to API MPMS 11.2.4 "
+        u"and 11.2.2.",
+        group_ngl, liquid::customary_words, relative_ngl_inputs, relative_ngl_outputs, bound<rd60F_ngl>, notes_ngl)
+        .with(tables_ngl);
 
-const record::Function API_Dens15C_NGL_LPG = liquid::function(
-    u"API_Dens15C_NGL_LPG", u"API Density @15\u00B0C NGL/LPG",
-    u"Density of NGL and LPG at 15 \u00B0C and equilibrium pressure, or observed, according to API MPMS 11.2.4 and "
-    u"11.2.2M.",
-    group_ngl, liquid::customary_words, density_ngl_inputs, density_ngl_outputs, bound<dens15C_ngl>,
-    notes_ngl_metric);
+const record::Function API_Dens15C_NGL_LPG =
+    liquid::function(
+        u"API_Dens15C_NGL_LPG", u"API Density @15\u00B0C NGL/LPG",
+        u"Density of NGL and LPG at 15 \u00B0C and equilibrium pressure, or observed, according to API MPMS 11.2.4 and "
+        u"11.2.2M.",
+        group_ngl, liquid::customary_words, density_ngl_inputs, density_ngl_outputs, bound<dens15C_ngl>,
+        notes_ngl_metric)
+        .with(tables_ngl);
 
-const record::Function API_Dens20C_NGL_LPG = liquid::function(
-    u"API_Dens20C_NGL_LPG", u"API Density @20\u00B0C NGL/LPG",
-    u"Density of NGL and LPG at 20 \u00B0C and equilibrium pressure, or observed, according to API MPMS 11.2.4 and "
-    u"11.2.2M.",
-    group_ngl, liquid::customary_words, density_ngl_inputs, density_ngl_outputs, bound<dens20C_ngl>,
-    notes_ngl_metric);
+const record::Function API_Dens20C_NGL_LPG =
+    liquid::function(
+        u"API_Dens20C_NGL_LPG", u"API Density @20\u00B0C NGL/LPG",
+        u"Density of NGL and LPG at 20 \u00B0C and equilibrium pressure, or observed, according to API MPMS 11.2.4 and "
+        u"11.2.2M.",
+        group_ngl, liquid::customary_words, density_ngl_inputs, density_ngl_outputs, bound<dens20C_ngl>,
+        notes_ngl_metric)
+        .with(tables_ngl);
 
 }  // namespace norvane::functions

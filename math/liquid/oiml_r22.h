@@ -1,6 +1,7 @@
 // OIML R 22 (1975): density, mass content and volume content of mixtures of ethanol and water, -20 to 40 degC.
 #pragma once
 
+#include "core/coefficients.h"
 #include "core/outcome.h"
 
 namespace norvane::OIML_R22 {
@@ -29,5 +30,7 @@ struct Result {
 // temperature outside -20 to 40 degC, beyond which a density may belong to several contents; calculation_error for a
 // density that no mixture has at the temperature, or that is no positive number.
 Outcome calculate(const Arguments& in, Result& out) noexcept;
+
+extern const CoefficientSet coefficient_set;
 
 }  // namespace norvane::OIML_R22

@@ -1,4 +1,5 @@
 // OIML R 22: the record.
+#include "core/coefficients.h"
 #include "framework/binding.h"
 #include "math/liquid/liquid_records.h"
 #include "math/liquid/oiml_r22.h"
@@ -38,18 +39,22 @@ constexpr record::Output outputs[] = {
 };
 // clang-format on
 
+constexpr const CoefficientSet* coefficients_used[] = {&OIML_R22::coefficient_set};
+
 }  // namespace
 
-const record::Function OIML_R22_1975 = liquid::function(
-    u"OIML_R22_1975", u"OIML R22 1975",
-    u"Density and content of mixtures of ethanol and water according to OIML R 22 (1975).", u"OIML",
-    u"metric,liquid,oiml", inputs, outputs, bound<OIML_R22::calculate>,
-    u"OIML R 22 (1975), general formula, -20 to 40 \u00B0C. Range status 1: the formula is extrapolated beyond, in modes "
-    u"2 and 3 only; mode 1 answers status 1 there, as a density may then belong to several contents. Status 2 for a "
-    u"density above that of water or below that of ethanol at the temperature.\n"
-    u"The volume content is the mass content times the density at 20 \u00B0C over 789.24 kg/m3; pure ethanol has 99.9999 % "
-    u"by it.\n"
-    u"A hydrometer correction is refused with status 1: the expansion of alcohol hydrometers is not part of this "
-    u"build. Correct the reading first.\n");
+const record::Function OIML_R22_1975 =
+    liquid::function(
+        u"OIML_R22_1975", u"OIML R22 1975",
+        u"Density and content of mixtures of ethanol and water according to OIML R 22 (1975).", u"OIML",
+        u"metric,liquid,oiml", inputs, outputs, bound<OIML_R22::calculate>,
+        u"OIML R 22 (1975), general formula, -20 to 40 \u00B0C. Range status 1: the formula is extrapolated beyond, in modes "
+        u"2 and 3 only; mode 1 answers status 1 there, as a density may then belong to several contents. Status 2 for a "
+        u"density above that of water or below that of ethanol at the temperature.\n"
+        u"The volume content is the mass content times the density at 20 \u00B0C over 789.24 kg/m3; pure ethanol has 99.9999 % "
+        u"by it.\n"
+        u"A hydrometer correction is refused with status 1: the expansion of alcohol hydrometers is not part of this "
+        u"build. Correct the reading first.\n")
+        .with(coefficients_used);
 
 }  // namespace norvane::functions

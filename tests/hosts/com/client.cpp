@@ -16,6 +16,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <cwchar>
 #include <string>
 #include <vector>
 
@@ -102,6 +103,26 @@ void check_vtable(IFunctions* functions) {
   SafeArrayDestroy(empty);
   SafeArrayDestroy(brief);
   SafeArrayDestroy(list);
+}
+
+// The same text early and late bound.
+void check_identity(IFunctions* functions) {
+  BSTR early = nullptr;
+  CHECK(functions->get_Identity(&early) == S_OK && early != nullptr && contains(early, L", checksum "));
+  CHECK(functions->get_Identity(nullptr) == E_POINTER);
+  wchar_t name[] = L"identity";
+  LPOLESTR names[] = {name};
+  DISPID id = 0;
+  CHECK(functions->GetIDsOfNames(IID_NULL, names, 1, 0, &id) == S_OK && id == 1000);
+  DISPPARAMS none{};
+  VARIANT late;
+  VariantInit(&late);
+  CHECK(functions->Invoke(id, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &late, nullptr, nullptr) == S_OK);
+  CHECK(late.vt == VT_BSTR && late.bstrVal != nullptr && std::wcscmp(early, late.bstrVal) == 0);
+  CHECK(functions->Invoke(id, IID_NULL, 0, DISPATCH_PROPERTYPUT, &none, &late, nullptr, nullptr) ==
+        DISP_E_MEMBERNOTFOUND);
+  VariantClear(&late);
+  SysFreeString(early);
 }
 
 // ---- Late binding ------------------------------------------------------------------------------------------------
@@ -445,6 +466,7 @@ void check_threads(IFunctions* functions) {
 
 void check_object(IFunctions* functions) {
   check_vtable(functions);
+  check_identity(functions);
   check_lists(functions);
   check_outputs(functions);
   check_reentrance(functions);
