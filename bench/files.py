@@ -9,6 +9,7 @@ import argparse
 import json
 import os
 import random
+import resource
 import statistics
 import subprocess
 import tempfile
@@ -58,17 +59,17 @@ CASES = [
 
 
 def processor_time(norvane, arguments, source):
-    before = os.times()
+    before = resource.getrusage(resource.RUSAGE_CHILDREN)
     with open(source or os.devnull) as stdin:
         subprocess.run([norvane, *arguments], stdin=stdin, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
-    after = os.times()
-    return after.children_user - before.children_user + after.children_system - before.children_system
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return after.ru_utime - before.ru_utime + after.ru_stime - before.ru_stime
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("norvane", nargs="+", help="the program, and perhaps another one")
-    parser.add_argument("--rows", type=int, default=200000)
+    parser.add_argument("--rows", type=int, default=300000)
     parser.add_argument("--rounds", type=int, default=5)
     options = parser.parse_args()
     programs = [os.path.abspath(program) for program in options.norvane[:2]]

@@ -65,7 +65,8 @@ struct JsonCalls::Reader {
   std::string pool;
   std::string problem;
 
-  // What may come next. In `list` a row may come too; `error` to `error_end` is the way through {"error":"#N/A"}.
+  // What may come next. In `list` a first row may come too, which makes it `rows`; `error` to `error_end` is the way
+  // through {"error":"#N/A"}.
   enum class Place {
     start,
     call,
@@ -74,6 +75,7 @@ struct JsonCalls::Reader {
     inputs,
     value,
     list,
+    rows,
     row,
     error,
     error_text,
@@ -165,6 +167,7 @@ struct JsonCalls::Reader {
       case Place::inputs: return true;
       case Place::value:
       case Place::list:
+      case Place::rows:
       case Place::row:
         around_error = place;
         place = Place::error;
@@ -220,11 +223,10 @@ struct JsonCalls::Reader {
         place = Place::list;
         return true;
       case Place::list:
-        if (current().shape == Value::Shape::list && current().cells != 0)
-          return refuse_here("rows and single values are mixed");
+        if (cells.size() != current().first_cell) return refuse_here("rows and single values are mixed");
         current().shape = Value::Shape::rows;
-        place = Place::row;
-        return true;
+        [[fallthrough]];
+      case Place::rows: place = Place::row; return true;
       case Place::row: return refuse_here("a list in a row");
       default: return refuse_here("");
     }
@@ -235,11 +237,12 @@ struct JsonCalls::Reader {
       return true;
     }
     Value& value = current();
+    value.cells = cells.size() - value.first_cell;
     if (place == Place::row) {
       if (value.rows == 0) value.columns = value.cells;
       ++value.rows;
       if (value.cells != value.rows * value.columns) return refuse_here("the rows differ in length");
-      place = Place::list;
+      place = Place::rows;
       return true;
     }
     if (value.shape == Value::Shape::list) {
@@ -289,9 +292,8 @@ struct JsonCalls::Reader {
     Cell cell;
     cell.kind = Cell::Kind::number;
     cell.number = given;
-    if (place != Place::row && (place != Place::list || current().shape != Value::Shape::list)) return scalar(cell);
+    if (place != Place::list && place != Place::row) return scalar(cell);
     cells.push_back(cell);
-    ++current().cells;
     return true;
   }
   bool scalar(const Cell& cell) {
@@ -299,15 +301,13 @@ struct JsonCalls::Reader {
       case Place::skipped:
         if (skipped_depth == 0) place = Place::call;
         return true;
-      case Place::list:
-        if (current().shape == Value::Shape::rows) return refuse_here("rows and single values are mixed");
-        break;
+      case Place::rows: return refuse_here("rows and single values are mixed");
       case Place::value: place = Place::inputs; break;
+      case Place::list:
       case Place::row: break;
       default: return refuse_here("");
     }
     cells.push_back(cell);
-    ++current().cells;
     return true;
   }
   bool member(std::string_view given) {
