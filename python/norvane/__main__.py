@@ -4,8 +4,8 @@ from __future__ import annotations
 
 import argparse
 import os
+import secrets
 import sys
-import tempfile
 import time
 import warnings
 from pathlib import Path
@@ -156,8 +156,9 @@ def write(options: argparse.Namespace, source, schema, keep: list[str] | None, p
     progress = Progress(total, shown)
     failed = 0
     target = options.output.resolve()  # a link stays one
-    handle, part = tempfile.mkstemp(dir=target.parent, prefix=f".{target.name}.", suffix=".part")
-    os.close(handle)
+    if target.exists() and not (target.is_file() and os.access(target, os.W_OK)):
+        raise PermissionError(f"{options.output} is write-protected, or no file")
+    part = target.with_name(f".{target.name}.{secrets.token_hex(8)}.part")
     try:
         with pq.ParquetWriter(part, wanted, compression="zstd") as writer:
             for rows in source.iter_batches(batch_size=options.batch_rows, columns=read):
@@ -170,15 +171,11 @@ def write(options: argparse.Namespace, source, schema, keep: list[str] | None, p
                 progress.add(rows.num_rows)
         with open(part, "rb+") as file:
             os.fsync(file.fileno())
-        if not target.exists():
-            mask = os.umask(0)
-            os.umask(mask)
-            os.chmod(part, 0o666 & ~mask)
-        else:
+        if target.exists():
             os.chmod(part, target.stat().st_mode & 0o777)
         os.replace(part, target)
     except BaseException:
-        Path(part).unlink(missing_ok=True)
+        part.unlink(missing_ok=True)
         raise
     finally:
         progress.end()

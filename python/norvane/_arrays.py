@@ -100,7 +100,7 @@ class Batch:
 
     def __init__(self, record: Record):
         self.record = record
-        self.export = getattr(library, record.export + "_Batch")
+        self.export = getattr(library, record.batch)
         self.export.restype = ctypes.c_size_t
         self.export.argtypes = [ctypes.c_size_t, ctypes.c_void_p, ctypes.c_size_t, ctypes.c_void_p, ctypes.c_size_t,
                                 ctypes.c_void_p]

@@ -101,6 +101,7 @@ class Record:
     def __init__(self, record: dict):
         self.id: str = record["function"]
         self.export: str = record["export"]
+        self.batch: str = record["batch"]
         self.display: str = record["display"]
         self.description: str = record["description"]
         self.standard: str = record["standard"]
