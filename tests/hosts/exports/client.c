@@ -79,8 +79,7 @@ static void check_refusals(void) {
   CHECK(Norvane_AGA5_C(gas, 22, 0.6, NULL, &calorific_mass) == NORVANE_NOT_RUN);
   CHECK(Norvane_AGA5_C(gas, 22, 0.6, &calorific_mass, NULL) == NORVANE_NOT_RUN);
   CHECK(Norvane_AGA5_C(gas, 22, 1.5, &calorific_mass, &calorific_mass) == NORVANE_NOT_RUN); /* beyond its range */
-  CHECK(strcmp(norvane_last_message(),
-               "AGA5_C: [3] specific gravity (1.5) should be lower or equal than: 1") == 0);
+  CHECK(strcmp(norvane_last_message(), "AGA5_C: [3] specific gravity (1.5) should be lower or equal than: 1") == 0);
   CHECK(calorific_mass == -7.0);
   CHECK(Norvane_AGA5_C(gas, 22, 0.6, NULL, &calorific_mass) == NORVANE_NOT_RUN);
   CHECK(strstr(norvane_last_message(), "AGA5_C: output 1") != NULL);
@@ -128,7 +127,7 @@ static void check_batches(void) {
           Norvane_AGA8_M(pressure[row], 6.85, gas, 22, 1, 2, one, one + 1, one + 2, one + 3, &one_range);
       CHECK(status[row] == one_status);
       if (one_status != 0) {
-        CHECK(isnan(z[row]) && isnan(density[row]) && isnan(range[row]));
+        CHECK(z[row] != z[row] && density[row] != density[row] && range[row] != range[row]); /* NaN */
         --failed;
       } else {
         CHECK(memcmp(&z[row], one, sizeof *one) == 0 && memcmp(&density[row], one + 1, sizeof *one) == 0);
