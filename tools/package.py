@@ -166,11 +166,18 @@ def windows_zip():
         for source in sorted((TOP / part).rglob("*")):
             if source.is_file():
                 put(source, source.relative_to(TOP))
+    workbook(folder / "Norvane examples.xlsx")
     refuse_paths(folder)
     sums = "".join(f"{hashlib.sha256(path.read_bytes()).hexdigest()}  {path.relative_to(folder).as_posix()}\r\n"
                    for path in sorted(folder.rglob("*")) if path.is_file())
     (folder / "SHA256SUMS.txt").write_text(sums, newline="")
     zip_folder(root, DIST / f"{name}.zip")
+
+
+def workbook(target, *options):
+    """The example workbook; Debian's own interpreter has the library that writes it."""
+    run("/usr/bin/python3", TOP / "tools/workbook.py", *options, RELEASE / "norvane", target,
+        *sorted((TOP / "tests/data").glob("*.jsonl")))
 
 
 def oxt():
@@ -197,6 +204,7 @@ def oxt():
         shutil.copyfile(WINDOWS / "Norvane.XLL", folder / "windows-x86_64/Norvane.XLL")
     refuse_paths(folder)
     zip_folder(folder, DIST / "Norvane.oxt")
+    workbook(DIST / "Norvane examples for Calc.xlsx", "--calc")
 
 
 def spdx_package(path, identifier, relations):
