@@ -15,7 +15,8 @@ def best_cases(files, records):
             numbers = [k for k, v in case["outputs"].items() if isinstance(v, (int, float)) and k != "status"]
             if not numbers or case["function"] not in records:
                 continue
-            worth = (not case.get("source", "").startswith("oracle"), len(numbers), len(case["inputs"]))
+            # A printed source begins with its name; what was calculated for the tests says so in a sentence.
+            worth = (case.get("source", "")[:1].isupper(), len(numbers), len(case["inputs"]))
             if case["function"] not in best or worth > best[case["function"]][0]:
                 best[case["function"]] = (worth, case)
     return {name: case for name, (_, case) in best.items()}

@@ -135,7 +135,7 @@ class Book:
                 sheet.write_blank(row, c, None, self.heading)
             sheet.write(row, 0, f"{record['worksheet']}: {record['description'] or record['display']}", self.heading)
             for c, text in ((0, "Input"), (1, "Value"), (2, "Unit"), (4, "Output"), (5, "Result"), (6, "Unit"),
-                            (7, "Published"), (8, "Tolerance"), (9, "Check")):
+                            (7, "Check value"), (8, "Tolerance"), (9, "Check")):
                 sheet.write(row + 1, c, text, self.head)
             top, side, arguments = row + 2, 11, []
             place, height = top, 0
@@ -190,7 +190,7 @@ class Book:
                 f, p, t = cell(top + r, 5), cell(top + r, 7), cell(top + r, 8)
                 sheet.write_formula(top + r, 9, f'=IF(ISNUMBER({f}),IF(ABS({f}-{p})<={t},"pass","FAIL"),"FAIL")', self.good, "pass")
                 checks += 1
-            sheet.write(top + height, 0, "Check value: " + case.get("source", "").split(" (value")[0], self.plain)
+            sheet.write(top + height, 0, "Source: " + case.get("source", "").split(" (value")[0], self.plain)
             row = top + height + 2
         sheet.conditional_format(0, 9, row, 9, {"type": "cell", "criteria": "==", "value": '"FAIL"', "format": self.bad})
         sheet.freeze_panes(3, 0)
@@ -354,7 +354,7 @@ def main():
     text = ("Norvane.oxt (Tools, Extensions)" if calc else "Norvane.XLL (File, Options, Add-ins, Go...)")
     for r, line in enumerate((f"Load {text}, then recalculate with {'Ctrl+Shift+F9' if calc else 'Ctrl+Alt+F9'}.",
                               "Without it the cells show the results of the program that made this workbook.",
-                              "Every check cell compares a result with the published value within its printed digits.")):
+                              "Every check cell compares a result with a published or independently calculated value, whose source stands below.")):
         overview.write(3 + r, 0, line, book.plain)
     overview.set_row(7, 16)
     for c, head in enumerate(("Sheet", "Checks", "Passed", "Functions")):
