@@ -90,6 +90,7 @@ def deb():
     (doc / "copyright").write_text((TOP / "LICENSE").read_text() + "\n" + third_party(OTHERS), encoding="utf-8")
     for page in (root / "usr/share/man").rglob("*.1"):
         run("gzip", "-9n", page)
+    site(doc / "html")
     settle(root)
     refuse_paths(root)
     library = next((root / "usr/lib").glob("libnorvane.so.*.*"))
@@ -162,15 +163,28 @@ def windows_zip():
     put_text((TOP / "LICENSE").read_text(), "LICENSE.txt")
     put_text(third_party(dict(OTHERS, **OTHERS_WINDOWS)), "THIRD-PARTY.txt")
     put_text((TOP / "CHANGELOG.md").read_text(encoding="utf-8"), "CHANGELOG.md")
-    for part in ("docs", "examples"):
-        for source in sorted((TOP / part).rglob("*")):
-            if source.is_file():
-                put(source, source.relative_to(TOP))
+    for source in sorted((TOP / "examples").rglob("*")):
+        if source.is_file():
+            put(source, source.relative_to(TOP))
+    site(folder / "docs")
+    workbook(folder / "Norvane examples.xlsx")
     refuse_paths(folder)
     sums = "".join(f"{hashlib.sha256(path.read_bytes()).hexdigest()}  {path.relative_to(folder).as_posix()}\r\n"
                    for path in sorted(folder.rglob("*")) if path.is_file())
     (folder / "SHA256SUMS.txt").write_text(sums, newline="")
     zip_folder(root, DIST / f"{name}.zip")
+
+
+def workbook(target, *options):
+    """The example workbook; Debian's own interpreter has the library that writes it."""
+    run("/usr/bin/python3", TOP / "tools/workbook.py", *options, RELEASE / "norvane", target,
+        *sorted((TOP / "tests/data").glob("*.jsonl")))
+
+
+def site(target):
+    """The documentation as pages, in place of its sources."""
+    shutil.rmtree(target, ignore_errors=True)
+    run("/usr/bin/python3", TOP / "tools/site.py", RELEASE / "norvane", target, *sorted((TOP / "tests/data").glob("*.jsonl")))
 
 
 def oxt():
@@ -197,6 +211,7 @@ def oxt():
         shutil.copyfile(WINDOWS / "Norvane.XLL", folder / "windows-x86_64/Norvane.XLL")
     refuse_paths(folder)
     zip_folder(folder, DIST / "Norvane.oxt")
+    workbook(DIST / "Norvane examples for Calc.xlsx", "--calc")
 
 
 def spdx_package(path, identifier, relations):

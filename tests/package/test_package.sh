@@ -50,6 +50,9 @@ dpkg-deb -x "$deb" "$work/deb"
 cp tests/hosts/exports/client.c "$work/client.c"
 cc -o "$work/client" "$work/client.c" -pthread -I"$work/deb/usr/include" -L"$work/deb/usr/lib" -lnorvane -lm &&
   LD_LIBRARY_PATH=$work/deb/usr/lib "$work/client" >/dev/null || fail 'a C program with the .deb'
+/usr/bin/python3 tests/package/check_site.py "$work/deb/usr/share/doc/norvane/html" "$work/deb/usr/include" "$work/deb/usr/lib" \
+  "$work/deb/usr/bin/norvane" || fail 'documentation'
+python3 tests/package/check_guides.py docs "$work/deb/usr/include" "$work/deb/usr/lib" build/release/Norvane.cs || fail 'guides'
 note '.deb unpacked and run'
 
 if [ $quick = 0 ]; then

@@ -1,11 +1,13 @@
 #!/usr/bin/python3
-"""Published check values in a sheet of LibreOffice Calc: written as formulas, saved, opened again, recalculated, read.
+"""Published check values in a sheet of LibreOffice Calc: written as formulas, saved, opened again, recalculated, read;
+with them the formulas of the guide.
 
-usage: check_values.py Norvane.oxt NORVANE FILE.jsonl...
+usage: check_values.py Norvane.oxt NORVANE GUIDE.md FILE.jsonl...
 """
 import json
 import math
 import os
+import re
 import subprocess
 import sys
 
@@ -71,6 +73,28 @@ def edges(document):
     return failures
 
 
+def guide(document, path):
+    """The formulas of the guide: typed into a cell, and entered over as many cells as the guide shows results."""
+    text = open(path, encoding="utf-8").read()
+    sheet = document.Sheets[0]
+    area, *amounts = re.search(r"```sheet\n(.*?)\n```", text, re.S)[1].split()
+    sheet.getCellRangeByName(area).DataArray = tuple((float(amount),) for amount in amounts)
+    failures = tried = 0
+    for block in re.findall(r"```formula\n(.*?)\n```", text, re.S):
+        lines = block.split("\n")
+        for formula, shown in zip(lines[0::2], lines[1::2]):
+            want = [float(value) for value in shown.split()]
+            cell = sheet.getCellByPosition(600, 0)
+            cell.FormulaLocal = formula
+            row = sheet.getCellRangeByPosition(600, 2 + tried, 599 + len(want), 2 + tried)
+            row.ArrayFormula = re.sub(r"\bnv(?=[A-Z])", "_xll.nv", formula).replace(",", ";")
+            tried += 1
+            for got, value in ((cell.Value, want[0]), *zip(row.DataArray[0], want)):
+                if cell.Error or not isinstance(got, float) or abs(got - value) > 1e-12 * abs(value):
+                    failures += expect(formula, got, value)
+    return failures + expect("formulas in the guide", tried > 5, True)
+
+
 def workbook(office):
     """A workbook with the names that Calc itself writes into workbooks; a result of an earlier calculation in it."""
     import xlsxwriter
@@ -88,10 +112,10 @@ def workbook(office):
 
 
 def main():
-    extension, norvane = sys.argv[1:3]
+    extension, norvane, guide_path = sys.argv[1:4]
     records = {record["id"]: record for record in
                json.loads(subprocess.run([norvane, "list", "--all", "--json"], capture_output=True, check=True).stdout)}
-    cases = [json.loads(line) for path in sys.argv[3:] for line in open(path, encoding="utf-8") if line.strip()]
+    cases = [json.loads(line) for path in sys.argv[4:] for line in open(path, encoding="utf-8") if line.strip()]
     failures = 0
     with Office(extension) as office:
         document = office.new()
@@ -125,7 +149,7 @@ def main():
                 given.pop()
             area_of(document, number, case).ArrayFormula = f"=_xll.{record['worksheet']}({';'.join(given)})"
         document.removeActionLock()
-        failures += edges(document) + workbook(office)
+        failures += edges(document) + guide(document, guide_path) + workbook(office)
         path = office.save(document, "sheet.ods", "calc8")
         document.close(True)
 
