@@ -42,9 +42,9 @@ class CCOMFunctions final : public IFunctions, public ISupportErrorInfo {
   ~CCOMFunctions();
 
   // The generated methods say with these what each parameter is.
-  static TypedValue number(double value) noexcept { return {nullptr, value, 0}; }
-  static TypedValue option(unsigned long value) noexcept { return {nullptr, 0.0, value}; }
-  static TypedValue pointer(const void* value) noexcept { return {value, 0.0, 0}; }
+  static TypedValue number(double value) noexcept { return {{.number = value}, 0}; }
+  static TypedValue option(unsigned long value) noexcept { return {{.option = value}, 0}; }
+  static TypedValue pointer(const void* value) noexcept { return {{.data = value}, 0}; }
 
   template <std::size_t Inputs, std::size_t Outputs>
   static HRESULT Run(std::uint32_t id, const TypedValue (&in)[Inputs], void* const (&out)[Outputs],

@@ -5,6 +5,7 @@
 #include "catalogue/identity.h"
 #include "core/text.h"
 #include "hosts/module/batch.h"
+#include "hosts/module/direct_call.h"
 #include "hosts/module/export.h"
 #include "hosts/module/meaning.h"
 #include "hosts/module/typed_call.h"
@@ -28,7 +29,7 @@ class Caller final : public host::ValueCaller {
 
  private:
   bool take_list(TypedCall& call, const Parameter& input, const norvane_value& value) override {
-    return call.set_list(input, static_cast<const double*>(value.data), value.option);
+    return call.set_list(input, static_cast<const double*>(value.data), value.count);
   }
   bool take_text(TypedCall& call, const Parameter& input, const norvane_value& value) override {
     const auto* text = static_cast<const char*>(value.data);
@@ -96,6 +97,7 @@ std::uint32_t norvane_run(std::uint32_t id, const norvane_value* in, std::size_t
     const norvane::host::Signature* signature = norvane::host::find_signature(id);
     if (signature == nullptr || signature->inputs.size() != in_count || signature->outputs.size() != out_count)
       return norvane::exports::not_run;
+    if (norvane::host::direct_call(*signature, in, out)) return 0;
     return norvane::exports::run(*signature, in, out);
   } catch (...) {
     return norvane::exports::not_run;

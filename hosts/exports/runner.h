@@ -11,13 +11,13 @@ extern "C" {
 #endif
 
 #define NORVANE_NUMBER(value) \
-  { 0, (value), 0 }
+  { {.number = (value)}, 0 }
 #define NORVANE_OPTION(value) \
-  { 0, 0.0, (value) }
+  { {.option = (value)}, 0 }
 #define NORVANE_RANGE(values, count) \
-  { (values), 0.0, (count) }
+  { {.data = (values)}, (count) }
 #define NORVANE_TEXT(text) \
-  { (text), 0.0, 0 }
+  { {.data = (text)}, 0 }
 
 #define NORVANE_RUN(id, in, out) \
   norvane_run((id), (in), sizeof(in) / sizeof((in)[0]), (out), sizeof(out) / sizeof((out)[0]))

@@ -62,8 +62,16 @@ class Batch {
       if (memory_.arguments == nullptr || memory_.results == nullptr) return false;
       memory_.capacity = needed;
     }
-    if (memory_.signature != &signature) memory_.rows = 0;
-    memory_.signature = &signature;
+    if (memory_.signature != &signature) {
+      memory_.signature = nullptr;
+      memory_.rows = 0;
+      try {
+        memory_.constant.assign(inputs_.size(), 0);
+      } catch (...) {
+        return false;
+      }
+      memory_.signature = &signature;
+    }
     // What no line fills keeps the prototype's values from one batch to the next.
     for (; memory_.rows < std::min(rows, at_once_); ++memory_.rows)
       std::memcpy(arguments(memory_.rows), binding_.arguments.prototype, in);
@@ -79,9 +87,13 @@ class Batch {
       for (std::size_t i = 0; i < inputs_.size(); ++i) {
         const PlannedInput& input = plan_.inputs[i];
         const Column& column = inputs_[i];
-        if (column.values == nullptr || column.row_step == 0)
-          fill_constant(input, column, first == 0 ? count : 1, count);
-        else if (input.from == From::list)
+        std::uint16_t& constant = memory_.constant[i];
+        if (column.values == nullptr || column.row_step == 0) {
+          fill_constant(input, column, count, constant);
+          continue;
+        }
+        constant = 0;
+        if (input.from == From::list)
           fill_list(input, column, first, count);
         else
           fill_value(input, column, first, count);
@@ -122,30 +134,43 @@ class Batch {
       std::memcpy(place + cell * sizeof(double), cells + cell * step, sizeof(double));
   }
 
-  // The same for all rows: written into `written` structures, which keep it from then on.
-  void fill_constant(const PlannedInput& input, const Column& column, std::size_t written,
-                     std::size_t count) noexcept {
-    Verdict verdict = Verdict::fits;
-    for (std::size_t i = 0; i < written; ++i) {
-      std::byte* const structure = arguments(i);
-      if (input.from != From::list) {
-        verdict = column.values != nullptr ? accept(input, *column.values, structure)
-                                           : input.accept(input.otherwise, structure);
-      } else if (column.values != nullptr) {
-        copy_list(input, column.values, column.cell_step, structure);
-        verdict = input.judge(structure);
-      } else {
-        const auto* prototype = static_cast<const std::byte*>(binding_.arguments.prototype);
-        std::memcpy(structure + input.offset, prototype + input.offset, input.cells * sizeof(double));
-      }
+  static std::size_t size_of(const PlannedInput& input) noexcept {
+    switch (input.kind) {
+      case Kind::none: return 0;
+      case Kind::whole: return sizeof(int);
+      case Kind::truth: return sizeof(bool);
+      default: return input.cells * sizeof(double);
     }
+  }
+
+  // The same for all rows: into the first of them, and from there into those that do not have it yet.
+  void fill_constant(const PlannedInput& input, const Column& column, std::size_t count,
+                     std::uint16_t& constant) noexcept {
+    std::byte* const structure = arguments(0);
+    const std::size_t size = size_of(input);
+    alignas(double) std::byte before[largest_list * sizeof(double)];
+    std::memcpy(before, structure + input.offset, size);
+    Verdict verdict = Verdict::fits;
+    if (input.from != From::list) {
+      verdict = column.values != nullptr ? accept(input, *column.values, structure)
+                                         : input.accept(input.otherwise, structure);
+    } else if (column.values != nullptr) {
+      copy_list(input, column.values, column.cell_step, structure);
+      verdict = input.judge(structure);
+    } else {
+      const auto* prototype = static_cast<const std::byte*>(binding_.arguments.prototype);
+      std::memcpy(structure + input.offset, prototype + input.offset, size);
+    }
+    if (constant == 0 || std::memcmp(before, structure + input.offset, size) != 0) constant = 1;
+    for (; constant < count; ++constant)
+      std::memcpy(arguments(constant) + input.offset, structure + input.offset, size);
     if (verdict == Verdict::fits) return;
     for (std::size_t i = 0; i < count; ++i) judge(i, verdict);
   }
 
   void fill_value(const PlannedInput& input, const Column& column, std::size_t first, std::size_t count) noexcept {
     const double* values = column.values + first * column.row_step;
-    if (input.from == From::number && input.kind == Kind::number && !input.enumerated) {
+    if (input.plain()) {
       for (std::size_t i = 0; i < count; ++i) {
         const double value = values[i * column.row_step];
         if (value < input.low || value > input.high) judge(i, Verdict::outside);
@@ -219,26 +244,53 @@ class Batch {
     memory_.delivered[row] = outcome.good() || outcome.delivered;
   }
 
+  static bool finite(double value) noexcept { return value - value == 0.0; }
+
+  // The caller asks which rows have a number that the context would remark on.
+  void note(const PlannedOutput& output, double value, std::size_t row) noexcept {
+    if (remarked_ != nullptr && !(value >= output.plausible_low && value <= output.plausible_high))
+      remarked_[row] = true;
+  }
+
+  bool take_back_later(std::size_t row) noexcept {
+    memory_.verdicts[row] = Verdict::refused;
+    memory_.delivered[row] = false;
+    return true;
+  }
+
+  // A number of rows that all have it. False when one of them is not finite.
+  bool deliver_numbers(const PlannedOutput& output, double* to, std::size_t first, std::size_t count) noexcept {
+    bool good = true;
+    for (std::size_t i = 0; i < count; ++i) {
+      double value = output.load<double>(results(i));
+      if (output.from != nullptr) value = output.from(value);
+      note(output, value, first + i);
+      if (!finite(value)) good = !take_back_later(i);
+      if (to != nullptr) to[i] = value;
+    }
+    return good;
+  }
+
   void deliver(std::size_t first, std::size_t count) noexcept {
     bool broken = false;
+    const bool all_delivered =
+        std::find(memory_.delivered, memory_.delivered + count, false) == memory_.delivered + count;
     for (std::size_t k = 0; k < outputs_.size(); ++k) {
       const PlannedOutput& output = plan_.outputs[k];
       double* const to = outputs_[k] != nullptr ? outputs_[k] + first : nullptr;
       // Also one that is not wanted: that it is no finite number refuses the call.
       if (to == nullptr && output.kind != Kind::number) continue;
+      if (output.kind == Kind::number && all_delivered) {
+        broken = !deliver_numbers(output, to, first, count) || broken;
+        continue;
+      }
       for (std::size_t i = 0; i < count; ++i) {
         double value = not_written;
         if (output.kind != Kind::none &&
             (memory_.delivered[i] || (output.with_any_status && memory_.verdicts[i] <= Verdict::misfit))) {
           value = output.value(results(i));
-          if (remarked_ != nullptr && output.kind == Kind::number &&
-              !(value >= output.plausible_low && value <= output.plausible_high))
-            remarked_[first + i] = true;
-          if (!(value - value == 0.0)) {
-            memory_.verdicts[i] = Verdict::refused;
-            memory_.delivered[i] = false;
-            broken = true;
-          }
+          if (output.kind == Kind::number) note(output, value, first + i);
+          if (!finite(value)) broken = take_back_later(i);
         }
         if (to != nullptr) to[i] = value;
       }
@@ -330,7 +382,7 @@ std::size_t run_batch(const Signature& signature, std::size_t rows, std::span<co
   ThreadState& state = held.state();
   const Complaint complaint = complaint_of(signature, rows, inputs, outputs, statuses);
   if (*complaint.text != u'\0') return refuse(state.last_call, signature, complaint);
-  FunctionState* function = state.function_state(*signature.spec);
+  FunctionState* function = state.function_state(signature);
   BatchMemory* memory = state.batch_memory();
   if (function == nullptr || memory == nullptr) return refuse(state.last_call, signature, no_memory);
   Batch batch(signature, inputs, outputs, statuses, remarked, *memory, function->memory);

@@ -1,5 +1,7 @@
 #include "hosts/module/call_plan.h"
 
+#include <algorithm>
+
 #include "framework/binding.h"
 #include "hosts/module/signature.h"
 
@@ -66,9 +68,11 @@ bool plan_output(const Function_COutput& output, PlannedOutput& to) {
   to.offset = output.place.offset;
   to.from = output.place.conversion != nullptr ? output.place.conversion->from : nullptr;
   to.with_any_status = output.with_any_status;
-  to.plausible_low = output.plausible_low;
-  to.plausible_high = output.plausible_high;
+  constexpr double most = std::numeric_limits<double>::max();
+  to.plausible_low = std::max(output.plausible_low, -most);
+  to.plausible_high = std::min(output.plausible_high, most);
   const Passing passing = passing_of(output);
+  to.wide = passing != Passing::option;
   if (passing == Passing::option) return output.role != 1 && to.kind != Kind::number;
   return output.role != 1 && passing == Passing::number;
 }

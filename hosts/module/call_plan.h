@@ -38,13 +38,15 @@ struct PlannedInput {
   bool listed = false;  // a whole number from `first` to `last`, or a list whose cells are all within these
   std::uint16_t cells = 1;
   std::uint32_t offset = 0;
-  std::size_t record = 0;
   double low = -infinite, high = infinite;  // bounds of the call, of a list's first cell; a NaN is within
+  double (*to)(double) noexcept = nullptr;
   double first = 0.0, last = 0.0;
   std::uint64_t members = 0;  // of the enumeration, as bits
-  double (*to)(double) noexcept = nullptr;
   double otherwise = 0.0;
+  std::size_t record = 0;
 
+  // A number that goes into a number, with nothing to look at but its bounds.
+  bool plain() const noexcept { return from == From::number && kind == record::Field::Kind::number && !enumerated; }
   // What the context says of one value, which goes into the structure when it fits.
   Verdict accept(double given, std::byte* structure) const noexcept;
   // The same for the cells that the function reads, which stand in the structure already.
@@ -56,9 +58,10 @@ struct PlannedInput {
 struct PlannedOutput {
   record::Field::Kind kind = record::Field::Kind::none;
   bool with_any_status = false;
+  bool wide = true;  // leaves as a float, not as a 32-bit number
   std::uint32_t offset = 0;
   double (*from)(double) noexcept = nullptr;
-  double plausible_low = 0.0, plausible_high = 0.0;
+  double plausible_low = 0.0, plausible_high = 0.0;  // finite
 
   // The number that the result holds; 0 where there is no member.
   double value(const std::byte* structure) const noexcept {

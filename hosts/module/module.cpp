@@ -4,7 +4,6 @@
 #include <mutex>
 #include <new>
 
-#include "framework/records.h"
 #include "hosts/module/function_state.h"
 #include "hosts/module/recording_context.h"
 
@@ -134,21 +133,15 @@ RecordingContext* ThreadState::recorder() noexcept {
   return recorder_.get();
 }
 
-FunctionState* ThreadState::function_state(const Function_CFunctionSpec& spec) noexcept {
-  std::unique_ptr<FunctionState>& place = function_states_[spec.position];
-  if (place != nullptr) return place.get();
+FunctionState* ThreadState::function_state(const Signature& signature) noexcept {
+  std::unique_ptr<FunctionState>& place = function_states_[signature.spec->position];
+  if (place != nullptr && place->signature == &signature) return place.get();
   try {
-    auto made = std::make_unique<FunctionState>();
-    if (spec.binding != nullptr && spec.binding->remember != nullptr) {
-      made->data = spec.binding->remember();
-      if (made->data == nullptr) return nullptr;
-      made->memory = spec.binding->memory_of(*made->data);
-    }
-    place = std::move(made);
+    place = std::make_unique<FunctionState>(signature);
+    return place.get();
   } catch (...) {
-    // The call goes without.
+    return nullptr;
   }
-  return place.get();
 }
 
 BatchMemory* ThreadState::batch_memory() noexcept {
@@ -158,11 +151,11 @@ BatchMemory* ThreadState::batch_memory() noexcept {
 
 HeldContext::HeldContext(const Function_CCallerInfo* caller) noexcept : state_(thread_state()) {
   if (state_ == nullptr) return;
-  if (state_->busy_) {
+  held_ = state_->enter();
+  if (!held_) {
     state_->last_call = {.end = LastCall::End::busy};
     return;
   }
-  held_ = state_->busy_ = true;
   state_->last_call = {};
   state_->context().Reset(caller);
 }
@@ -216,7 +209,9 @@ constexpr unsigned int exception_flags = 0x3F;
 FloatingPointGuard::FloatingPointGuard() noexcept : saved_(_mm_getcsr()) {
   if ((saved_ & ~exception_flags) != standard_control) _mm_setcsr(standard_control);
 }
-FloatingPointGuard::~FloatingPointGuard() { _mm_setcsr(saved_); }
+FloatingPointGuard::~FloatingPointGuard() {
+  if (_mm_getcsr() != saved_) _mm_setcsr(saved_);
+}
 #else
 FloatingPointGuard::FloatingPointGuard() noexcept { saved_ = static_cast<std::uint32_t>(std::fegetround()); }
 FloatingPointGuard::~FloatingPointGuard() { std::fesetround(static_cast<int>(saved_)); }

@@ -32,6 +32,7 @@ class Module_CFunctionContext : public Function_CContext {
 class RecordingContext;
 struct BatchMemory;
 struct FunctionState;
+struct Signature;
 
 // How the last typed call of a thread ended, to be told when somebody asks.
 struct LastCall {
@@ -55,12 +56,17 @@ class ThreadState {
 
   Function_CContext& context() noexcept { return *context_; }
   std::uint64_t* slot(const Function_CFunctionSpec& spec) noexcept { return &slots_[spec.position]; }
-  // What the thread keeps of a function, made on its first typed call; null when memory is refused.
-  FunctionState* function_state(const Function_CFunctionSpec& spec) noexcept;
+  // What the thread keeps of the function at this position, null before its first typed call.
+  FunctionState* known_state(std::size_t position) noexcept { return function_states_[position].get(); }
+  // The same, made when there is none or another function's; null when memory is refused.
+  FunctionState* function_state(const Signature& signature) noexcept;
   // Where the thread's batches are calculated; null when memory is refused.
   BatchMemory* batch_memory() noexcept;
   // A second context that takes down messages, made on first use; null when memory is refused.
   RecordingContext* recorder() noexcept;
+  // One call at a time: false while another is under way on this thread.
+  bool enter() noexcept { return !std::exchange(busy_, true); }
+  void leave() noexcept { busy_ = false; }
 
   LastCall last_call;
   // Texts handed out to callers that want a pointer, one a kind: each until the thread asks for the next.
@@ -70,7 +76,6 @@ class ThreadState {
   std::string identity;
 
  private:
-  friend class HeldContext;
   std::unique_ptr<Function_CContext> context_;
   std::unique_ptr<std::uint64_t[]> slots_;
   std::unique_ptr<std::unique_ptr<FunctionState>[]> function_states_;
@@ -99,7 +104,7 @@ class HeldContext {
   // Resets the context for a caller at this place; null lets the context ask for it.
   explicit HeldContext(const Function_CCallerInfo* caller) noexcept;
   ~HeldContext() {
-    if (held_) state_->busy_ = false;
+    if (held_) state_->leave();
   }
   HeldContext(const HeldContext&) = delete;
   HeldContext& operator=(const HeldContext&) = delete;

@@ -130,7 +130,7 @@ bool ValueCaller::take(TypedCall& call, const Parameter& input, std::size_t plac
   const norvane_value& value = in_[place];
   switch (input.passing) {
     case Passing::number: call.argument(input) = FUNCTION_ARG::Number(value.number); return true;
-    case Passing::option: call.set_option(input, value.option); return true;
+    case Passing::option: call.set_option(input, static_cast<std::uint32_t>(value.option)); return true;
     case Passing::range: return take_list(call, input, value);
     case Passing::text: return take_text(call, input, value);
   }

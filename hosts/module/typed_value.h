@@ -3,9 +3,12 @@
 
 #include <stdint.h>
 
-/* An argument in the form that its parameter takes. */
+/* An argument in the form that its parameter takes. All 64 bits of the first part are set. */
 typedef struct norvane_value {
-  const void* data; /* range: the host's list; text: the host's text */
-  double number;    /* number */
-  uint32_t option;  /* option; the count of a range that is a pointer to its numbers */
+  union {
+    double number;    /* number */
+    uint64_t option;  /* option */
+    const void* data; /* range: the host's list; text: the host's text */
+  };
+  uint32_t count; /* of a range that is a pointer to its numbers */
 } norvane_value;

@@ -248,13 +248,14 @@ class OwnFunction : public ::testing::TestWithParam<bool> {
     for (std::size_t i = 0; i < 4; ++i) {
       const Column& column = table.columns[i];
       const double value = column.values[row * column.row_step];
-      arguments.values[i] = {nullptr, value, i < 2 ? 0 : static_cast<std::uint32_t>(value)};
+      arguments.values[i] = {{.number = value}, 0};
+      if (i >= 2) arguments.values[i] = {{.option = static_cast<std::uint32_t>(value)}, 0};
     }
     std::vector<double> list;
     const Column& column = table.columns[4];
     for (std::size_t cell = 0; column.values != nullptr && cell < 3; ++cell)
       list.push_back(column.values[row * column.row_step + cell * column.cell_step]);
-    arguments.values[4] = {list.data(), 0.0, static_cast<std::uint32_t>(list.size())};
+    arguments.values[4] = {{.data = list.data()}, static_cast<std::uint32_t>(list.size())};
     return test::call_through_context(signature, arguments);
   }
   void expect_rows() {

@@ -24,7 +24,7 @@ class TypedArguments {
       if (input.passing == host::Passing::range) {
         for (std::uint64_t i = 0; arg.kind == ARG_ARRAY && arg.array.elements != nullptr && i < arg.count(); ++i)
           list.push_back(number_of(arg.array.elements[i]));
-        values.push_back({list.empty() ? nullptr : list.data(), 0.0, static_cast<std::uint32_t>(list.size())});
+        values.push_back({{.data = list.empty() ? nullptr : list.data()}, static_cast<std::uint32_t>(list.size())});
         numbers.push_back(0.0);
         continue;
       }
@@ -32,8 +32,10 @@ class TypedArguments {
       if (input.passing == host::Passing::option)
         value = value > -3e9 && value < 5e9 ? static_cast<std::uint32_t>(static_cast<std::int64_t>(value)) : 77.0;
       numbers.push_back(value);
-      values.push_back(
-          {nullptr, value, input.passing == host::Passing::option ? static_cast<std::uint32_t>(value) : 0});
+      if (input.passing == host::Passing::option)
+        values.push_back({{.option = static_cast<std::uint32_t>(value)}, 0});
+      else
+        values.push_back({{.number = value}, 0});
     }
   }
 
@@ -65,7 +67,7 @@ class TypedTestCaller final : public host::ValueCaller {
 
  private:
   bool take_list(host::TypedCall& call, const host::Parameter& input, const norvane_value& value) override {
-    return call.set_list(input, static_cast<const double*>(value.data), value.option);
+    return call.set_list(input, static_cast<const double*>(value.data), value.count);
   }
   bool take_text(host::TypedCall&, const host::Parameter&, const norvane_value&) override { return false; }
   bool give_text(host::TypedCall&, std::u16string_view, void*) override { return false; }
