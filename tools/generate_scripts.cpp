@@ -257,7 +257,7 @@ void vba_module(std::ostream& out, Specs) {
 '     gas = AGA8_M(60, 20, Range("B2:B23"))
 '     If gas.status = 0 Then Debug.Print gas.z Else Debug.Print NorvaneMessage()
 '
-' A function takes lists as ranges, arrays or collections and raises an error when an argument is refused. A status
+' A function takes lists as ranges or arrays and raises an error when an argument is refused. A status
 ' other than 0 is an answer: NorvaneMessage() and NorvaneStatusText("AGA8_M", 0, gas.status) say why. The functions
 ' Norvane_... are the exports as they are; with them a list is its first number and its count.
 '
