@@ -190,6 +190,11 @@ extern "C" {
 /* "1.2.3": the version of the library that is loaded. */
 NORVANE_API const char* norvane_version(void);
 
+/* The vector instructions that batches use: "x86-64", "avx2" or "avx512" ("arm64" on such a processor). The library
+ * chooses when it is loaded; NORVANE_KERNEL in the environment forces one, if processor and library have it. The answers
+ * are the same to the last bit. */
+NORVANE_API const char* norvane_kernel(void);
+
 /* What there is to say about the calling thread's last call: the refused argument with its value and limit, what
  * stands behind a status other than 0, or a remark on a good result; an empty text when there is nothing. UTF-8; it
  * lives until the same thread calls a function or asks again. */
@@ -292,7 +297,7 @@ void exports_json(std::ostream& out, Specs) {
 }
 
 void exports_names(std::ostream& out, Specs) {
-  out << "norvane_batch\nnorvane_last_message\nnorvane_status_text\nnorvane_version\n";
+  out << "norvane_batch\nnorvane_kernel\nnorvane_last_message\nnorvane_status_text\nnorvane_version\n";
   for (const Method& method : methods()) out << export_name(method) << "\n" << export_name(method) << "_Batch\n";
 }
 

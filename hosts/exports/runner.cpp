@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/kernel.h"
 #include "core/text.h"
 #include "hosts/module/batch.h"
 #include "hosts/module/export.h"
@@ -120,6 +121,8 @@ NORVANE_EXPORT std::size_t norvane_batch(const char* function, std::size_t rows,
 }
 
 NORVANE_EXPORT const char* norvane_version(void) { return NORVANE_VERSION; }
+
+NORVANE_EXPORT const char* norvane_kernel(void) { return norvane::name_of(norvane::instructions_in_use()); }
 
 NORVANE_EXPORT const char* norvane_last_message(void) {
   try {

@@ -123,7 +123,7 @@ const record::Function AGA10_M = {
     .name_input = 0,
     .inputs = inputs_plain,
     .outputs = outputs_plain,
-    .binding = &bound<speed_of_sound>,
+    .binding = &bound<speed_of_sound, speed_of_sound_rows>,
     .notes = notes_plain,
 };
 
@@ -136,7 +136,7 @@ const record::Function AGA10ex_M = {
     .name_input = 0,
     .inputs = inputs_extended,
     .outputs = outputs_extended,
-    .binding = &bound<all_properties>,
+    .binding = &bound<all_properties, all_properties_rows>,
     .notes = notes_extended,
 };
 
