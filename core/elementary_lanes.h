@@ -8,9 +8,6 @@
 #include "core/elementary_table.h"
 #include "core/lanes.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wpsabi"  // vectors stay in the functions of one file
-
 namespace norvane::lanes {
 
 template <class Value>
@@ -80,5 +77,3 @@ template <class Value>
 }
 
 }  // namespace norvane::lanes
-
-#pragma GCC diagnostic pop

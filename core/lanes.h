@@ -16,10 +16,6 @@
 #include <emmintrin.h>
 #endif
 
-// Vectors stay in the functions of one file: how they would be passed between files is of no concern.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wpsabi"
-
 namespace norvane::lanes {
 
 template <std::size_t count>
@@ -176,5 +172,3 @@ template <class Value>
 }
 
 }  // namespace norvane::lanes
-
-#pragma GCC diagnostic pop

@@ -173,6 +173,11 @@ NORVANE_API const char* norvane_version(void);
  * functions of the standards concerned answer status 2. UTF-8; it lives until the same thread asks again. */
 NORVANE_API const char* norvane_identity(void);
 
+/* The vector instructions that batches use: "x86-64", "avx2" or "avx512" ("arm64" on such a processor). The library
+ * chooses when it is loaded; NORVANE_KERNEL in the environment forces one, if processor and library have it. The answers
+ * are the same to the last bit. */
+NORVANE_API const char* norvane_kernel(void);
+
 /* What there is to say about the calling thread's last call: the refused argument with its value and limit, what
  * stands behind a status other than 0, or a remark on a good result; an empty text when there is nothing. UTF-8; it
  * lives until the same thread calls a function or asks again. */
@@ -258,7 +263,8 @@ void exports_source(std::ostream& out, Specs) {
 }
 
 void exports_names(std::ostream& out, Specs) {
-  out << "norvane_batch\nnorvane_convert\nnorvane_identity\nnorvane_last_message\nnorvane_status_text\nnorvane_version\n";
+  out << "norvane_batch\nnorvane_convert\nnorvane_identity\nnorvane_kernel\nnorvane_last_message\nnorvane_status_text\n"
+         "norvane_version\n";
   for (const Method& method : methods()) out << export_name(method) << "\n" << export_name(method) << "_Batch\n";
 }
 

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "catalogue/identity.h"
+#include "core/kernel.h"
 #include "core/text.h"
 #include "hosts/module/batch.h"
 #include "hosts/module/direct_call.h"
@@ -133,6 +134,8 @@ NORVANE_EXPORT const char* norvane_identity(void) {
   }
   return "not enough memory for a text";
 }
+
+NORVANE_EXPORT const char* norvane_kernel(void) { return norvane::name_of(norvane::instructions_in_use()); }
 
 NORVANE_EXPORT const char* norvane_last_message(void) {
   try {

@@ -8,9 +8,6 @@
 #include "core/lanes.h"
 #include "math/common/root.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wpsabi"  // vectors stay in the functions of one file
-
 namespace norvane::root {
 
 // March and Brent's method; `f_stop` is Stop::f, the other limits are the usual ones. Answers the lanes with a root x.
@@ -111,5 +108,3 @@ template <class Value, class Function>
 }
 
 }  // namespace norvane::root
-
-#pragma GCC diagnostic pop

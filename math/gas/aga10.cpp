@@ -11,6 +11,7 @@
 
 #include "core/elementary.h"
 #include "math/gas/aga10_table.h"
+#include "math/gas/aga8_kernel.h"
 
 namespace norvane::AGA10 {
 namespace {
@@ -18,73 +19,47 @@ namespace {
 constexpr double R = 8.31451;            // [J/(mol K)]
 constexpr double calorie = 4.184;        // [J], thermochemical
 constexpr double p_reference = 101.325;  // [kPa], of the entropy
-constexpr double ln2 = 0.69314718055994531;
 
 // Dry air for the relative densities: molar mass [kg/kmol] and second virial coefficient [m3/kmol] at T [K].
 constexpr double air_molar_mass = 28.9625;
 constexpr double air_virial(double T) { return -0.12527 + 5.91e-4 * T - 6.62e-7 * T * T; }
-
-constexpr std::size_t group = 4;  // of vibrations that are calculated together
 
 }  // namespace
 
 // ---- The ideal gas -----------------------------------------------------------------------------------------------
 
 void IdealMixture::set(const AGA8::Composition& x) noexcept {
-  gas_count_ = vibration_count_ = 0;
+  gas_count_ = 0;
+  std::size_t count = 0;
   for (std::size_t i = 0; i < AGA8::component_count; ++i) {
     if (!(x[i] > 0.0)) continue;
     const IdealGas& gas = ideal_gases[i];
     // Two terms in sinh (C, D and G, H) and two in cosh (E, F and I, J). F is negative for two gases; cosh and the
-    // product with tanh are even. A cosh term enters the enthalpy and entropy with the opposite sign.
+    // product with tanh are even.
     const double weight[4] = {gas.C, gas.E, gas.G, gas.I};
     const double theta[4] = {gas.D, std::fabs(gas.F), gas.H, gas.J};
-    const std::size_t first = vibration_count_;
+    const std::size_t first = count;
     for (std::size_t m = 0; m < 4; ++m) {
       if (weight[m] == 0.0) continue;
-      weight_[vibration_count_] = weight[m];
-      theta_[vibration_count_] = theta[m];
-      sign_[vibration_count_] = m % 2 == 0 ? 1.0 : -1.0;
-      ++vibration_count_;
+      vibrations_.weight[count] = weight[m];
+      vibrations_.theta[count] = theta[m];
+      vibrations_.sign[count] = m % 2 == 0 ? 1.0 : -1.0;
+      ++count;
     }
-    gases_[gas_count_++] = {i, x[i], vibration_count_ - first};
+    gases_[gas_count_++] = {i, x[i], count - first};
   }
-  // Filled up to whole groups, whose extra places are calculated and not used.
-  for (std::size_t k = vibration_count_; k % group != 0; ++k) {
-    weight_[k] = 0.0;
-    theta_[k] = sign_[k] = 1.0;
+  vibrations_.count = count;
+  for (; count % Vibrations::group != 0; ++count) {
+    vibrations_.weight[count] = 0.0;
+    vibrations_.theta[count] = vibrations_.sign[count] = 1.0;
   }
 }
 
 helmholtz::IdealGas IdealMixture::at(double T, Entropy entropy) const noexcept {
-  const double inverse_T = 1.0 / T;
   const bool with_entropy = entropy == Entropy::include;
   const double log_T = with_entropy ? elementary::log(T) : 0.0;
-  // What each vibration adds.
-  double cp_part[most_vibrations], h_part[most_vibrations], s_part[most_vibrations];
-  for (std::size_t first = 0; first < vibration_count_; first += group) {
-    std::array<double, group> y, argument;
-    for (std::size_t m = 0; m < group; ++m) {
-      y[m] = theta_[first + m] * inverse_T;
-      argument[m] = -2.0 * y[m];
-    }
-    // With e = exp(-2y): coth y = (1+e)/(1-e), 1/sinh^2 y = 4e/(1-e)^2, ln sinh y = y - ln 2 + ln(1-e); for
-    // cosh the signs before e change.
-    const std::array<double, group> e = elementary::exp4(argument);
-    for (std::size_t m = 0; m < group; ++m) {
-      const std::size_t k = first + m;
-      const double inverse = 1.0 / (1.0 - sign_[k] * e[m]);
-      const double cotangent = (1.0 + sign_[k] * e[m]) * inverse;
-      cp_part[k] = weight_[k] * y[m] * y[m] * 4.0 * e[m] * inverse * inverse;
-      h_part[k] = sign_[k] * weight_[k] * T * y[m] * cotangent;
-      s_part[k] = y[m] * cotangent;
-    }
-    if (!with_entropy) continue;
-    for (std::size_t m = 0; m < group; ++m) {
-      const std::size_t k = first + m;
-      s_part[k] = sign_[k] * weight_[k] * (s_part[k] - (y[m] - ln2 + elementary::log(1.0 - sign_[k] * e[m])));
-    }
-  }
+  VibrationParts parts;
+  kernel().vibrate(vibrations_, T, with_entropy, parts);
   helmholtz::IdealGas sum;
   std::size_t k = 0;
   for (std::size_t g = 0; g < gas_count_; ++g) {
@@ -93,9 +68,9 @@ helmholtz::IdealGas IdealMixture::at(double T, Entropy entropy) const noexcept {
     double h = gas.A + gas.B * T;
     double s = gas.K + gas.B * log_T;
     for (const std::size_t end = k + gases_[g].vibrations; k < end; ++k) {
-      cp += cp_part[k];
-      h += h_part[k];
-      if (with_entropy) s += s_part[k];
+      cp += parts.cp[k];
+      h += parts.h[k];
+      if (with_entropy) s += parts.s[k];
     }
     sum.cp += gases_[g].fraction * cp;
     sum.h += gases_[g].fraction * h;
@@ -115,22 +90,33 @@ helmholtz::IdealGas ideal_mixture(const AGA8::Composition& x, double T, Entropy 
 void Mixture::set(const AGA8::Composition& x) noexcept {
   detail.set(x);
   ideal.set(x);
-  mixing = helmholtz::mixing(x);
+  mixing = kernel().mixing(x);
 }
 
 void Isotherm::set(const Mixture& mixture, double T, Entropy with) noexcept {
   residual.set(mixture.detail, T);
-  ideal = mixture.ideal.at(T, with);
+  set_ideal(mixture, with);
+}
+
+void Isotherm::set_ideal(const Mixture& mixture, Entropy with) noexcept {
+  ideal = mixture.ideal.at(residual.T, with);
   mixing = mixture.mixing;
   entropy = with;
 }
 
-MolarState Isotherm::at(double rho) const noexcept {
-  const helmholtz::Residual r = residual.at(rho);
-  MolarState now = helmholtz::state(R, residual.T, rho, r, ideal);
-  if (entropy == Entropy::include)
-    now.s = helmholtz::entropy(R, residual.T, rho, r, now.ideal.s, mixing, p_reference);
+namespace {
+
+MolarState state_from(double T, double rho, const helmholtz::Residual& r, const helmholtz::IdealGas& ideal,
+                      double mixing, Entropy entropy) noexcept {
+  MolarState now = helmholtz::state(R, T, rho, r, ideal);
+  if (entropy == Entropy::include) now.s = helmholtz::entropy(R, T, rho, r, now.ideal.s, mixing, p_reference);
   return now;
+}
+
+}  // namespace
+
+MolarState Isotherm::at(double rho) const noexcept {
+  return state_from(residual.T, rho, residual.at(rho), ideal, mixing, entropy);
 }
 
 MolarState state(const AGA8::Mixture& mixture, const AGA8::Composition& x, double T, double rho,
@@ -240,27 +226,42 @@ bool same(const Value& a, const Value& b) noexcept {
 
 // ---- The calculation with its memory -----------------------------------------------------------------------------
 
-bool CDetail::find(Density& density, const Conditions& at) noexcept {
-  if (density.known && same(density.at, at)) return density.found;
+void CDetail::find(Density& density, const AGA8::Isotherm& isotherm, const Conditions& at) noexcept {
   density.known = true;
   density.at = at;
-  if (!has_detail_isotherm_ || !same(detail_isotherm_.T, at.T)) {
-    detail_isotherm_.set(mixture_.detail, at.T);
-    has_detail_isotherm_ = true;
-  }
-  density.found = detail_isotherm_.density(at.p, density.rho);
+  density.found = isotherm.density(at.p, density.rho);
   if (density.found) {
-    density.z = at.p / (density.rho * detail_isotherm_.RT);
+    density.z = at.p / (density.rho * isotherm.RT);
     density.found = std::isfinite(density.z) && std::isfinite(density.rho);
   }
-  return density.found;
+}
+
+bool CDetail::find_base(const Conditions& at) noexcept {
+  if (!base_.known || !same(base_.at, at)) {
+    AGA8::Isotherm isotherm;
+    isotherm.set(mixture_.detail, at.T);
+    find(base_, isotherm, at);
+  }
+  return base_.found;
+}
+
+bool CDetail::find_flowing(const Conditions& at) noexcept {
+  if (!flowing_.known || !same(flowing_.at, at)) {
+    has_state_ = false;
+    if (!has_residual_ || !same(isotherm_.residual.T, at.T)) {
+      isotherm_.residual.set(mixture_.detail, at.T);
+      has_residual_ = true;
+      has_ideal_ = false;
+    }
+    find(flowing_, isotherm_.residual, at);
+  }
+  return flowing_.found;
 }
 
 const MolarState& CDetail::flowing_state(Entropy entropy) noexcept {
-  const double T = flowing_.at.T;
-  if (!has_isotherm_ || !same(isotherm_.residual.T, T) || isotherm_.entropy < entropy) {
-    isotherm_.set(mixture_, T, entropy);
-    has_isotherm_ = true;
+  if (!has_ideal_ || isotherm_.entropy < entropy) {
+    isotherm_.set_ideal(mixture_, entropy);
+    has_ideal_ = true;
     has_state_ = false;
   }
   if (!has_state_) {
@@ -271,31 +272,73 @@ const MolarState& CDetail::flowing_state(Entropy entropy) noexcept {
   return state_;
 }
 
-Result CDetail::calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base_state,
-                          std::span<const Property> requested, Properties& values) noexcept {
+void CDetail::set(const AGA8::Composition& x) noexcept {
+  if (has_composition_ && same(x, x_)) return;
+  x_ = x;
+  mixture_.set(x_);
+  has_composition_ = true;
+  has_residual_ = has_ideal_ = has_state_ = flowing_.known = base_.known = false;
+}
+
+namespace {
+
+unsigned needs(std::span<const Property> requested) noexcept {
   unsigned need = 0;
   for (Property property : requested) need |= needs(property);
+  return need;
+}
 
-  if (!has_composition_ || !same(x, x_)) {
-    x_ = x;
-    mixture_.set(x_);
-    has_composition_ = true;
-    has_detail_isotherm_ = has_isotherm_ = has_state_ = flowing_.known = base_.known = false;
-  }
-  const double M = mixture_.detail.molar_mass;
-  // The base state first, so that the isotherm of the flowing one stays; a failure of the flowing one counts more.
-  const bool has_base = (need & base) == 0 || find(base_, base_state);
-  if ((need & flow) != 0) {
-    if (!flowing_.known || !same(flowing_.at, flowing)) has_state_ = false;
-    if (!find(flowing_, flowing)) return flowing_density_failed;
-  }
-  if (!has_base) return base_density_failed;
-  const Density &b = base_, &f = flowing_;
+}  // namespace
+
+Result CDetail::calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base_state,
+                          std::span<const Property> requested, Properties& values) noexcept {
+  const unsigned need = needs(requested);
+  set(x);
+  if ((need & flow) != 0 && !find_flowing(flowing)) return flowing_density_failed;
+  if ((need & base) != 0 && !find_base(base_state)) return base_density_failed;
   MolarState s{};
-  double kappa = 0.0;
   if ((need & caloric) != 0) {
     s = flowing_state((need & with_entropy) != 0 ? Entropy::include : Entropy::leave_out);
     if ((need & with_entropy) == 0) s.s = 0.0;  // whatever was asked for before
+  }
+  return properties(need, s, requested, values);
+}
+
+void CDetail::calculate_rows(const AGA8::Composition& x, std::span<const Conditions> flowing,
+                             const Conditions& base_state, std::span<const Property> requested,
+                             Properties* const* values, bool* done) noexcept {
+  const unsigned need = needs(requested);
+  const Entropy entropy = (need & with_entropy) != 0 ? Entropy::include : Entropy::leave_out;
+  const std::size_t rows = flowing.size();
+  std::fill_n(done, rows, false);
+  set(x);
+  if ((need & (flow | caloric)) != (flow | caloric) || ((need & base) != 0 && !find_base(base_state))) return;
+  double T[most_rows], p[most_rows], rho[most_rows];
+  helmholtz::Residual residuals[most_rows];
+  for (std::size_t i = 0; i < rows; ++i) {
+    T[i] = flowing[i].T;
+    p[i] = flowing[i].p;
+  }
+  AGA8::kernel().densities(mixture_.detail, T, p, rho, rows);
+  AGA8::kernel().residuals(mixture_.detail, T, rho, residuals, rows);
+  for (std::size_t i = 0; i < rows; ++i) {
+    const double z = p[i] / (rho[i] * (AGA8::R * T[i]));
+    if (!std::isfinite(z) || !std::isfinite(rho[i])) continue;
+    flowing_ = {true, true, flowing[i], rho[i], z};
+    has_residual_ = has_ideal_ = has_state_ = has_throat_ = false;
+    const MolarState s =
+        state_from(T[i], rho[i], residuals[i], mixture_.ideal.at(T[i], entropy), mixture_.mixing, entropy);
+    done[i] = properties(need, s, requested, *values[i]) == success;
+  }
+  flowing_.known = false;
+}
+
+Result CDetail::properties(unsigned need, const MolarState& s, std::span<const Property> requested,
+                           Properties& values) noexcept {
+  const double M = mixture_.detail.molar_mass;
+  const Density &b = base_, &f = flowing_;
+  double kappa = 0.0;
+  if ((need & caloric) != 0) {
     if (!stable(s)) return unstable;
     kappa = helmholtz::kappa(R, s);
   }
@@ -307,10 +350,10 @@ Result CDetail::calculate(const AGA8::Composition& x, const Conditions& flowing,
     }
     if (!throat_found_) return throat_not_found;
     // rho w sqrt(R_s T0) / p0, with M under the roots of w and R_s cancelling that of the mass density
-    critical_flow = throat_.rho * std::sqrt(throat_.M_w2 * R * s.T) / (flowing.p * 1e3);
+    critical_flow = throat_.rho * std::sqrt(throat_.M_w2 * R * s.T) / (f.at.p * 1e3);
   }
 
-  const double air_z = 1.0 + air_virial(base_state.T) * base_state.p / (AGA8::R * base_state.T);
+  const double air_z = 1.0 + air_virial(b.at.T) * b.at.p / (AGA8::R * b.at.T);
   for (Property property : requested) {
     double& value = values[static_cast<std::size_t>(property)];
     switch (property) {
@@ -358,6 +401,8 @@ Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Co
 
 namespace {
 
+constexpr double zero_celsius = 273.15;  // [K]
+constexpr Property only_speed[] = {Property::speed_of_sound};
 constexpr std::size_t property_count = static_cast<std::size_t>(Property::count);
 
 constexpr bool of_critical_flow(Property property) {
@@ -382,7 +427,8 @@ Outcome answer_of(const Gas& gas, std::span<const Property> properties, Answer& 
   const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, AGA8::composition_error, x);
   if (!prepared.good()) return prepared;
   answer.range = std::max(AGA8::composition_range_1994(x), AGA8::state_limits_1994(gas.temperature, gas.pressure));
-  switch (memory.calculate(x, {gas.pressure, gas.temperature + 273.15}, base_conditions, properties, answer.values)) {
+  switch (memory.calculate(x, {gas.pressure, gas.temperature + zero_celsius}, base_conditions, properties,
+                           answer.values)) {
     case success: return {};
     case flowing_density_failed:
       return blame(gas.pressure, no_convergence, u"has no gas density at this temperature");
@@ -397,13 +443,61 @@ Outcome answer_of(const Gas& gas, std::span<const Property> properties, Answer& 
 }  // namespace
 
 Outcome speed_of_sound(const Gas& gas, Answer& answer, CDetail& memory) noexcept {
-  constexpr Property wanted[] = {Property::speed_of_sound};
-  return answer_of(gas, wanted, answer, memory);
+  return answer_of(gas, only_speed, answer, memory);
 }
 
 Outcome all_properties(const Gas& gas, Answer& answer, CDetail& memory) noexcept {
   return gas.critical_flow == 2 ? answer_of(gas, requested<true>, answer, memory)
                                 : answer_of(gas, requested<false>, answer, memory);
+}
+
+// ---- Rows --------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// Rows of one composition that follow each other are calculated together. `wanted(gas)` are the properties.
+template <class Wanted>
+void answer_rows(const Gas* in, Answer* out, bool* done, std::size_t rows, CDetail& memory,
+                 const Wanted& wanted) noexcept {
+  Conditions flowing[CDetail::most_rows];
+  Properties* values[CDetail::most_rows];
+  std::size_t first = 0;
+  while (first < rows) {
+    const Gas& gas = in[first];
+    std::size_t count = 0;
+    for (; count < CDetail::most_rows && first + count < rows; ++count) {
+      const Gas& other = in[first + count];
+      if (other.neo_pentane != gas.neo_pentane || other.critical_flow != gas.critical_flow ||
+          !same(other.composition, gas.composition))
+        break;
+      flowing[count] = {other.pressure, other.temperature + zero_celsius};
+      values[count] = &out[first + count].values;
+    }
+    AGA8::Composition x;
+    const bool good = composition::prepare(gas.composition, gas.neo_pentane, AGA8::composition_error, x).good();
+    if (good && count > 1) {
+      memory.calculate_rows(x, {flowing, count}, base_conditions, wanted(gas), values, done + first);
+      const int composition_range = AGA8::composition_range_1994(x);
+      for (std::size_t i = first; i < first + count; ++i)
+        out[i].range = std::max(composition_range, AGA8::state_limits_1994(in[i].temperature, in[i].pressure));
+    } else {
+      std::fill_n(done + first, count, false);
+    }
+    first += count;
+  }
+}
+
+}  // namespace
+
+void speed_of_sound_rows(const Gas* in, Answer* out, bool* done, std::size_t rows, CDetail& memory) noexcept {
+  answer_rows(in, out, done, rows, memory, [](const Gas&) { return std::span<const Property>(only_speed); });
+}
+
+void all_properties_rows(const Gas* in, Answer* out, bool* done, std::size_t rows, CDetail& memory) noexcept {
+  answer_rows(in, out, done, rows, memory, [](const Gas& gas) {
+    return gas.critical_flow == 2 ? std::span<const Property>(requested<true>)
+                                  : std::span<const Property>(requested<false>);
+  });
 }
 
 }  // namespace norvane::AGA10

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <span>
 
+#include "math/gas/aga10_kernel.h"
 #include "math/gas/aga8.h"
 
 namespace norvane::AGA10 {
@@ -67,16 +68,14 @@ class IdealMixture {
   helmholtz::IdealGas at(double T, Entropy entropy) const noexcept;
 
  private:
-  // Vibrations of the gases that are present, one behind the other.
-  static constexpr std::size_t most_vibrations = 4 * AGA8::component_count;
   struct Gas {
     std::size_t component;
     double fraction;
     std::size_t vibrations;
   };
   std::array<Gas, AGA8::component_count> gases_;
-  std::size_t gas_count_ = 0, vibration_count_ = 0;
-  alignas(32) std::array<double, most_vibrations> weight_, theta_, sign_;
+  std::size_t gas_count_ = 0;
+  Vibrations vibrations_;
 };
 helmholtz::IdealGas ideal_mixture(const AGA8::Composition& x, double T, Entropy entropy) noexcept;
 
@@ -102,6 +101,7 @@ struct Isotherm {
   Entropy entropy = Entropy::leave_out;
 
   void set(const Mixture& mixture, double T, Entropy with) noexcept;
+  void set_ideal(const Mixture& mixture, Entropy with) noexcept;  // at the temperature of the residual part
   MolarState at(double rho) const noexcept;
 };
 
@@ -112,6 +112,11 @@ class CDetail {
   // Fills the requested properties and leaves the others as they are.
   Result calculate(const AGA8::Composition& x, const Conditions& flowing, const Conditions& base,
                    std::span<const Property> requested, Properties& values) noexcept;
+  // The same for states of one composition, several at a time. True where the answer is what calculate gives with
+  // success; the others are left to it.
+  static constexpr std::size_t most_rows = 64;
+  void calculate_rows(const AGA8::Composition& x, std::span<const Conditions> flowing, const Conditions& base,
+                      std::span<const Property> requested, Properties* const* values, bool* done) noexcept;
 
  private:
   // A density found, or that there is none, at the last conditions.
@@ -121,15 +126,20 @@ class CDetail {
     double rho = 0.0;  // [kmol/m3]
     double z = 0.0;
   };
-  bool find(Density& density, const Conditions& at) noexcept;
+  void find(Density& density, const AGA8::Isotherm& isotherm, const Conditions& at) noexcept;
+  void set(const AGA8::Composition& x) noexcept;
+  bool find_base(const Conditions& at) noexcept;
+  bool find_flowing(const Conditions& at) noexcept;
   // The state at the flowing conditions, with at least this.
   const MolarState& flowing_state(Entropy entropy) noexcept;
+  // The properties requested, from the densities and the state.
+  Result properties(unsigned need, const MolarState& state, std::span<const Property> requested,
+                    Properties& values) noexcept;
 
-  bool has_composition_ = false, has_detail_isotherm_ = false, has_isotherm_ = false, has_state_ = false;
+  bool has_composition_ = false, has_residual_ = false, has_ideal_ = false, has_state_ = false;
   bool has_throat_ = false, throat_found_ = false;
   AGA8::Composition x_{};
   Mixture mixture_;
-  AGA8::Isotherm detail_isotherm_;
   Isotherm isotherm_;
   Density flowing_, base_;
   MolarState state_{}, throat_{};
@@ -159,5 +169,9 @@ struct Answer {
 // amount lies outside 0 to 1.
 Outcome speed_of_sound(const Gas& gas, Answer& answer, CDetail& memory) noexcept;
 Outcome all_properties(const Gas& gas, Answer& answer, CDetail& memory) noexcept;
+// The same for rows of a batch: where done[i] is set, out[i] is what the single calculation of in[i] answers with status 0,
+// bit for bit; the other rows are left to it.
+void speed_of_sound_rows(const Gas* in, Answer* out, bool* done, std::size_t rows, CDetail& memory) noexcept;
+void all_properties_rows(const Gas* in, Answer* out, bool* done, std::size_t rows, CDetail& memory) noexcept;
 
 }  // namespace norvane::AGA10

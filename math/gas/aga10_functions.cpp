@@ -127,7 +127,7 @@ const record::Function AGA10_M = {
     .name_input = 0,
     .inputs = inputs_plain,
     .outputs = outputs_plain,
-    .binding = &bound<speed_of_sound>,
+    .binding = &bound<speed_of_sound, speed_of_sound_rows>,
     .coefficients = coefficients_used,
     .notes = notes_plain,
 };
@@ -141,7 +141,7 @@ const record::Function AGA10ex_M = {
     .name_input = 0,
     .inputs = inputs_extended,
     .outputs = outputs_extended,
-    .binding = &bound<all_properties>,
+    .binding = &bound<all_properties, all_properties_rows>,
     .coefficients = coefficients_used,
     .notes = notes_extended,
 };

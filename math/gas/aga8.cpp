@@ -143,77 +143,12 @@ bool Isotherm::density(double p, double& rho) const noexcept {
 }
 
 void ResidualIsotherm::set(const Mixture& mixture, double temperature) noexcept {
-  T = temperature;
-  K3 = mixture.K3;
-  const Powers<double> t = powers(1.0 / T, T);
-  // Sums in registers of their own.
-  Sums<double> virial, first;
-  for (std::size_t n = 0; n < virial_term_count; ++n) {
-    const double u = terms[n].u;
-    const double value = mixture.beta[n] * t.u[position[n]];
-    virial.value += value;
-    virial.u += u * value;
-    virial.uu += u * (u + 1.0) * value;
-  }
-  Sums<std::array<double, slot_count>> sum;
-  for_each_density_term(
-      [&](auto n, auto slot, auto power) {
-        constexpr double u = terms[first_density_term + n].u;
-        const double value = mixture.gamma[n] * t.u[power];
-        sum.value[slot] += value;
-        sum.u[slot] += u * value;
-        sum.uu[slot] += u * (u + 1.0) * value;
-        if constexpr (first_density_term + n < virial_term_count) {
-          first.value += value;
-          first.u += u * value;
-          first.uu += u * (u + 1.0) * value;
-        }
-      },
-      std::make_index_sequence<density_term_count>{});
-  B = virial;
-  linear = first;
-  C = sum;
-  for (std::size_t s = 0; s < slot_count; ++s) {
-    bC[s] = slots[s].b * sum.value[s];
-    bbC[s] = slots[s].b * bC[s];
-    buC[s] = slots[s].b * sum.u[s];
-  }
+  set_residual_isotherm(*this, mixture, temperature);
 }
 
 helmholtz::Residual ResidualIsotherm::at(double rho) const noexcept {
-  const double r = K3 * rho;
-  const double r2 = r * r, r3 = r2 * r, r4 = r2 * r2;
-  const auto e = elementary::exp4({-r, -r2, -r3, -r4});
-  helmholtz::Residual sum{};
-  // A group of equal k: v = C r^b exp(-q/k) with q = k r^k. rho v_rho = v (b - q), and
-  // rho^2 v_rhorho = v ((b - q)^2 - (b - q) - k q).
-  const auto add = [&sum](double k, double q, double exponential, double v, double bv, double bbv, double uv,
-                          double buv, double uuv) {
-    sum.ar += exponential * v;
-    sum.d += exponential * (bv - q * v);
-    sum.dd += exponential * (bbv - (2.0 * q + 1.0) * bv + (q * q + q - k * q) * v);
-    sum.t += exponential * uv;
-    sum.tt += exponential * uuv;
-    sum.dt += exponential * (buv - q * uv);
-  };
-  const Groups<double> v = groups(C.value, r), bv = groups(bC, r), bbv = groups(bbC, r);
-  const Groups<double> uv = groups(C.u, r), buv = groups(buC, r), uuv = groups(C.uu, r);
-  add(0.0, 0.0, 1.0, v.k0, bv.k0, bbv.k0, uv.k0, buv.k0, uuv.k0);
-  add(1.0, r, e[0], v.k1, bv.k1, bbv.k1, uv.k1, buv.k1, uuv.k1);
-  add(2.0, 2.0 * r2, e[1], v.k2, bv.k2, bbv.k2, uv.k2, buv.k2, uuv.k2);
-  add(3.0, 3.0 * r3, e[2], v.k3, bv.k3, bbv.k3, uv.k3, buv.k3, uuv.k3);
-  add(4.0, 4.0 * r4, e[3], v.k4, bv.k4, bbv.k4, uv.k4, buv.k4, uuv.k4);
-
-  // The terms linear in density.
-  const double first = rho * B.value - r * linear.value;
-  const double u_first = rho * B.u - r * linear.u;
-  sum.ar += first;
-  sum.d += first;
-  sum.t += u_first;
-  sum.tt += rho * B.uu - r * linear.uu;
-  sum.dt += u_first;
-  sum.tt -= 2.0 * sum.t;  // T^2 d2/dT2 = tau^2 d2/dtau2 + 2 tau d/dtau
-  return sum;
+  const ResidualOf<double> r = residual_of(*this, rho);
+  return {r.ar, r.d, r.dd, r.t, r.tt, r.dt};
 }
 
 helmholtz::Residual residual(const Mixture& mixture, double T, double rho) noexcept {

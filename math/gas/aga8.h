@@ -74,18 +74,14 @@ struct Isotherm {
   bool density(double p, double& rho) const noexcept;
 };
 
-// The same for the residual Helmholtz energy and its derivatives.
-struct ResidualIsotherm {
-  // A sum of C*_n or B, of u times that, and of u (u+1) times that: the value and what its derivatives to T need.
-  template <class Value>
+// The same with what the residual Helmholtz energy and its derivatives need: sums of u and of u (u+1) times the terms.
+struct ResidualIsotherm : Isotherm {
   struct Sums {
-    Value value{}, u{}, uu{};
+    double B = 0.0, linear = 0.0;
+    std::array<double, 24> C{};
   };
-  double T = 0.0;                             // [K]
-  double K3 = 0.0;                            // [m3/kmol]
-  Sums<double> B, linear;                     // as in the isotherm
-  Sums<std::array<double, 24>> C;             // sums of the terms with the same (k, b)
-  std::array<double, 24> bC{}, bbC{}, buC{};  // b, b^2 and b u times that
+  Sums u, uu;
+  std::array<double, 24> bbC{}, buC{};  // b^2 C, and b times the sum of u C
 
   void set(const Mixture& mixture, double temperature) noexcept;
   // At a molar density rho [kmol/m3].

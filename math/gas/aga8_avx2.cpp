@@ -7,7 +7,7 @@
 namespace norvane::AGA8 {
 
 extern const Kernel avx2_kernel;
-const Kernel avx2_kernel = Lanes<lanes::Vector<4>::Value>::kernel;
+const Kernel avx2_kernel = Lanes<lanes::Vector<4>::Value, InstructionSet::avx2>::kernel;
 
 }  // namespace norvane::AGA8
 #endif

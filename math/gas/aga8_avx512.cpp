@@ -7,7 +7,7 @@
 namespace norvane::AGA8 {
 
 extern const Kernel avx512_kernel;
-const Kernel avx512_kernel = Lanes<lanes::Vector<8>::Value>::kernel;
+const Kernel avx512_kernel = Lanes<lanes::Vector<8>::Value, InstructionSet::avx512>::kernel;
 
 }  // namespace norvane::AGA8
 #endif

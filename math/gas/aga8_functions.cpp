@@ -86,7 +86,7 @@ const record::Function AGA8_M = {
     .name_input = 0,
     .inputs = inputs_metric,
     .outputs = outputs_metric,
-    .binding = &bound<state_of>,
+    .binding = &bound<state_of, state_of_rows>,
     .coefficients = coefficients_used,
     .notes = notes,
 };
@@ -101,7 +101,7 @@ const record::Function AGA8_C = {
     .name_input = 0,
     .inputs = inputs_customary,
     .outputs = outputs_customary,
-    .binding = &bound<state_of_unlimited>,
+    .binding = &bound<state_of_unlimited, state_of_unlimited_rows>,
     .coefficients = coefficients_used,
     .notes = notes,
 };

@@ -8,7 +8,7 @@ extern const Kernel avx2_kernel, avx512_kernel;
 
 const Kernel* kernel(InstructionSet set) noexcept {
   switch (set) {
-    case InstructionSet::baseline: return &Lanes<lanes::Vector<2>::Value>::kernel;
+    case InstructionSet::baseline: return &Lanes<lanes::Vector<2>::Value, InstructionSet::baseline>::kernel;
 #if NORVANE_X86_KERNELS
     case InstructionSet::avx2: return &avx2_kernel;
     case InstructionSet::avx512: return &avx512_kernel;

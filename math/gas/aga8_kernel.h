@@ -21,6 +21,9 @@ struct Kernel {
   // The same with a composition a row, none with negative or infinite fractions or NaN, and its molar mass [kg/kmol].
   void (*gases)(const Composition* const* x, const double* T, const double* p, double* rho, double* molar_mass,
                 std::size_t rows) noexcept;
+  // Residual Helmholtz energy and its derivatives at temperatures [K] and densities [kmol/m3] of one mixture.
+  void (*residuals)(const Mixture& mixture, const double* T, const double* rho, helmholtz::Residual* residuals,
+                    std::size_t rows) noexcept;
 };
 
 // The one of an instruction set; null where the program has none for it. Runs on processors with these instructions only.

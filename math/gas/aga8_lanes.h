@@ -1,5 +1,6 @@
 // AGA-8 for several rows side by side. Included by one file for each instruction set, which says how wide a vector is;
-// everything is a template of that vector, so that no two of them share a function.
+// everything is a template of that and of the set, so that no two of them
+// share a function.
 #pragma once
 
 #include <cmath>
@@ -9,12 +10,9 @@
 #include "math/gas/aga8_kernel.h"
 #include "math/gas/aga8_terms.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wpsabi"  // vectors stay in the functions of one file
-
 namespace norvane::AGA8 {
 
-template <class Value>
+template <class Value, InstructionSet>
 struct Lanes {
   static constexpr std::size_t count = lanes::count_of<Value>;
 
@@ -25,6 +23,14 @@ struct Lanes {
   struct Isotherms {  // as Isotherm
     Value T, RT, B, K3, linear, max_density;
     std::array<Value, slot_count> C, bC;
+  };
+  struct ResidualIsotherms : Isotherms {  // as ResidualIsotherm
+    struct Sums {
+      Value B, linear;
+      std::array<Value, slot_count> C;
+    };
+    Sums u, uu;
+    std::array<Value, slot_count> bbC, buC;
   };
 
   // A row of the table has twelve numbers.
@@ -129,9 +135,17 @@ struct Lanes {
     });
   }
 
-  static constexpr Kernel kernel = {&sum_pairs, &densities, &gases};
+  static void residuals(const Mixture& mixture, const double* T, const double* rho, helmholtz::Residual* residuals,
+                        std::size_t rows) noexcept {
+    for_groups(rows, [&](const std::size_t(&row)[count], std::size_t used) {
+      ResidualIsotherms isotherm;
+      set_residual_isotherm(isotherm, mixture, gather(T, row));
+      const ResidualOf<Value> r = residual_of(isotherm, gather(rho, row));
+      for (std::size_t i = 0; i < used; ++i) residuals[row[i]] = {r.ar[i], r.d[i], r.dd[i], r.t[i], r.tt[i], r.dt[i]};
+    });
+  }
+
+  static constexpr Kernel kernel = {&sum_pairs, &densities, &gases, &residuals};
 };
 
 }  // namespace norvane::AGA8
-
-#pragma GCC diagnostic pop

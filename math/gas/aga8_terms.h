@@ -13,9 +13,6 @@
 #include "core/lanes.h"
 #include "math/gas/aga8.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wpsabi"  // vectors stay in the functions of one file
-
 namespace norvane::AGA8 {
 
 // ---- Powers of a temperature or an energy ------------------------------------------------------------------------
@@ -202,6 +199,17 @@ template <class M, class Real>
 
 // Fills an isotherm's members from a mixture's; the mixture may be one for all lanes.
 template <class I, class M, class Real>
+[[gnu::always_inline]] inline void set_limits(I& isotherm, const M& mixture, Real T) noexcept {
+  isotherm.T = T;
+  isotherm.RT = R * T;
+  isotherm.K3 = Real{} + mixture.K3;
+  // Above the critical temperature the equation stays well-behaved to much greater densities.
+  constexpr double critical = 1.2593;  // critical temperature over energy parameter, as methane has it
+  const Real max_density = 1.0 / isotherm.K3;
+  isotherm.max_density = lanes::select(T > critical * mixture.U, max_density * 20.0, max_density);
+}
+
+template <class I, class M, class Real>
 [[gnu::always_inline]] inline void set_isotherm(I& isotherm, const M& mixture, Real T) noexcept {
   const Powers<Real> t = powers<Real>(1.0 / T, T);
   Real B{};
@@ -212,17 +220,57 @@ template <class I, class M, class Real>
   std::array<Real, slot_count> sum{};
   for_each_density_term([&](auto n, auto slot, auto power) { sum[slot] += mixture.gamma[n] * t.u[power]; },
                         std::make_index_sequence<density_term_count>{});
-  isotherm.T = T;
-  isotherm.RT = R * T;
-  isotherm.K3 = Real{} + mixture.K3;
-  // Above the critical temperature the equation stays well-behaved to much greater densities.
-  constexpr double critical = 1.2593;  // critical temperature over energy parameter, as methane has it
-  const Real max_density = 1.0 / isotherm.K3;
-  isotherm.max_density = lanes::select(T > critical * mixture.U, max_density * 20.0, max_density);
+  set_limits(isotherm, mixture, T);
   isotherm.B = B;
   isotherm.linear = linear;
   isotherm.C = sum;
   for (std::size_t s = 0; s < slot_count; ++s) isotherm.bC[s] = static_cast<double>(slots[s].b) * sum[s];
+}
+
+template <class I, class M, class Real>
+[[gnu::always_inline]] inline void set_residual_isotherm(I& isotherm, const M& mixture, Real T) noexcept {
+  const Powers<Real> t = powers<Real>(1.0 / T, T);
+  Real B{}, uB{}, uuB{};
+  for (std::size_t n = 0; n < virial_term_count; ++n) {
+    const double u = terms[n].u;
+    const Real value = mixture.beta[n] * t.u[position[n]];
+    B += value;
+    uB += u * value;
+    uuB += u * (u + 1.0) * value;
+  }
+  std::array<Real, slot_count> sum{}, u_sum{}, uu_sum{};
+  Real linear{}, u_linear{}, uu_linear{};
+  for_each_density_term(
+      [&](auto n, auto slot, auto power) {
+        constexpr double u = terms[first_density_term + n].u;
+        const Real value = mixture.gamma[n] * t.u[power];
+        sum[slot] += value;
+        u_sum[slot] += u * value;
+        uu_sum[slot] += u * (u + 1.0) * value;
+        if constexpr (first_density_term + n < virial_term_count) {
+          linear += value;
+          u_linear += u * value;
+          uu_linear += u * (u + 1.0) * value;
+        }
+      },
+      std::make_index_sequence<density_term_count>{});
+  set_limits(isotherm, mixture, T);
+  isotherm.B = B;
+  isotherm.linear = linear;
+  isotherm.C = sum;
+  isotherm.u.B = uB;
+  isotherm.u.linear = u_linear;
+  isotherm.u.C = u_sum;
+  isotherm.uu.B = uuB;
+  isotherm.uu.linear = uu_linear;
+  isotherm.uu.C = uu_sum;
+  for (std::size_t s = 0; s < slot_count; ++s) {
+    const double b = slots[s].b;
+    const Real bC = b * sum[s];
+    isotherm.bC[s] = bC;
+    isotherm.bbC[s] = b * bC;
+    isotherm.buC[s] = b * u_sum[s];
+  }
 }
 
 // Polynomials of the five groups of equal k in the reduced density, powers of r2 = r^2 kept
@@ -274,6 +322,50 @@ template <class I, class Real>
   return rho * isotherm.RT * (1.0 + (rho * isotherm.B - r * isotherm.linear) + sum);
 }
 
+// As helmholtz::Residual.
+template <class Real>
+struct ResidualOf {
+  Real ar, d, dd, t, tt, dt;
+
+  // A group of equal k: v = C r^b exp(-q/k) with q = k r^k. rho v_rho = v (b - q), and
+  // rho^2 v_rhorho = v ((b - q)^2 - (b - q) - k q).
+  [[gnu::always_inline]] inline void add(double k, Real q, Real exponential, Real v, Real bv, Real bbv, Real uv,
+                                         Real buv, Real uuv) noexcept {
+    ar += exponential * v;
+    d += exponential * (bv - q * v);
+    dd += exponential * (bbv - (2.0 * q + 1.0) * bv + (q * q + q - k * q) * v);
+    t += exponential * uv;
+    tt += exponential * uuv;
+    dt += exponential * (buv - q * uv);
+  }
+};
+
+template <class I, class Real>
+[[gnu::always_inline]] inline ResidualOf<Real> residual_of(const I& isotherm, Real rho) noexcept {
+  const Real r = isotherm.K3 * rho;
+  const Real r2 = r * r, r3 = r2 * r, r4 = r2 * r2;
+  const lanes::Four<Real> e = lanes::exp4(lanes::Four<Real>{{-r, -r2, -r3, -r4}});
+  const Groups<Real> v = groups(isotherm.C, r), bv = groups(isotherm.bC, r), bbv = groups(isotherm.bbC, r);
+  const Groups<Real> uv = groups(isotherm.u.C, r), buv = groups(isotherm.buC, r), uuv = groups(isotherm.uu.C, r);
+  ResidualOf<Real> sum{};
+  sum.add(0.0, Real{}, Real{} + 1.0, v.k0, bv.k0, bbv.k0, uv.k0, buv.k0, uuv.k0);
+  sum.add(1.0, r, e.v[0], v.k1, bv.k1, bbv.k1, uv.k1, buv.k1, uuv.k1);
+  sum.add(2.0, 2.0 * r2, e.v[1], v.k2, bv.k2, bbv.k2, uv.k2, buv.k2, uuv.k2);
+  sum.add(3.0, 3.0 * r3, e.v[2], v.k3, bv.k3, bbv.k3, uv.k3, buv.k3, uuv.k3);
+  sum.add(4.0, 4.0 * r4, e.v[3], v.k4, bv.k4, bbv.k4, uv.k4, buv.k4, uuv.k4);
+
+  // The terms linear in density.
+  const Real first = rho * isotherm.B - r * isotherm.linear;
+  const Real u_first = rho * isotherm.u.B - r * isotherm.u.linear;
+  sum.ar += first;
+  sum.d += first;
+  sum.t += u_first;
+  sum.tt += rho * isotherm.uu.B - r * isotherm.uu.linear;
+  sum.dt += u_first;
+  sum.tt -= 2.0 * sum.t;  // T^2 d2/dT2 = tau^2 d2/dtau2 + 2 tau d/dtau
+  return sum;
+}
+
 // The report's start of the search. Where the second virial coefficient is a small correction of the ideal volume, a
 // little below the density that both make, so that the march meets the root from below; else a little above the ideal
 // density.
@@ -288,5 +380,3 @@ inline constexpr double first_step = 20.0;  // a clipped step is at least a twen
 inline constexpr double tolerance = 1e-11;  // of the pressure
 
 }  // namespace norvane::AGA8
-
-#pragma GCC diagnostic pop
