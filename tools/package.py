@@ -258,6 +258,8 @@ def finish():
         packages.append({"SPDXID": identifier, "name": name, "downloadLocation": "NOASSERTION", "filesAnalyzed": False,
                          "licenseConcluded": licence, "licenseDeclared": licence, "copyrightText": "NOASSERTION"})
         for package in packages[:built]:
+            if package["name"].endswith(".xlsx") or (name != "libstdc++" and not package["name"].endswith((".deb", ".zip"))):
+                continue  # the command alone holds what reads its arguments and JSON
             relations.append({"spdxElementId": package["SPDXID"], "relationshipType": "DEPENDS_ON",
                               "relatedSpdxElement": identifier})
     document = {

@@ -55,6 +55,12 @@ cc -o "$work/client" "$work/client.c" -pthread -I"$work/deb/usr/include" -L"$wor
 python3 tests/package/check_guides.py docs "$work/deb/usr/include" "$work/deb/usr/lib" build/release/Norvane.cs || fail 'guides'
 note '.deb unpacked and run'
 
+# The wheel in an empty environment.
+python3 -m venv "$work/venv" && "$work/venv/bin/pip" -q install --no-index --no-deps dist/*manylinux*.whl >"$work/pip.log" 2>&1 &&
+  (cd "$work" && venv/bin/python -c 'import norvane; assert 0.8 < norvane.AGA8_M(pressure=60, temperature=20, composition={"methane": 1}, edition=2017).z < 0.9') ||
+  { cat "$work/pip.log"; fail 'the wheel'; }
+note 'wheel installed into an empty environment'
+
 if [ $quick = 0 ]; then
   if [ "$(id -u)" -eq 0 ]; then
     # A root that holds nothing but the system's own packages, from where this machine has its own.
