@@ -111,6 +111,26 @@ BENCHMARK_CAPTURE(aga10_plain, new_state_21_components, gas, Change::state);
 BENCHMARK_CAPTURE(aga10_plain, new_gas_11_components, gas_of_11, Change::composition);
 BENCHMARK_CAPTURE(aga10_plain, new_gas_21_components, gas, Change::composition);
 
+// Rows of a batch with one gas, by the kernel in use; the time of a row.
+void aga10_rows(benchmark::State& state, AGA8::CompositionInput (*of)(double)) {
+  constexpr std::size_t rows = 256;
+  std::array<AGA10::Gas, rows> in;
+  for (std::size_t i = 0; i < rows; ++i)
+    in[i] = {of(0.0), composition::add_to_i_pentane, 4.0 + 0.1 * static_cast<double>(i * 53 % 37),
+             5.0 + static_cast<double>(i * 37 % 41), 1};
+  std::array<AGA10::Answer, rows> out;
+  std::array<bool, rows> done;
+  AGA10::CDetail memory;
+  for (auto _ : state) {
+    AGA10::all_properties_rows(in.data(), out.data(), done.data(), rows, memory);
+    benchmark::DoNotOptimize(out);
+  }
+  state.counters["row"] = benchmark::Counter(static_cast<double>(state.iterations()) * rows,
+                                             benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK_CAPTURE(aga10_rows, all_11_components, gas_of_11);
+BENCHMARK_CAPTURE(aga10_rows, all_21_components, gas);
+
 // The parts.
 void aga10_residual(benchmark::State& state) {
   AGA8::Mixture mixture;

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "bench/bench_call.h"
-#include "math/gas/gerg.h"
+#include "math/gas/gerg_kernel.h"
 
 namespace norvane::bench {
 namespace {
@@ -122,6 +122,39 @@ void gerg_properties(benchmark::State& state, Entropy entropy) {
 }
 BENCHMARK_CAPTURE(gerg_properties, without_entropy, Entropy::leave_out);
 BENCHMARK_CAPTURE(gerg_properties, with_entropy, Entropy::include);
+
+// Rows of a batch with one gas: densities, and properties at known densities; the time of a row.
+void gerg_rows(benchmark::State& state, InstructionSet set, bool properties) {
+  const Kernel* kernel = GERG2008::kernel(set);
+  if (kernel == nullptr || !has_instructions(set)) return state.SkipWithError("not on this machine");
+  constexpr std::size_t rows = 256;
+  std::array<double, rows> T, p, rho;
+  std::array<helmholtz::State, rows> states;
+  for (std::size_t i = 0; i < rows; ++i) {
+    T[i] = 278.15 + static_cast<double>(i * 37 % 41);
+    p[i] = 4.0 + 0.1 * static_cast<double>(i * 53 % 37);
+  }
+  Mixture mixture;
+  mixture.set(Edition::gerg_2008, fractions(gas_of_21(0.0)));
+  kernel->densities(mixture, T.data(), p.data(), rho.data(), rows);
+  for (auto _ : state) {
+    if (properties) {
+      kernel->states(mixture, T.data(), rho.data(), states.data(), rows);
+    } else {
+      kernel->densities(mixture, T.data(), p.data(), rho.data(), rows);
+    }
+    benchmark::DoNotOptimize(rho);
+    benchmark::DoNotOptimize(states);
+  }
+  state.counters["row"] = benchmark::Counter(static_cast<double>(state.iterations()) * rows,
+                                             benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK_CAPTURE(gerg_rows, densities_baseline, InstructionSet::baseline, false);
+BENCHMARK_CAPTURE(gerg_rows, densities_avx2, InstructionSet::avx2, false);
+BENCHMARK_CAPTURE(gerg_rows, densities_avx512, InstructionSet::avx512, false);
+BENCHMARK_CAPTURE(gerg_rows, properties_baseline, InstructionSet::baseline, true);
+BENCHMARK_CAPTURE(gerg_rows, properties_avx2, InstructionSet::avx2, true);
+BENCHMARK_CAPTURE(gerg_rows, properties_avx512, InstructionSet::avx512, true);
 
 void gerg_fugacity(benchmark::State& state) {
   PhaseMixture mixture;

@@ -19,6 +19,10 @@ template <class Value>
   return exp_plain(x);
 }
 
+// The same for a lone double, so that one template serves both.
+[[gnu::always_inline]] inline double exp(double x) noexcept { return elementary::exp(x); }
+[[gnu::always_inline]] inline double log(double x) noexcept { return elementary::log(x); }
+
 // Of four arguments, each in its place; faster than one after the other.
 template <class Value>
 struct Four {

@@ -75,33 +75,6 @@ const Coefficients& coefficients(Edition edition) noexcept {
 
 namespace {
 
-template <std::size_t... k>
-inline void fill_powers(double tau, bool departs, std::array<double, power_count>& powers,
-                        std::index_sequence<k...>) noexcept {
-  constexpr int lowest = -1, highest = 30;
-  double whole[highest - lowest + 1];  // whole[m + 1] = tau^m
-  whole[0] = 1.0 / tau;
-  whole[1] = 1.0;
-  whole[2] = tau;
-  for (std::size_t m = 2; m <= highest; ++m) whole[m + 1] = whole[m / 2 + 1] * whole[m - m / 2 + 1];
-
-  double fraction[fraction_count];
-  fraction[0] = 1.0;
-  fraction[4] = std::sqrt(tau);
-  fraction[2] = std::sqrt(fraction[4]);
-  fraction[1] = std::sqrt(fraction[2]);
-  fraction[3] = fraction[2] * fraction[1];
-  for (std::size_t f = 5; f < eighths; ++f) fraction[f] = fraction[4] * fraction[f - 4];
-  if (departs) {
-    const double l = elementary::log(tau);
-    const auto twentieths = elementary::exp4({0.05 * l, 0.1 * l, 0.15 * l, 0.2 * l});
-    for (std::size_t f = 0; f < 16; ++f) fraction[eighths + f] = fraction[f / 4 * 2] * twentieths[f % 4];
-  } else {
-    std::fill_n(fraction + eighths, fraction_count - eighths, 0.0);
-  }
-  ((powers[k] = whole[exponents.exponent[k].whole + 1] * fraction[exponents.exponent[k].fraction]), ...);
-}
-
 // Sums the coefficients of a form's fluids.
 template <std::size_t count, std::size_t size>
 void sum_form(const Composition& x, const std::size_t (&members)[count], const double (&n)[count][size],
@@ -264,16 +237,6 @@ helmholtz::Residual residual(const Mixture& mixture, const Isotherm& isotherm, d
 
 // ---- Ideal gas and properties ------------------------------------------------------------------------------------
 
-namespace {
-
-constexpr double R_joule = 8.314472;     // [J/(mol K)]
-constexpr double R_ideal = 8.31451;      // that of the ideal-gas functions [J/(mol K)]
-constexpr double T_reference = 298.15;   // [K], of enthalpy and entropy
-constexpr double p_reference = 101.325;  // [kPa], of the entropy
-constexpr double ln2 = 0.69314718055994531;
-
-}  // namespace
-
 // The ideal-gas functions were made with an older gas constant: what is not the ideal gas's own R carries the ratio.
 // It leaves enthalpy and entropy zero at the reference state.
 helmholtz::IdealGas ideal_mixture(const Composition& x, double T, Entropy entropy) noexcept {
@@ -312,6 +275,11 @@ helmholtz::IdealGas ideal_mixture(const Composition& x, double T, Entropy entrop
   const double h = T - T_reference + ratio * sum.h;
   const double s = entropy == Entropy::include ? ratio * sum.s - elementary::log(T_reference * inverse_T) : 0.0;
   return {R_joule * (1.0 + ratio * sum.cp), R_joule * h, R_joule * s};
+}
+
+helmholtz::State state_of(double T, double rho, const helmholtz::Residual& r,
+                          const helmholtz::IdealGas& ideal) noexcept {
+  return helmholtz::state(R_joule, T, rho, r, ideal);
 }
 
 helmholtz::State state(const Mixture& mixture, const Isotherm& isotherm, double rho, Entropy entropy) noexcept {

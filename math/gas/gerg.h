@@ -182,6 +182,8 @@ class CEquation {
   // Properties at the density found last.
   const helmholtz::State& state() noexcept;
   const Mixture& mixture() const noexcept { return mixture_; }
+  // The mixture of a composition, from memory or made now.
+  const Mixture& mixture(Edition edition, const Composition& x) noexcept;
   const Isotherm& isotherm() const noexcept { return isotherm_; }
 
  private:
@@ -199,6 +201,12 @@ Outcome gas_2008(const Gas& gas, GasAnswer& answer, CEquation& memory) noexcept;
 Outcome gas_2004(const Gas& gas, GasAnswer& answer, CEquation& memory) noexcept;
 // Without speed of sound and isentropic exponent.
 Outcome density_2004(const Gas& gas, GasAnswer& answer, CEquation& memory) noexcept;
+
+// The same for rows of a batch, several at a time: where done[i] is set, out[i] is what the single calculation of in[i]
+// answers with status 0 and without remark, bit for bit; the other rows are left to it.
+void gas_2008_rows(const Gas* in, GasAnswer* out, bool* done, std::size_t rows, CEquation& memory) noexcept;
+void gas_2004_rows(const Gas* in, GasAnswer* out, bool* done, std::size_t rows, CEquation& memory) noexcept;
+void density_2004_rows(const Gas* in, GasAnswer* out, bool* done, std::size_t rows, CEquation& memory) noexcept;
 
 struct FlashAnswer {
   int phase = 0;                 // 1: gas, 2: liquid, 3: both

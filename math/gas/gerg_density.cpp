@@ -14,40 +14,9 @@
 namespace norvane::GERG2008 {
 namespace {
 
-// Above this T/T_r no mixture has loops; the highest found among random ones is 1.03, with hydrogen.
-constexpr double loopless = 1.1;
-constexpr double settled = 1e-8;       // relative; a Newton step this short leaves an error of its square
 constexpr double longest_step = 0.15;  // in delta; the loops are three times as wide
 constexpr double narrowest = 0.005;    // in delta; where the search for a fall of the pressure ends
-constexpr double highest_delta = 6.0;
 constexpr int max_steps = 100;
-
-// exp(x) for the constants of the departure functions at density zero.
-constexpr double exp_series(double x) {
-  double term = 1.0, sum = 1.0;
-  for (int k = 1; k < 30; ++k) sum += term *= x / k;
-  return sum;
-}
-// z = 1 + b delta + c delta^2 + ...: what each slot adds to b and c.
-struct Virial {
-  Slots b{}, c{};
-};
-constexpr Virial make_virial() {
-  Virial weights;
-  for (std::size_t s = 0; s < slot_count; ++s) {
-    const Shape& shape = shapes[slots[s].shape];
-    const double e = shape.c >= 0 ? 1.0 : exp_series(0.5 * shape.beta - 0.25 * shape.eta);
-    const double slope = shape.c == 1 ? 1.0 : shape.c >= 0 ? 0.0 : shape.beta - shape.eta;  // w' at density zero
-    if (slots[s].d == 1) {
-      weights.b[s] = e;
-      weights.c[s] = -2.0 * slope * e;
-    } else if (slots[s].d == 2) {
-      weights.c[s] = 2.0 * e;
-    }
-  }
-  return weights;
-}
-constexpr Virial virial = make_virial();
 
 struct Place {
   double rho;

@@ -125,7 +125,7 @@ const record::Function AGA8_GERG = {
     .name_input = 0,
     .inputs = inputs,
     .outputs = outputs_gas_2008,
-    .binding = &bound<gas_2008>,
+    .binding = &bound<gas_2008, gas_2008_rows>,
     .coefficients = of_2008,
     .notes = notes_gas_2008,
 };
@@ -139,7 +139,7 @@ const record::Function GERG2008_Gas = {
     .name_input = 0,
     .inputs = inputs,
     .outputs = outputs_gas_2008,
-    .binding = &bound<gas_2008>,
+    .binding = &bound<gas_2008, gas_2008_rows>,
     .coefficients = of_2008,
     .notes = notes_gas_2008,
 };
@@ -168,7 +168,7 @@ const record::Function GERG2004_Gas = {
     .name_input = 0,
     .inputs = inputs,
     .outputs = outputs_gas_2004,
-    .binding = &bound<gas_2004>,
+    .binding = &bound<gas_2004, gas_2004_rows>,
     .coefficients = of_2004,
     .notes = notes_gas_2004,
 };
@@ -199,7 +199,7 @@ const record::Function GERG_GAS = {
     .name_input = 0,
     .inputs = inputs_without_mode,
     .outputs = outputs_gas_2004,
-    .binding = &bound<gas_2004>,
+    .binding = &bound<gas_2004, gas_2004_rows>,
     .coefficients = of_2004,
     .notes = notes_earlier,
 };
@@ -231,7 +231,7 @@ const record::Function GERG_ZOTPX = {
     .name_input = 0,
     .inputs = inputs_without_mode,
     .outputs = outputs_z,
-    .binding = &bound<density_2004>,
+    .binding = &bound<density_2004, density_2004_rows>,
     .coefficients = of_2004,
     .notes = notes_earlier,
 };
@@ -247,7 +247,7 @@ const record::Function GERG_DOTPX = {
     .name_input = 0,
     .inputs = inputs_without_mode,
     .outputs = outputs_density,
-    .binding = &bound<density_2004>,
+    .binding = &bound<density_2004, density_2004_rows>,
     .coefficients = of_2004,
     .notes = notes_earlier,
 };
@@ -263,7 +263,7 @@ const record::Function GERG_WOTPX = {
     .name_input = 0,
     .inputs = inputs_without_mode,
     .outputs = outputs_speed_of_sound,
-    .binding = &bound<gas_2004>,
+    .binding = &bound<gas_2004, gas_2004_rows>,
     .coefficients = of_2004,
     .notes = notes_earlier,
 };
@@ -279,7 +279,7 @@ const record::Function GERG_CAPOTPX = {
     .name_input = 0,
     .inputs = inputs_without_mode,
     .outputs = outputs_kappa,
-    .binding = &bound<gas_2004>,
+    .binding = &bound<gas_2004, gas_2004_rows>,
     .coefficients = of_2004,
     .notes = notes_earlier,
 };

@@ -1,10 +1,12 @@
 // GERG-2008, GERG-2004: a gas as it is given, checked, and its answers.
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
 #include "math/gas/gerg.h"
 #include "math/gas/gerg2004_table.h"
+#include "math/gas/gerg_kernel.h"
 
 namespace norvane::GERG2008 {
 
@@ -20,12 +22,17 @@ bool same(const Value& a, const Value& b) noexcept {
 
 }  // namespace
 
-CEquation::Root CEquation::density(Edition edition, const Composition& x, double T, double p, double& rho) noexcept {
+const Mixture& CEquation::mixture(Edition edition, const Composition& x) noexcept {
   if (!has_mixture_ || edition != mixture_.edition || !same(x, mixture_.x)) {
     mixture_.set(edition, x);
     has_mixture_ = true;
     has_isotherm_ = has_density_ = has_state_ = false;
   }
+  return mixture_;
+}
+
+CEquation::Root CEquation::density(Edition edition, const Composition& x, double T, double p, double& rho) noexcept {
+  (void)mixture(edition, x);
   if (!has_isotherm_ || !same(T, isotherm_.T)) {
     isotherm_.set(mixture_, T);
     has_isotherm_ = true;
@@ -66,21 +73,33 @@ struct Given {
   double T;  // [K]
 };
 
-Outcome prepare(Edition edition, const Gas& gas, Given& given) noexcept {
-  const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, composition_error, given.x);
+Outcome prepare(Edition edition, const Gas& gas, Composition& x) noexcept {
+  const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, composition_error, x);
   if (!prepared.good()) return prepared;
   if (edition == Edition::gerg_2004) {
     for (std::size_t absent : edition_2004::absent)
-      if (given.x[absent] > 0.0)
+      if (x[absent] > 0.0)
         return blame(gas.composition, composition_error, u"holds $, which GERG-2004 does not have")
             .naming(component::table[absent].name);
   }
+  return {};
+}
+
+Outcome judge_state(const Gas& gas) noexcept {
   constexpr double lowest_t = -250.0, highest_t = 450.0, highest_p = 200.0;
   if (!(gas.temperature >= lowest_t && gas.temperature <= highest_t))
     return blame(gas.temperature, argument_error, u"must be within % to %", lowest_t, highest_t);
   if (!(gas.pressure >= 0.0 && gas.pressure <= highest_p))
     return blame(gas.pressure, argument_error, u"must be within % to %", 0.0, highest_p);
   if (!(gas.pressure > 0.0)) return blame(gas.pressure, calculation_error, u"must be above %", 0.0);
+  return {};
+}
+
+Outcome prepare(Edition edition, const Gas& gas, Given& given) noexcept {
+  const Outcome prepared = prepare(edition, gas, given.x);
+  if (!prepared.good()) return prepared;
+  const Outcome judged = judge_state(gas);
+  if (!judged.good()) return judged;
   given.T = gas.temperature + zero_celsius;
   return {};
 }
@@ -93,6 +112,23 @@ int range(double t, double p) noexcept {
   return t >= -213.15 && t <= 426.85 && p <= 70.0 ? 1 : 2;
 }
 
+// False where they are no finite numbers.
+bool describe(const Gas& gas, double rho, double RT, double molar_mass, GasAnswer& answer) noexcept {
+  answer.z = gas.pressure / (rho * RT);
+  answer.molar_density = rho;
+  answer.molar_mass = molar_mass;
+  answer.mass_density = rho * molar_mass;
+  answer.range = range(gas.temperature, gas.pressure);
+  return std::isfinite(answer.z) && std::isfinite(rho);
+}
+
+// False where there is no speed of sound.
+bool describe(const helmholtz::State& state, GasAnswer& answer) noexcept {
+  answer.speed_of_sound = std::sqrt(state.M_w2 * 1000.0 / answer.molar_mass);
+  answer.kappa = helmholtz::kappa(R_joule, state);
+  return state.cv > 0.0 && state.M_w2 > 0.0 && std::isfinite(answer.speed_of_sound) && std::isfinite(answer.kappa);
+}
+
 Outcome density(Edition edition, const Gas& gas, GasAnswer& answer, CEquation& equation) noexcept {
   Given given;
   const Outcome prepared = prepare(edition, gas, given);
@@ -100,12 +136,8 @@ Outcome density(Edition edition, const Gas& gas, GasAnswer& answer, CEquation& e
   double rho = 0.0;
   const CEquation::Root root = equation.density(edition, given.x, given.T, gas.pressure, rho);
   if (root == CEquation::Root::none) return failure(calculation_error, no_density);
-  answer.z = gas.pressure / (rho * equation.isotherm().RT);
-  answer.molar_density = rho;
-  answer.molar_mass = equation.mixture().molar_mass;
-  answer.mass_density = rho * answer.molar_mass;
-  answer.range = range(gas.temperature, gas.pressure);
-  if (!std::isfinite(answer.z) || !std::isfinite(rho)) return failure(calculation_error, no_density);
+  if (!describe(gas, rho, equation.isotherm().RT, equation.mixture().molar_mass, answer))
+    return failure(calculation_error, no_density);
   if (root == CEquation::Root::liquid)
     return remark(u"there is no vapour at this pressure and temperature: this is the liquid");
   return {};
@@ -114,10 +146,7 @@ Outcome density(Edition edition, const Gas& gas, GasAnswer& answer, CEquation& e
 Outcome gas_state(Edition edition, const Gas& gas, GasAnswer& answer, CEquation& equation) noexcept {
   const Outcome outcome = density(edition, gas, answer, equation);
   if (!outcome.good()) return outcome;
-  const helmholtz::State& state = equation.state();
-  answer.speed_of_sound = std::sqrt(state.M_w2 * 1000.0 / answer.molar_mass);
-  answer.kappa = helmholtz::kappa(R_joule, state);
-  if (!(state.cv > 0.0 && state.M_w2 > 0.0 && std::isfinite(answer.speed_of_sound) && std::isfinite(answer.kappa)))
+  if (!describe(equation.state(), answer))
     return failure(calculation_error, u"there is no speed of sound at this pressure and temperature");
   return outcome;
 }
@@ -196,6 +225,61 @@ Outcome flash_2008(const Gas& gas, FlashAnswer& answer, CFlash& memory) noexcept
 }
 Outcome flash_2004(const Gas& gas, FlashAnswer& answer, CFlash& memory) noexcept {
   return phases(Edition::gerg_2004, gas, answer, memory);
+}
+
+// ---- Rows --------------------------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr std::size_t most_rows = 64;  // that are calculated together
+
+// Rows of one composition that follow each other.
+void answer_run(Edition edition, const Gas* in, GasAnswer* out, bool* done, std::size_t rows, bool with_state,
+                CEquation& memory) noexcept {
+  Composition x;
+  if (rows < 2 || !prepare(edition, in[0], x).good()) return;
+  std::size_t row[most_rows], count = 0;
+  double T[most_rows], p[most_rows], rho[most_rows];
+  helmholtz::State states[most_rows];
+  for (std::size_t i = 0; i < rows; ++i) {
+    if (!judge_state(in[i]).good()) continue;
+    T[count] = in[i].temperature + zero_celsius;
+    p[count] = in[i].pressure;
+    row[count++] = i;
+  }
+  const Mixture& mixture = memory.mixture(edition, x);
+  kernel().densities(mixture, T, p, rho, count);
+  if (with_state) kernel().states(mixture, T, rho, states, count);
+  for (std::size_t k = 0; k < count; ++k) {
+    GasAnswer& answer = out[row[k]];
+    if (with_state) states[k].z = p[k] / (rho[k] * (R * T[k]));  // as CEquation::state
+    done[row[k]] = describe(in[row[k]], rho[k], R * T[k], mixture.molar_mass, answer) &&
+                   (!with_state || describe(states[k], answer));
+  }
+}
+
+void answer_rows(Edition edition, const Gas* in, GasAnswer* out, bool* done, std::size_t rows, bool with_state,
+                 CEquation& memory) noexcept {
+  std::fill_n(done, rows, false);
+  for (std::size_t first = 0, end = 0; first < rows; first = end) {
+    end = first + 1;
+    while (end < rows && end - first < most_rows && in[end].neo_pentane == in[first].neo_pentane &&
+           same(in[end].composition, in[first].composition))
+      ++end;
+    answer_run(edition, in + first, out + first, done + first, end - first, with_state, memory);
+  }
+}
+
+}  // namespace
+
+void gas_2008_rows(const Gas* in, GasAnswer* out, bool* done, std::size_t rows, CEquation& memory) noexcept {
+  answer_rows(Edition::gerg_2008, in, out, done, rows, true, memory);
+}
+void gas_2004_rows(const Gas* in, GasAnswer* out, bool* done, std::size_t rows, CEquation& memory) noexcept {
+  answer_rows(Edition::gerg_2004, in, out, done, rows, true, memory);
+}
+void density_2004_rows(const Gas* in, GasAnswer* out, bool* done, std::size_t rows, CEquation& memory) noexcept {
+  answer_rows(Edition::gerg_2004, in, out, done, rows, false, memory);
 }
 
 }  // namespace norvane::GERG2008

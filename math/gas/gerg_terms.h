@@ -12,7 +12,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "core/elementary.h"
+#include "core/elementary_lanes.h"
 #include "math/gas/gerg.h"
 
 namespace norvane::GERG2008 {
@@ -122,6 +122,33 @@ constexpr ExponentTable make_exponents() {
 inline constexpr ExponentTable exponents = make_exponents();
 static_assert(exponents.count == power_count);
 
+template <class Real, class List, std::size_t... k>
+[[gnu::always_inline]] inline void fill_powers(Real tau, bool departs, List& powers,
+                                               std::index_sequence<k...>) noexcept {
+  constexpr int lowest = -1, highest = 30;
+  Real whole[highest - lowest + 1];  // whole[m + 1] = tau^m
+  whole[0] = 1.0 / tau;
+  whole[1] = Real{} + 1.0;
+  whole[2] = tau;
+  for (std::size_t m = 2; m <= highest; ++m) whole[m + 1] = whole[m / 2 + 1] * whole[m - m / 2 + 1];
+
+  Real fraction[fraction_count];
+  fraction[0] = Real{} + 1.0;
+  fraction[4] = lanes::sqrt(tau);
+  fraction[2] = lanes::sqrt(fraction[4]);
+  fraction[1] = lanes::sqrt(fraction[2]);
+  fraction[3] = fraction[2] * fraction[1];
+  for (std::size_t f = 5; f < eighths; ++f) fraction[f] = fraction[4] * fraction[f - 4];
+  if (departs) {
+    const Real l = lanes::log(tau);
+    const lanes::Four<Real> twentieths = lanes::exp4(lanes::Four<Real>{{0.05 * l, 0.1 * l, 0.15 * l, 0.2 * l}});
+    for (std::size_t f = 0; f < 16; ++f) fraction[eighths + f] = fraction[f / 4 * 2] * twentieths.v[f % 4];
+  } else {
+    for (std::size_t f = eighths; f < fraction_count; ++f) fraction[f] = Real{};
+  }
+  ((powers[k] = whole[exponents.exponent[k].whole + 1] * fraction[exponents.exponent[k].fraction]), ...);
+}
+
 // The terms of each slot.
 struct SlotTerms {
   std::array<std::size_t, term_count> term{};
@@ -160,6 +187,49 @@ using AllSlots = std::make_index_sequence<slot_count>;
 
 // ---- Factors of the density --------------------------------------------------------------------------------------
 
+// The exponentials of all shapes, with q and r of their derivatives; delta_to(k) is delta^k. Real is a double or a vector
+// of doubles (core/lanes.h), whose lanes have the bits of the double.
+template <class Real, class Power>
+[[gnu::always_inline]] inline void set_exponentials(Real delta, bool fifth, const Power& delta_to,
+                                                    Real (&e)[shape_count], Real (&q)[shape_count],
+                                                    Real (&r)[shape_count]) noexcept {
+  const Real d2 = delta * delta, d3 = d2 * delta;
+  // With y = delta - 1/2, exp(-y^2/8) and exp(-delta/4) have all but three of the exponentials as powers.
+  constexpr double e_1_8 = 1.1331484530668263, e_1_4 = 1.2840254166877415, e_1_2 = 1.6487212707001282;
+  const Real y = delta - departure_centre;
+  const lanes::Four<Real> exponential =
+      lanes::exp4(lanes::Four<Real>{{-0.25 * delta, -0.125 * y * y, -d3, -d3 * d3}});
+  const Real root = exponential.v[0], b = exponential.v[1];
+  const Real root2 = root * root;
+  e[0] = Real{} + 1.0;
+  e[1] = root2 * root2;  // exp(-delta)
+  const Real b2 = b * b, b4 = b2 * b2, b8 = b4 * b4;
+  e[2] = b8 * (e[1] * e_1_4);  // exp(-delta^2)
+  e[3] = exponential.v[2];
+  e[4] = fifth ? lanes::exp(-d3 * d2) : Real{};
+  e[5] = exponential.v[3];
+  const Real a = root * e_1_8, a2 = a * a;  // exp(-y/4)
+  const Real c = e[1] * e_1_2, c2 = c * c;  // exp(-y)
+  e[6] = c2;                                // eta, beta = 0, 2
+  e[7] = c2 * c;                            // 0, 3
+  e[8] = b2 * (a2 * a);                     // 1/4, 3/4
+  e[9] = b2 * c;                            // 1/4, 1
+  e[10] = b2 * (c2 * a2);                   // 1/4, 5/2
+  e[11] = b4 * c2;                          // 1/2, 2
+  e[12] = b4 * b2 * (c * a2);               // 3/4, 3/2
+  e[13] = b4 * (b2 * b) * (c * a);          // 7/8, 5/4
+  e[14] = b8 * c;                           // 1, 1
+  for (std::size_t g = 0; g < first_departure_shape; ++g) {
+    const double k = shapes[g].c;
+    q[g] = shapes[g].c == 0 ? Real{} : k * delta_to(static_cast<std::size_t>(shapes[g].c));
+    r[g] = k * q[g];
+  }
+  for (std::size_t g = first_departure_shape; g < shape_count; ++g) {
+    q[g] = delta * (2.0 * shapes[g].eta * y + shapes[g].beta);
+    r[g] = q[g] + 2.0 * shapes[g].eta * d2;
+  }
+}
+
 // What the factors of a density are made of.
 struct Density {
   Two power[highest_d + 1];  // {delta^d, delta^(d+1)}
@@ -167,44 +237,13 @@ struct Density {
   double q[shape_count], r[shape_count];
 
   Density(double delta, bool fifth) noexcept {
-    const double d2 = delta * delta, d3 = d2 * delta;
+    const double d2 = delta * delta;
     power[1] = Two{delta, d2};
     power[2] = power[1] * delta;
     for (std::size_t d = 3; d <= highest_d; ++d) power[d] = power[d - 2] * d2;
 
-    // With y = delta - 1/2, exp(-y^2/8) and exp(-delta/4) have all but three of the exponentials as powers.
-    constexpr double e_1_8 = 1.1331484530668263, e_1_4 = 1.2840254166877415, e_1_2 = 1.6487212707001282;
-    const double y = delta - departure_centre;
-    const auto exponential = elementary::exp4({-0.25 * delta, -0.125 * y * y, -d3, -d3 * d3});
-    const double root = exponential[0], b = exponential[1];
-    const double root2 = root * root;
-    e[0] = 1.0;
-    e[1] = root2 * root2;  // exp(-delta)
-    const double b2 = b * b, b4 = b2 * b2, b8 = b4 * b4;
-    e[2] = b8 * (e[1] * e_1_4);  // exp(-delta^2)
-    e[3] = exponential[2];
-    e[4] = fifth ? elementary::exp(-d3 * d2) : 0.0;
-    e[5] = exponential[3];
-    const double a = root * e_1_8, a2 = a * a;  // exp(-y/4)
-    const double c = e[1] * e_1_2, c2 = c * c;  // exp(-y)
-    e[6] = c2;                                  // eta, beta = 0, 2
-    e[7] = c2 * c;                              // 0, 3
-    e[8] = b2 * (a2 * a);                       // 1/4, 3/4
-    e[9] = b2 * c;                              // 1/4, 1
-    e[10] = b2 * (c2 * a2);                     // 1/4, 5/2
-    e[11] = b4 * c2;                            // 1/2, 2
-    e[12] = b4 * b2 * (c * a2);                 // 3/4, 3/2
-    e[13] = b4 * (b2 * b) * (c * a);            // 7/8, 5/4
-    e[14] = b8 * c;                             // 1, 1
-    for (std::size_t g = 0; g < first_departure_shape; ++g) {
-      const int k = shapes[g].c;
-      q[g] = k == 0 ? 0.0 : k * power[k][0];
-      r[g] = k * q[g];
-    }
-    for (std::size_t g = first_departure_shape; g < shape_count; ++g) {
-      q[g] = delta * (2.0 * shapes[g].eta * y + shapes[g].beta);
-      r[g] = q[g] + 2.0 * shapes[g].eta * d2;
-    }
+    const auto delta_to = [this](std::size_t k) { return power[k][0]; };
+    set_exponentials(delta, fifth, delta_to, e, q, r);
   }
 };
 
@@ -242,6 +281,52 @@ using AllPairs = std::make_index_sequence<slot_count / 2>;
 inline Two load(const Slots& values, std::size_t pair) noexcept {
   return Two{values[2 * pair], values[2 * pair + 1]};
 }
+
+// ---- Constants of the properties --------------------------------------------------------------------------------
+
+inline constexpr double R_joule = 8.314472;     // [J/(mol K)]
+inline constexpr double R_ideal = 8.31451;      // that of the ideal-gas functions [J/(mol K)]
+inline constexpr double T_reference = 298.15;   // [K], of enthalpy and entropy
+inline constexpr double p_reference = 101.325;  // [kPa], of the entropy
+inline constexpr double ln2 = 0.69314718055994531;
+
+// Everything but the entropy.
+helmholtz::State state_of(double T, double rho, const helmholtz::Residual& r,
+                          const helmholtz::IdealGas& ideal) noexcept;
+
+// ---- Search for a density ----------------------------------------------------------------------------------------
+
+// Above this T/T_r no mixture has loops; the highest found among random ones is 1.03, with hydrogen.
+inline constexpr double loopless = 1.1;
+inline constexpr double settled = 1e-8;  // relative; a Newton step this short leaves an error of its square
+inline constexpr double highest_delta = 6.0;
+
+// exp(x) for the constants of the departure functions at density zero.
+constexpr double exp_series(double x) {
+  double term = 1.0, sum = 1.0;
+  for (int k = 1; k < 30; ++k) sum += term *= x / k;
+  return sum;
+}
+// z = 1 + b delta + c delta^2 + ...: what each slot adds to b and c.
+struct Virial {
+  Slots b{}, c{};
+};
+constexpr Virial make_virial() {
+  Virial weights;
+  for (std::size_t s = 0; s < slot_count; ++s) {
+    const Shape& shape = shapes[slots[s].shape];
+    const double e = shape.c >= 0 ? 1.0 : exp_series(0.5 * shape.beta - 0.25 * shape.eta);
+    const double slope = shape.c == 1 ? 1.0 : shape.c >= 0 ? 0.0 : shape.beta - shape.eta;  // w' at density zero
+    if (slots[s].d == 1) {
+      weights.b[s] = e;
+      weights.c[s] = -2.0 * slope * e;
+    } else if (slots[s].d == 2) {
+      weights.c[s] = 2.0 * e;
+    }
+  }
+  return weights;
+}
+inline constexpr Virial virial = make_virial();
 
 // ---- Constants of the pairs --------------------------------------------------------------------------------------
 
