@@ -252,6 +252,7 @@ void answer_run(Edition edition, const Gas* in, GasAnswer* out, bool* done, std:
   if (with_state) kernel().states(mixture, T, rho, states, count);
   for (std::size_t k = 0; k < count; ++k) {
     GasAnswer& answer = out[row[k]];
+    if (with_state) states[k].z = p[k] / (rho[k] * (R * T[k]));  // as CEquation::state
     done[row[k]] = describe(in[row[k]], rho[k], R * T[k], mixture.molar_mass, answer) &&
                    (!with_state || describe(states[k], answer));
   }

@@ -132,7 +132,7 @@ template <class Real, class List, std::size_t... k>
   whole[2] = tau;
   for (std::size_t m = 2; m <= highest; ++m) whole[m + 1] = whole[m / 2 + 1] * whole[m - m / 2 + 1];
 
-  Real fraction[fraction_count] = {};
+  Real fraction[fraction_count];
   fraction[0] = Real{} + 1.0;
   fraction[4] = lanes::sqrt(tau);
   fraction[2] = lanes::sqrt(fraction[4]);
@@ -143,6 +143,8 @@ template <class Real, class List, std::size_t... k>
     const Real l = lanes::log(tau);
     const lanes::Four<Real> twentieths = lanes::exp4(lanes::Four<Real>{{0.05 * l, 0.1 * l, 0.15 * l, 0.2 * l}});
     for (std::size_t f = 0; f < 16; ++f) fraction[eighths + f] = fraction[f / 4 * 2] * twentieths.v[f % 4];
+  } else {
+    for (std::size_t f = eighths; f < fraction_count; ++f) fraction[f] = Real{};
   }
   ((powers[k] = whole[exponents.exponent[k].whole + 1] * fraction[exponents.exponent[k].fraction]), ...);
 }
