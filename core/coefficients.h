@@ -2,7 +2,7 @@
 //
 //   inline constexpr CoefficientTable tables[] = {rows_behind("components", components, &Component::name),
 //                                              rows("pairs", pairs)};
-//   inline constinit const CoefficientSet coefficient_set{"AGA-8", tables};
+//   inline constinit const CoefficientSet coefficient_set{"AGA-8", "AGA Report No. 8 (1994), tables ...", tables};
 //
 // The record of a function names the sets that its numbers come from. Before the first calculation with a set, and
 // whenever the identity is asked for, the checksum of the bytes in memory is held against the one that the generator
@@ -18,8 +18,8 @@
 
 namespace norvane {
 
-// Rows of numbers one behind the other. The first `skipped` bytes of a row are a pointer to its name, which differs from
-// one load of the library to the next.
+// Rows of numbers one behind the other. The first `skipped` bytes of a row are a pointer to its name, which
+// differs from one load of the library to the next.
 struct CoefficientTable {
   std::string_view name;
   const void* data = nullptr;
@@ -49,10 +49,13 @@ constexpr CoefficientTable rows_behind(std::string_view name, const Row (&table)
 
 class CoefficientSet {
  public:
-  constexpr CoefficientSet(std::string_view standard, std::span<const CoefficientTable> tables) noexcept
-      : standard_(standard), tables_(tables) {}
+  constexpr CoefficientSet(std::string_view standard, std::string_view source,
+                           std::span<const CoefficientTable> tables) noexcept
+      : standard_(standard), source_(source), tables_(tables) {}
 
   std::string_view standard() const noexcept { return standard_; }
+  // Where the figures are printed.
+  std::string_view source() const noexcept { return source_; }
   std::span<const CoefficientTable> tables() const noexcept { return tables_; }
   // CRC-32 of the bytes as they are now.
   std::uint32_t checksum() const noexcept;
@@ -67,7 +70,7 @@ class CoefficientSet {
  private:
   enum class State : std::uint8_t { unknown, intact, changed };
 
-  std::string_view standard_;
+  std::string_view standard_, source_;
   std::span<const CoefficientTable> tables_;
   mutable std::atomic<State> state_{State::unknown};
 };

@@ -83,7 +83,8 @@ struct ReportOptions {
 ExitCode report(const ReportOptions& options, Output& out);
 
 struct DocOptions {
-  std::string folder;
+  std::string folder;        // of the reference
+  std::string traceability;  // file: what every function's numbers come from
 };
 ExitCode doc(const DocOptions& options, Output& out);
 

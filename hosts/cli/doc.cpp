@@ -6,9 +6,11 @@
 #include "hosts/cli/commands.h"
 #include "hosts/cli/composition_names.h"
 #include "hosts/cli/document.h"
+#include "hosts/cli/errors.h"
 #include "hosts/cli/input_file.h"
 #include "hosts/cli/json_text.h"
 #include "hosts/cli/record_text.h"
+#include "hosts/cli/traceability.h"
 #include "hosts/module/meaning.h"
 #include "units/unit_oddities.h"
 
@@ -73,7 +75,8 @@ std::string outputs_table(const Unit_CTypeAndUnitContainer& units, const Functio
     const Function_COutput& output = spec.outputs[i];
     const Description description = description_of(output);
     std::string unit = markdown_text(type_text(units, output.type));
-    if (output.unit_input >= 0) unit = "as " + code(to_utf8(spec.inputs[output.unit_input].key));
+    if (output.unit_input >= 0)
+      unit = "as " + code(to_utf8(spec.inputs[static_cast<std::size_t>(output.unit_input)].key));
     std::string fallback = variant_text(output.fallback);
     if (spec.has(FUNCTION_FALLBACK) && fallback.empty()) fallback = "0";
     if (!spec.has(FUNCTION_FALLBACK)) fallback.clear();
@@ -206,6 +209,13 @@ std::string index_page() {
 
 ExitCode doc(const DocOptions& options, Output& out) {
   const Unit_CTypeAndUnitContainer& units = Unit_CTypeAndUnitContainer::Instance();
+  if (options.folder.empty() && options.traceability.empty())
+    throw UsageError("say --out FOLDER, --traceability FILE or both");
+  if (!options.traceability.empty()) {
+    write_file(options.traceability, traceability_page());
+    out.write("written to " + options.traceability + "\n");
+  }
+  if (options.folder.empty()) return exit_good;
   make_folder(options.folder);
   for (const Function_CFunctionSpec* spec : catalogue::specifications())
     write_file(options.folder + "/" + to_utf8(spec->id) + ".md", page(units, *spec));

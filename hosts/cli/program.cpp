@@ -147,7 +147,11 @@ struct Program::Parts {
 
     sub = add("doc", "Write the reference of every function as Markdown", "Example: norvane doc --out docs/functions",
               doc, cli::doc);
-    sub->add_option("--out", doc.folder, "Folder, made when it is missing")->required()->type_name("FOLDER");
+    sub->add_option("--out", doc.folder, "Folder, made when it is missing")->type_name("FOLDER");
+    sub->add_option("--traceability", doc.traceability,
+                    "Page with the standard, the coefficient tables, the check values and the deviations of every "
+                    "function")
+        ->type_name("FILE");
   }
 
   void add_calls() {

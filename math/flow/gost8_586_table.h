@@ -118,6 +118,8 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows_behind("pipe_walls", pipe_walls, &PipeWall::wall),
     rows("roughness_bands", roughness_bands),
 };
-inline constinit const CoefficientSet coefficient_set{"GOST 8.586-2005", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "GOST 8.586-2005", "GOST 8.586.1-2005, tables G.1 and D.1; GOST 8.586.2-2005, limits of roughness",
+    coefficient_tables};
 
 }  // namespace norvane::GOST_8_586_2005

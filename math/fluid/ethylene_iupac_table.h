@@ -80,6 +80,9 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows("terms", terms),
     rows("theta", theta),
 };
-inline constinit const CoefficientSet coefficient_set{"IUPAC ethylene", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "IUPAC ethylene",
+    "M. Jahangiri, R. T Jacobsen, R. B. Stewart, R. D. McCarty, J. Phys. Chem. Ref. Data 15 (1986) 593-734",
+    coefficient_tables};
 
 }  // namespace norvane::Ethylene_IUPAC

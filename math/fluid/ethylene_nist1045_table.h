@@ -58,6 +58,8 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows("b", b),
     rows("g", g),
 };
-inline constinit const CoefficientSet coefficient_set{"Technical Note 1045, ethylene", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{"Technical Note 1045, ethylene",
+                                                      "R. D. McCarty, R. T Jacobsen, NBS Technical Note 1045 (1981)",
+                                                      coefficient_tables};
 
 }  // namespace norvane::Ethylene_NIST1045

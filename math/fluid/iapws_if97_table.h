@@ -253,6 +253,7 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows("region5_terms", region5_terms),
     rows("boundary23", boundary23),
 };
-inline constinit const CoefficientSet coefficient_set{"IAPWS-IF97", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "IAPWS-IF97", "IAPWS R7-97(2012), the five regions and the two boundary equations", coefficient_tables};
 
 }  // namespace norvane::IAPWS_IF97

@@ -97,6 +97,9 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows("terms", terms), rows("gaussians", gaussians),     rows("criticals", criticals),
     rows("ideal", ideal), rows("oscillators", oscillators), rows("vapour_pressure_terms", vapour_pressure_terms),
 };
-inline constinit const CoefficientSet coefficient_set{"Span and Wagner, carbon dioxide", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "Span and Wagner, carbon dioxide",
+    "R. Span, W. Wagner, J. Phys. Chem. Ref. Data 25 (1996) 1509-1596, tables 27 and 31 and the auxiliary equations",
+    coefficient_tables};
 
 }  // namespace norvane::NIST_CO2

@@ -73,6 +73,8 @@ Outcome calculate(const Arguments& in, Result& out) noexcept {
 constexpr CoefficientTable coefficient_tables[] = {
     rows("GV", GV),
 };
-constinit const CoefficientSet coefficient_set{"Ethylene viscosity", coefficient_tables};
+constinit const CoefficientSet coefficient_set{
+    "Ethylene viscosity", "P. M. Holland, B. E. Eaton, H. J. M. Hanley, J. Phys. Chem. Ref. Data 12 (1983) 917-932",
+    coefficient_tables};
 
 }  // namespace norvane::NIST_Ethylene_Visc

@@ -41,6 +41,8 @@ inline constexpr IdealGas ideal_gases[AGA8::component_count] = {
 inline constexpr CoefficientTable coefficient_tables[] = {
     rows_behind("ideal_gases", ideal_gases, &IdealGas::name),
 };
-inline constinit const CoefficientSet coefficient_set{"AGA-10", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "AGA-10", "AGA Report No. 10 (2003), constants of the ideal-gas heat capacity, enthalpy and entropy",
+    coefficient_tables};
 
 }  // namespace norvane::AGA10

@@ -53,6 +53,7 @@ Outcome calculate(const Gas& gas, Result& result) noexcept {
 constexpr CoefficientTable coefficient_tables[] = {
     rows("diluents", diluents),
 };
-constinit const CoefficientSet coefficient_set{"AGA-5", coefficient_tables};
+constinit const CoefficientSet coefficient_set{"AGA-5", "AGA Report No. 5, terms of the diluents",
+                                               coefficient_tables};
 
 }  // namespace norvane::AGA5

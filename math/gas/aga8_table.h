@@ -181,6 +181,10 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows("pairs", pairs),
     rows("terms", terms),
 };
-inline constinit const CoefficientSet coefficient_set{"AGA-8", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "AGA-8",
+    "AGA Report No. 8 (1994), tables of the detail characterisation equation; the same in "
+    "its Part 1 (2017) and in ISO 12213-2",
+    coefficient_tables};
 
 }  // namespace norvane::AGA8

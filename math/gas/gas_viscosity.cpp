@@ -132,6 +132,6 @@ Outcome calculate(const Arguments& in, Result& out, Cache& cache) noexcept {
 constexpr CoefficientTable coefficient_tables[] = {
     rows("components", components),
 };
-constinit const CoefficientSet coefficient_set{"ISO 20765-5", coefficient_tables};
+constinit const CoefficientSet coefficient_set{"ISO 20765-5", "ISO 20765-5, component constants", coefficient_tables};
 
 }  // namespace norvane::ISO20765_5

@@ -53,6 +53,8 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows("fluids", fluids),
     rows("pairs", pairs),
 };
-inline constinit const CoefficientSet coefficient_set{"GERG-2004", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "GERG-2004", "O. Kunz, R. Klimeck, W. Wagner, M. Jaeschke, GERG Technical Monograph 15 (2007)",
+    coefficient_tables};
 
 }  // namespace norvane::GERG2008::edition_2004

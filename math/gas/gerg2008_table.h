@@ -566,6 +566,10 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows("departures", departures),
     rows("ideal_gases", ideal_gases),
 };
-inline constinit const CoefficientSet coefficient_set{"GERG-2008", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "GERG-2008",
+    "O. Kunz, W. Wagner, J. Chem. Eng. Data 57 (2012) 3032, appendix; the same in "
+    "ISO 20765-2 and AGA Report No. 8 Part 2 (2017)",
+    coefficient_tables};
 
 }  // namespace norvane::GERG2008

@@ -164,6 +164,9 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows("customary_2016", customary_2016), rows("metric_2003", metric_2003),
     rows("metric_2016", metric_2016),
 };
-inline constinit const CoefficientSet coefficient_set{"GPA 2145", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "GPA 2145",
+    "GPA 2145 of 2000, 2003, 2009 and 2016 (which rows are derived or unconfirmed stands at the head of the table file)",
+    coefficient_tables};
 
 }  // namespace norvane::GPA2145

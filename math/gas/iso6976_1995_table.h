@@ -340,6 +340,8 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows("table4", table4),
     rows("table5", table5),
 };
-inline constinit const CoefficientSet coefficient_set{"ISO 6976:1995", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "ISO 6976:1995", "ISO 6976:1995, tables 1 to 5 (tables 4 and 5 recalculated from table 3, as rounded there)",
+    coefficient_tables};
 
 }  // namespace norvane::ISO6976::edition1995

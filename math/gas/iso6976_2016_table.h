@@ -224,6 +224,7 @@ inline constexpr CoefficientTable coefficient_tables[] = {
     rows("table2", table2),
     rows("table3", table3),
 };
-inline constinit const CoefficientSet coefficient_set{"ISO 6976:2016", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{"ISO 6976:2016", "ISO 6976:2016, tables 1 to 3",
+                                                      coefficient_tables};
 
 }  // namespace norvane::ISO6976::edition2016

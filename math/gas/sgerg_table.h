@@ -65,6 +65,8 @@ inline constexpr double CH_mass_per_H = 0.021062199;  // [kg/MJ]
 inline constexpr CoefficientTable coefficient_tables[] = {
     whole("coefficients", coefficients),
 };
-inline constinit const CoefficientSet coefficient_set{"SGERG-88", coefficient_tables};
+inline constinit const CoefficientSet coefficient_set{
+    "SGERG-88", "ISO 12213-3, after M. Jaeschke, A. E. Humphreys, GERG Technical Monograph TM5 (1991)",
+    coefficient_tables};
 
 }  // namespace norvane::SGERG

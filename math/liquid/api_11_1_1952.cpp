@@ -135,6 +135,7 @@ constexpr CoefficientTable coefficient_tables[] = {
     rows("table_edges", table_edges),
     rows("table_edges_15C", table_edges_15C),
 };
-constinit const CoefficientSet coefficient_set{"ASTM D1250-52", coefficient_tables};
+constinit const CoefficientSet coefficient_set{
+    "ASTM D1250-52", "table III of the ASTM-IP report on ASTM D1250-52 (IP 200/52)", coefficient_tables};
 
 }  // namespace norvane::API_11_1_1952

@@ -165,6 +165,7 @@ constexpr CoefficientTable coefficient_tables[] = {
     rows("groups_degF60", groups_degF60),
     rows("groups_degC15", groups_degC15),
 };
-constinit const CoefficientSet coefficient_set{"API 2540 (1980)", coefficient_tables};
+constinit const CoefficientSet coefficient_set{
+    "API 2540 (1980)", "API 2540 (1980), ASTM D1250-80: constants of the product groups", coefficient_tables};
 
 }  // namespace norvane::API_11_1_1980

@@ -380,6 +380,9 @@ constexpr CoefficientTable coefficient_tables[] = {
     rows("data", data),
     rows("scale_difference", scale_difference),
 };
-constinit const CoefficientSet coefficient_set{"API MPMS 11.1:2004", coefficient_tables};
+constinit const CoefficientSet coefficient_set{
+    "API MPMS 11.1:2004",
+    "API MPMS Chapter 11.1:2004, constants and limits of the commodity groups; coefficients of ITS-90 less IPTS-68",
+    coefficient_tables};
 
 }  // namespace norvane::API_11_1_2004

@@ -233,6 +233,7 @@ Outcome from_20C(const Observation& o, Correction& out) noexcept { return from_b
 constexpr CoefficientTable coefficient_tables[] = {
     rows("fluids", fluids),
 };
-constinit const CoefficientSet coefficient_set{"API MPMS 11.2.4", coefficient_tables};
+constinit const CoefficientSet coefficient_set{
+    "API MPMS 11.2.4", "API MPMS Chapter 11.2.4 (GPA TP-27), reference fluids", coefficient_tables};
 
 }  // namespace norvane::API_11_2_4

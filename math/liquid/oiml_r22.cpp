@@ -142,6 +142,6 @@ Outcome calculate(const Arguments& in, Result& out) noexcept {
 constexpr CoefficientTable coefficient_tables[] = {
     rows("a", a), rows("b", b), rows("c1", c1), rows("c2", c2), rows("c3", c3), rows("c4", c4), rows("c5", c5),
 };
-constinit const CoefficientSet coefficient_set{"OIML R 22", coefficient_tables};
+constinit const CoefficientSet coefficient_set{"OIML R 22", "OIML R 22 (1975), general formula", coefficient_tables};
 
 }  // namespace norvane::OIML_R22
