@@ -112,7 +112,6 @@ void give(const CallPlan& plan, const FunctionState& state, void* const* out) no
 }
 
 bool calculate(const Signature& signature, FunctionState& state) noexcept {
-  if (altered_tables(*signature.spec) != nullptr) return false;
   const record::Binding& binding = *signature.spec->binding;
   std::memcpy(state.results, binding.results.prototype, binding.results.size);
   const Outcome outcome = binding.calculate(state.arguments, state.results, state.memory);
@@ -123,7 +122,9 @@ bool calculate(const Signature& signature, FunctionState& state) noexcept {
 
 bool direct_call(const Signature& signature, const norvane_value* in, void* const* out) noexcept {
   const CallPlan& plan = signature.plan;
-  ThreadState* const thread = plan.complete ? thread_state() : nullptr;
+  // Before the memory of the last call: what altered tables gave is refused from the moment that it is known.
+  if (!plan.complete || altered_tables(*signature.spec) != nullptr) return false;
+  ThreadState* const thread = thread_state();
   if (thread == nullptr) return false;
   FunctionState* state = thread->known_state(signature.spec->position);
   if (state == nullptr || state->signature != &signature) state = thread->function_state(signature);
