@@ -91,16 +91,19 @@ consteval bool texts_are_sound() {
 }
 static_assert(texts_are_sound());
 
-// Keys of units and types are one name space, whatever their case; those of enumeration values repeat.
+// Keys of units and types are one name space, whatever their case; those of enumeration values repeat. Their hashes are
+// compared: every pair of keys, letter by letter, is more than a compiler is willing to work out.
 consteval bool keys_are_unique() {
-  std::array<std::u16string_view, std::size(rows)> keys{};
+  std::array<std::uint64_t, std::size(rows)> hashes{};
   std::size_t count = 0;
-  for (const Row& row : rows)
-    if (row.kind != CodeKind::enumeration_value) keys[count++] = row.key;
-  for (std::size_t i = 0; i < count; ++i)
-    for (std::size_t j = i + 1; j < count; ++j)
-      if (equal_ignoring_case(keys[i], keys[j])) return false;
-  return true;
+  for (const Row& row : rows) {
+    if (row.kind == CodeKind::enumeration_value) continue;
+    std::uint64_t hash = 14695981039346656037u;  // FNV-1a
+    for (const char16_t unit : row.key) hash = (hash ^ fold_ascii_upper(unit)) * 1099511628211u;
+    hashes[count++] = hash;
+  }
+  std::sort(hashes.begin(), hashes.begin() + count);
+  return std::adjacent_find(hashes.begin(), hashes.begin() + count) == hashes.begin() + count;
 }
 static_assert(keys_are_unique());
 

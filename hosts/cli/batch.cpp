@@ -33,7 +33,7 @@ class Run {
       : reader_(reader),
         out_(out),
         pipeline_(options.jobs == 0 ? std::max(1u, std::thread::hardware_concurrency()) : options.jobs,
-                  [this, &options, &columns, &reading, format] {
+                  [&options, &columns, &reading, format] {
                     const Function_CFunctionSpec& spec = find_function(options.id);
                     const auto calls = std::make_shared<RowCalls>(spec, columns, reading, format);
                     return [calls](RowBlock& block) {

@@ -71,7 +71,7 @@ std::string text_of(const Unit_CTypeAndUnitContainer& units, const Function_CFun
   for (const Function_COutput& output : spec.output_records()) {
     const Description description = description_of(output);
     std::string unit = type_text(units, output.type);
-    if (output.unit_input >= 0) unit = "as " + to_utf8(spec.inputs[output.unit_input].key);
+    if (output.unit_input >= 0) unit = "as " + to_utf8(spec.inputs[static_cast<std::size_t>(output.unit_input)].key);
     outputs.add({to_utf8(output.key), unit.empty() ? "-" : unit, sentence(output.display_name, description.text)});
     add_options(outputs, description, 3);
     if (!output.choices.empty()) continue;  // they stand in the description
