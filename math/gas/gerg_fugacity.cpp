@@ -40,7 +40,7 @@ struct TermValues {
     for_pairs(
         [&](auto pair) {
           const Factors factor = factors<pair>(density);
-          for (std::size_t k : {0, 1}) {
+          for (std::size_t k = 0; k < 2; ++k) {
             f[2 * pair + k] = factor.f[k];
             D[2 * pair + k] = factor.D[k];
           }

@@ -159,8 +159,9 @@ TEST(AGA10, CriticalFlowFactorIsTheGreatestFlux) {
       double rho = 0.0;
       ASSERT_TRUE(isotherm.density(p, rho));
       const MolarState start = state(mixture, *x, T, rho, Entropy::include);
-      const auto flux = [&](double share) {  // at this share of the stagnation density, molar, over sqrt(1/M)
-        double at = T;
+      // At this share of the stagnation density, molar, over sqrt(1/M).
+      const auto flux = [&, from = T](double share) {
+        double at = from;
         MolarState s = start;
         for (int i = 0; i < 40; ++i) {  // Newton on the entropy
           s = state(mixture, *x, at, rho * share, Entropy::include);

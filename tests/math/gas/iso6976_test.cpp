@@ -212,7 +212,7 @@ TEST(Iso6976, RangeOfApplication) {
 
   Of2016 heavy{};  // every fraction inside its limit, the gas far from ideal
   heavy[0] = 0.5;
-  for (std::size_t i : {14, 15, 16, 33, 34, 55, 56, 57, 58, 59}) heavy[i] = 0.05;
+  for (std::size_t i : std::initializer_list<std::size_t>{14, 15, 16, 33, 34, 55, 56, 57, 58, 59}) heavy[i] = 0.05;
   EXPECT_EQ(run2016(heavy, 2).range.first_outside, Range::compressibility);
 }
 
