@@ -3,8 +3,8 @@
 
 usage: scale.py [ROWS] [--write docs/scale.md]
 
-1,000,000 rows unless said otherwise; needs the package with its extras, Spark where pyspark is installed. --write puts
-the table into the page, between the lines that mark its place.
+1,000,000 rows unless said otherwise; needs the package with its extras; Spark where pyspark is installed, the command
+where it is built. --write puts the table into the page, between the lines that mark its place.
 
 Every way calculates the same rows: AGA8_M with a pressure, a temperature and a gas of 22 amounts of its own. Times are
 the best of three, of the calculation with its inputs in memory (Spark: cached) and its outputs delivered. The last two
@@ -12,7 +12,9 @@ columns count the processor time of all processes, which other work on the machi
 """
 import argparse
 import importlib.util
+import json
 import os
+import subprocess
 import sys
 import tempfile
 import time
@@ -21,12 +23,14 @@ from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
 import pyarrow as pa
+from pyarrow import csv
 
 import norvane
 from norvane import _arrays
 from norvane._library import records
 
 FUNCTION = "AGA8_M"
+COMMAND = os.path.join(os.path.dirname(__file__), "..", "build", "release", "norvane")
 os.environ.setdefault("PYSPARK_PYTHON", sys.executable)  # the workers need the package too
 
 
@@ -105,7 +109,17 @@ def in_duckdb(table, cores):
                                       "(select aga8_m(p, t, gas) as a from hours)").fetchall()
 
 
-def on_spark(table, cores, folder):
+def on_command(p, t, gas, cores, folder):
+    """The command over a file of text, from a number's digits to a number's digits."""
+    path = os.path.join(folder, "rows.csv")
+    if not os.path.exists(path):
+        names = [line["name"] for line in json.loads(subprocess.check_output([COMMAND, "components", "--json"]))]
+        csv.write_csv(pa.table({"pressure": p, "temperature": t} | dict(zip(names, gas.T))), path)
+    line = [COMMAND, "batch", FUNCTION, "--in", path, "--out", os.path.join(folder, "answers.csv"), "--jobs", str(cores)]
+    return lambda: subprocess.run(line, check=True, stderr=subprocess.DEVNULL)
+
+
+def on_spark(table, cores, folder, calculating):
     from pyspark.sql import SparkSession
     import norvane.spark
     import pyarrow.parquet as pq
@@ -121,12 +135,20 @@ def on_spark(table, cores, folder):
     session.sparkContext.setLogLevel("ERROR")
     frame = session.read.parquet(path).repartition(4 * cores).cache()
     frame.count()
-    answers = norvane.spark.apply(frame, FUNCTION, keep=[], outputs=["z", "mass density"], messages=False)
+    if calculating:
+        answers = norvane.spark.apply(frame, FUNCTION, keep=[], outputs=["z", "mass density"], messages=False)
+    else:  # the same columns to the workers and two of doubles back
+        answers = frame.mapInArrow(_moved, "z double, mass_density double")
 
     def run():
         answers.selectExpr("sum(z)", "sum(mass_density)").collect()
 
     return run, session
+
+
+def _moved(batches):
+    for rows in batches:
+        yield pa.RecordBatch.from_arrays([rows["pressure"], rows["temperature"]], names=["z", "mass_density"])
 
 
 def placed(page, table):
@@ -157,8 +179,11 @@ def main():
         "DuckDB": lambda n: (in_duckdb(table, n), None),
     }
     folder = tempfile.TemporaryDirectory()
+    if os.path.exists(COMMAND):
+        ways["`norvane batch`, CSV"] = lambda n: (on_command(p, t, gas, n, folder.name), None)
     if importlib.util.find_spec("pyspark") is not None:
-        ways["Spark"] = lambda n: on_spark(table, n, folder.name)
+        ways["Spark"] = lambda n: on_spark(table, n, folder.name, True)
+        ways["Spark, moving the rows only"] = lambda n: on_spark(table, n, folder.name, False)
     lines = []
 
     def say(line):

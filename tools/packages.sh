@@ -46,4 +46,5 @@ quietly() {
 
 native_packages=(cmake ninja-build g++ git libcli11-dev nlohmann-json3-dev)
 windows_packages=(g++-mingw-w64-x86-64-posix mingw-w64-tools llvm lld libwine libwine-dev)
+arm64_packages=(g++-aarch64-linux-gnu)
 office_packages=(libreoffice-calc python3-uno libreoffice-dev libreoffice-dev-common)

@@ -22,7 +22,8 @@ sys.path.insert(0, str(Path(__file__).resolve().parent))
 from check_cases import best_cases
 
 TOP = Path(__file__).resolve().parent.parent
-GUIDES = ["spreadsheet", "vba", "csharp", "native", "python", "cli", "automation", "scale", "accuracy"]
+FIRST = ["spreadsheet", "vba", "csharp", "native", "python", "cli", "automation", "scale", "accuracy"]
+GUIDES = FIRST + sorted(p.stem for p in (TOP / "docs").glob("*.md") if p.stem not in FIRST)
 
 STYLE = """
 :root { color-scheme: light dark; --ink: #15202b; --soft: #5b6773; --line: #d5dce3; --back: #fff; --tint: #f3f6f9; --link: #0b5394 }

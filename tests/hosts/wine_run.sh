@@ -2,10 +2,11 @@
 # Runs a Windows program under Wine without a display, in a prefix of its own.
 #   wine_run.sh PREFIX PROGRAM [ARGUMENT...]   makes the prefix when it is missing; returns the program's exit code
 #   wine_run.sh PREFIX --prepare               only makes the prefix
+#   wine_run.sh PREFIX --pipes PROGRAM...      with the streams as they are, for a program that takes no files for them
 #   wine_run.sh PREFIX --stop                  ends the prefix's server
 # Output goes through a file: Wine's background processes keep a pipe open and its reader waiting.
 set -u
-[ $# -ge 2 ] || { sed -n '2,5s/^# //p' "$0" >&2; exit 2; }
+[ $# -ge 2 ] || { sed -n '2,6s/^# //p' "$0" >&2; exit 2; }
 mkdir -p "$1" || exit 2
 prefix=$(cd "$1" && pwd)
 shift
@@ -47,6 +48,7 @@ if [ ! -f "$prefix/.prepared" ]; then
 fi
 flock -u 9
 [ "$1" = --prepare ] && exit 0
+[ "$1" = --pipes ] && { shift; exec "$wine" "$@" 9>&-; }
 
 output=$(mktemp "$prefix.out.XXXXXX")
 trap 'rm -f "$output"' EXIT

