@@ -1,9 +1,9 @@
 // GERG-2008: the whole call through the context, the bare algorithm and its parts, and a plain transcription of the
 // equation as the baseline of the ratios.
 #include <array>
-#include <cmath>
 
 #include "bench/bench_call.h"
+#include "bench/plain_gerg.h"
 #include "math/gas/gerg_kernel.h"
 
 namespace norvane::bench {
@@ -179,80 +179,27 @@ void gerg_pressure(benchmark::State& state) {
 }
 BENCHMARK(gerg_pressure);
 
-// The baseline: the same pressure and slope term by term with the C library's pow and exp; of a density only, all of
-// the temperature too, and the whole search as Newton's method in ln v from the ideal gas.
-struct Transcription {
-  Composition x;
-  double T_r, v_r, tau;
-
-  // z and (dp/drho)/(R T), with tau^t per term.
-  void at(double rho, double& z, double& slope) const {
-    const double delta = rho * v_r;
-    double d1 = 0.0, d2 = 0.0;
-    const auto term = [&](double n, int d, double t, double w, double q, double r) {
-      const double value = n * std::pow(delta, d) * std::pow(tau, t) * std::exp(-w), D = d - q;
-      d1 += value * D;
-      d2 += value * (D * D - D - r);
-    };
-    const auto form = [&](const auto& terms, const auto& members, const auto& n) {
-      for (std::size_t m = 0; m < std::size(members); ++m) {
-        if (x[members[m]] == 0.0) continue;
-        for (std::size_t k = 0; k < std::size(terms); ++k) {
-          const double w = terms[k].c == 0 ? 0.0 : std::pow(delta, terms[k].c);
-          term(x[members[m]] * n[m][k], terms[k].d, terms[k].t, w, terms[k].c * w, terms[k].c * terms[k].c * w);
-        }
-      }
-    };
-    form(light_form, light_members, light_n);
-    form(carbon_dioxide_form, carbon_dioxide_members, carbon_dioxide_n);
-    form(simple_form, simple_members, simple_n);
-    form(water_form, water_members, water_n);
-    form(hydrogen_form, hydrogen_members, hydrogen_n);
-    form(helium_form, helium_members, helium_n);
-    for (const Departure& pair : departures) {
-      const double weight = x[pair.i] * x[pair.j] * pair.F;
-      if (weight == 0.0) continue;
-      for (const DepartureTerm& row : departure_terms) {
-        if (row.function != pair.function) continue;
-        const double y = delta - departure_centre, q = delta * (2.0 * row.eta * y + row.beta);
-        term(weight * row.n, row.d, row.t, row.eta * y * y + row.beta * y, q, q + 2.0 * row.eta * delta * delta);
-      }
-    }
-    z = 1.0 + d1;
-    slope = 1.0 + 2.0 * d1 + d2;
-  }
-};
-
+// The baseline: the same term by term; the whole search as Newton's method in ln v from the ideal gas.
 void gerg_pressure_term_by_term(benchmark::State& state) {
-  const Parts parts(gas_of_21(0.0));
-  const Transcription plain{parts.mixture.x, parts.mixture.T_r, parts.mixture.v_r, parts.isotherm.tau};
+  PlainGerg plain;
+  plain.set_composition(fractions(gas_of_21(0.0)));
+  plain.set_temperature(300.0);
   double rho = 0.0;
   for (auto _ : state) {
     rho = rho < 10.0 ? rho + 0.1 : 0.1;
-    double z = 0.0, slope = 0.0;
-    plain.at(rho, z, slope);
-    benchmark::DoNotOptimize(z);
-    benchmark::DoNotOptimize(slope);
+    benchmark::DoNotOptimize(plain.residual(rho));
   }
 }
 BENCHMARK(gerg_pressure_term_by_term);
 
 void gerg_density_term_by_term(benchmark::State& state) {
-  const Parts parts(gas_of_21(0.0));
+  PlainGerg plain;
+  plain.set_composition(fractions(gas_of_21(0.0)));
   unsigned i = 0;
   for (auto _ : state) {
     ++i;
-    const double T = 278.15 + i % 41, p = 4.0 + i % 37 * 0.1, RT = R * T;
-    const Transcription plain{parts.mixture.x, parts.mixture.T_r, parts.mixture.v_r, parts.mixture.T_r / T};
-    double rho = p / RT;
-    for (int step = 0; step < 50; ++step) {
-      double z = 0.0, slope = 0.0;
-      plain.at(rho, z, slope);
-      const double change = std::log(p / (rho * RT * z)) * z / slope;
-      rho *= std::exp(change);
-      if (std::fabs(change) < 1e-7) break;
-    }
-    benchmark::DoNotOptimize(rho);
+    plain.set_temperature(278.15 + i % 41);
+    benchmark::DoNotOptimize(plain.density(4.0 + i % 37 * 0.1));
   }
 }
 BENCHMARK(gerg_density_term_by_term);

@@ -1,48 +1,15 @@
-// API MPMS 11.1:2004: algorithm and whole call. The baseline is the standard's procedure written down step by step,
-// everything evaluated anew in each step, with the C library's exp.
+// API MPMS 11.1:2004: algorithm and whole call, beside the standard's procedure written down step by step.
 #include <array>
-#include <cmath>
 #include <cstdint>
 
 #include "bench/bench_call.h"
+#include "bench/plain_liquid.h"
 #include "math/liquid/api_11_1_2004.h"
 
 namespace norvane::bench {
 namespace {
 
 using namespace API_11_1_2004;
-
-// Crude oil, 11.1.6.1 as printed.
-struct Plain {
-  double ctl, f, cpl, alpha60;
-};
-Plain plain_factors(double rho60, double t, double p) {
-  constexpr double k0 = 341.0957, k1 = 0.0, k2 = 0.0, delta60 = 0.01374979547;
-  constexpr double scale[] = {-0.148759, -0.267408, 1.080760, 1.269056, -4.089591, -1.871251, 7.438081, -3.536296};
-  const double tau = (t - 32) / 1.8 / 630;
-  double difference = 0;
-  for (int i = 7; i >= 0; --i) difference = (difference + scale[i]) * tau;
-  const double t68 = ((t - 32) / 1.8 - difference) * 1.8 + 32;
-  const double a = delta60 / 2 * ((k0 / rho60 + k1) / rho60 + k2);
-  const double b = (2 * k0 + k1 * rho60) / (k0 + (k1 + k2 * rho60) * rho60);
-  const double rho_star = rho60 * (1 + (std::exp(a * (1 + 0.8 * a)) - 1) / (1 + a * (1 + 1.6 * a) * b));
-  const double alpha60 = (k0 / rho_star + k1) / rho_star + k2;
-  const double dt = t68 - 60.0068749;
-  const double f = 1e-5 * std::exp(-1.9947 + 0.00013427 * t68 + (793920 + 2326 * t68) / (rho_star * rho_star));
-  return {std::exp(-alpha60 * dt * (1 + 0.8 * alpha60 * (dt + delta60))), f, 1 / (1 - f * p), alpha60};
-}
-double plain_base(double observed, double t, double p) {
-  double rho60 = observed;
-  for (int i = 0; i < 15; ++i) {
-    const Plain c = plain_factors(rho60, t, p);
-    if (std::fabs(observed - c.ctl * c.cpl * rho60) < 1e-6) break;
-    const double dt = t - 60;
-    rho60 +=
-        (observed / (c.ctl * c.cpl) - rho60) / (1 + (1 + 1.6 * c.alpha60 * dt) * (2.0 * c.alpha60 * dt) -
-                                                2e5 * p * c.cpl * c.f * (0.02326 * t + 7.9392) / (rho60 * rho60));
-  }
-  return rho60;
-}
 
 // States that differ from call to call: 64 densities and temperatures.
 struct State {

@@ -1,11 +1,10 @@
 // The liquid standards beside API MPMS 11.1:2004: algorithms with states that differ from call to call, and whole calls.
-// The baselines write the standards' steps down as they are printed, with the C library's exp and pow: substitution for
-// an observed density, halving of the bracket for the two-fluid method.
+// The baselines write the standards' steps down as they are printed.
 #include <array>
-#include <cmath>
 #include <cstddef>
 
 #include "bench/bench_call.h"
+#include "bench/plain_liquid.h"
 #include "math/liquid/api_11_1_1952.h"
 #include "math/liquid/api_11_1_1980.h"
 #include "math/liquid/api_11_2_1.h"
@@ -63,15 +62,7 @@ void PlainTable23_1980(benchmark::State& state) {
   for (auto _ : state) {
     const double observed = generalised.value_at(i % 64), dt = generalised.temperature_at(i % 64) - 60;
     ++i;
-    double rho = observed;
-    for (int round = 0; round < 100; ++round) {
-      const double x = 341.0957 / std::pow(rho, 2) * dt;
-      const double next = observed / std::exp(-x * (1 + 0.8 * x));
-      const bool met = std::fabs(next - rho) < 1e-10 * rho;
-      rho = next;
-      if (met) break;
-    }
-    benchmark::DoNotOptimize(rho);
+    benchmark::DoNotOptimize(plain_base_1980(observed, 341.0957, dt));
   }
 }
 BENCHMARK(PlainTable23_1980);
@@ -99,34 +90,6 @@ void Table54_1952(benchmark::State& state) {
 }
 BENCHMARK(Table54_1952);
 
-// Table 24E as printed; the fluids of propane to n-pentane.
-struct PlainFluid {
-  double g, tc, zc, rhoc, k1, k2, k3, k4;
-};
-constexpr PlainFluid plain_fluids[] = {
-    {0.470381, 352.46, 0.27930, 5.110, 2.2534198132, -0.266542138024, -0.372756711655, 0.384734185665},
-    {0.507025, 369.78, 0.27626, 5.000, 1.96568366933, -0.327662435541, -0.417979702538, 0.303271602831},
-    {0.562827, 407.85, 0.28326, 3.860, 2.0474803441, -0.289734363425, -0.330345036434, 0.291757103132},
-    {0.584127, 425.16, 0.27536, 3.920, 2.03734743118, -0.299059145695, -0.418883095671, 0.380367738748},
-    {0.624285, 460.44, 0.27026, 3.247, 2.06541640707, -0.23836620884, -0.161440492247, 0.258681568613},
-    {0.631054, 469.65, 0.27235, 3.200, 2.11263474494, -0.26126941356, -0.291923445075, 0.308344290017}};
-double plain_saturation(const PlainFluid& f, double tau) {
-  return f.rhoc * (1 + (f.k1 * std::pow(tau, 0.35) + f.k3 * std::pow(tau, 2) + f.k4 * std::pow(tau, 3)) /
-                           (1 + f.k2 * std::pow(tau, 0.65)));
-}
-double plain_ctl(double g, double t) {
-  std::size_t i = 1;
-  while (plain_fluids[i].g < g && i + 1 < std::size(plain_fluids)) ++i;
-  const PlainFluid &a = plain_fluids[i - 1], &b = plain_fluids[i];
-  const double delta = (g - a.g) / (b.g - a.g), tc = a.tc + delta * (b.tc - a.tc);
-  const double h2 = a.zc * a.rhoc / (b.zc * b.rhoc);
-  const auto x = [&](double kelvin) {
-    const double r1 = plain_saturation(a, 1 - kelvin / tc), r2 = plain_saturation(b, 1 - kelvin / tc);
-    return r1 / (1 + delta * (r1 / (h2 * r2) - 1));
-  };
-  return x((t + 459.67) / 1.8) / x(519.67 / 1.8);
-}
-
 constexpr States gas_liquids = {0.545, 0.05, 60, 50}, gas_liquids_metric = {545, 50, 15, 28};
 
 void PlainTable24E(benchmark::State& state) {
@@ -142,12 +105,7 @@ void PlainTable23E(benchmark::State& state) {
   for (auto _ : state) {
     const double observed = gas_liquids.value_at(i % 64), t = gas_liquids.temperature_at(i % 64);
     ++i;
-    double low = 0.471, high = 0.631;
-    while (high - low > 1e-10) {
-      const double middle = 0.5 * (low + high);
-      (middle * plain_ctl(middle, t) < observed ? low : high) = middle;
-    }
-    benchmark::DoNotOptimize(low);
+    benchmark::DoNotOptimize(plain_relative_density(observed, t));
   }
 }
 BENCHMARK(PlainTable23E);

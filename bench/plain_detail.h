@@ -80,6 +80,8 @@ class PlainDetail {
     for (std::size_t n = 0; n < AGA8::term_count; ++n) T_u_[n] = std::pow(T, -AGA8::terms[n].u);
   }
 
+  double molar_mass() const { return M_; }  // [kg/kmol]
+
   // [kmol/m3] at p [MPa], by Newton's method.
   double density(double p) const {
     double rho = p / (AGA8::R * T_);
