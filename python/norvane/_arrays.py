@@ -9,7 +9,7 @@ from typing import Any
 
 from . import _values
 from ._errors import Error, refused
-from ._library import NOT_RUN, POINTER_TO_DOUBLE, Column, Input, Record, last_message, library
+from ._library import NOT_RUN, POINTER_TO_DOUBLE, Column, Input, Record, bind_batch, last_message
 
 try:
     import numpy as np
@@ -100,10 +100,7 @@ class Batch:
 
     def __init__(self, record: Record):
         self.record = record
-        self.export = getattr(library, record.batch)
-        self.export.restype = ctypes.c_size_t
-        self.export.argtypes = [ctypes.c_size_t, ctypes.c_void_p, ctypes.c_size_t, ctypes.c_void_p, ctypes.c_size_t,
-                                ctypes.c_void_p]
+        self.export = bind_batch(record)
 
     def run(self, rows: int, prepared: list[Prepared], outputs: list, statuses, threads: int = 1) -> None:
         """Calculates every row. `outputs` holds an array of doubles for each output that is wanted, else None."""

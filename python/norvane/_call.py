@@ -10,7 +10,7 @@ from typing import Any
 
 from . import _values
 from ._errors import Error, meant, refused
-from ._library import NO_OUTPUT, NOT_RUN, Input, Record, bind, last_message, output_values
+from ._library import NO_OUTPUT, NOT_RUN, Column, Input, Record, bind, bind_batch, last_message, output_values
 from ._results import Result, field, result_class
 
 STEERING = ("errors", "threads")
@@ -107,9 +107,28 @@ class Single:
         message = last_message()
         if errors != "status":
             raise refused(record, status, message, given)
-        # What the function did not write is no number; outputs that stand with any status keep theirs.
-        empty = {o.name: math.nan if o.kind == "number" else None for o in record.outputs}
-        return self.result(empty, status, defaulted, None, message)
+        return self.result(self.written(values), status, defaulted, None, message)
+
+    def written(self, values: list) -> dict[str, Any]:
+        """The outputs behind a status other than 0. A batch tells what the function wrote from what it did not."""
+        record = self.record
+        columns = (Column * max(len(record.inputs), 1))()
+        given, alive = iter(values), []
+        for column, parameter in zip(columns, record.inputs):
+            numbers, cells = next(given), 1
+            if parameter.is_list:
+                cells = max(next(given), 1)
+            else:
+                number = numbers - (numbers >> 31 << 32) if parameter.kind == "option" else numbers
+                numbers = (ctypes.c_double * 1)(number)
+            alive.append(numbers)
+            column.values, column.cells, column.cell_step = ctypes.cast(numbers, ctypes.c_void_p), cells, 1
+        outputs = [ctypes.c_double(math.nan) for _ in record.outputs]
+        targets = (ctypes.c_void_p * max(len(outputs), 1))(*map(ctypes.addressof, outputs))
+        bind_batch(record)(1, columns, len(record.inputs), targets, len(outputs), ctypes.byref(ctypes.c_uint32()))
+        numbers = {o.name: v.value for o, v in zip(record.outputs, outputs)}
+        return {o.name: numbers[o.name] if o.kind == "number" else
+                None if math.isnan(numbers[o.name]) else field(o, int(numbers[o.name])) for o in record.outputs}
 
 
 def _docstring(record: Record) -> str:

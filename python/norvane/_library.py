@@ -187,5 +187,14 @@ def bind(record: Record):
     return export
 
 
+def bind_batch(record: Record):
+    """The export of a batch: rows, columns and their count, outputs and their count, statuses."""
+    export = getattr(library, record.batch)
+    export.argtypes = [ctypes.c_size_t, ctypes.c_void_p, ctypes.c_size_t, ctypes.c_void_p, ctypes.c_size_t,
+                       ctypes.c_void_p]
+    export.restype = ctypes.c_size_t
+    return export
+
+
 def output_values(record: Record) -> list:
     return [_C_TYPE[output.kind]() for output in record.outputs]
