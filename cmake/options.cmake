@@ -23,7 +23,8 @@ if(NORVANE_SANITIZE)
 endif()
 
 if(WIN32)
-  # The module must load on a machine that has nothing of the compiler's run time.
-  target_link_options(norvane_options INTERFACE -static -static-libgcc -static-libstdc++)
+  # The module must load on a machine that has nothing of the compiler's run time. Without the time of linking the same
+  # sources give the same bytes.
+  target_link_options(norvane_options INTERFACE -static -static-libgcc -static-libstdc++ -Wl,--no-insert-timestamp)
   target_compile_definitions(norvane_options INTERFACE UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601)
 endif()

@@ -63,9 +63,9 @@ def settle(folder):
 
 def refuse_paths(folder):
     """Nothing that leaves the house may tell where it was built."""
-    trace = str(TOP).encode()
+    traces = [str(TOP).encode(), re.sub(r"\W", "_", str(TOP)).encode()]  # as it is, and as tools make it a symbol
     for path in folder.rglob("*"):
-        if path.is_file() and not path.is_symlink() and trace in path.read_bytes():
+        if path.is_file() and not path.is_symlink() and any(trace in path.read_bytes() for trace in traces):
             sys.exit(f"package: {path.relative_to(folder)} holds the path of the building folder")
 
 
@@ -243,6 +243,16 @@ def spdx_package(path, identifier, relations):
 INCLUDED = {"CLI11": "BSD-3-Clause", "nlohmann-json": "MIT", "libstdc++": "GPL-3.0-or-later WITH GCC-exception-3.1"}
 
 
+def release_notes():
+    """What the changelog says of this version, numeric changes first as there, below the identity of what calculates."""
+    changes = (TOP / "CHANGELOG.md").read_text(encoding="utf-8")
+    found = re.search(rf"^## {re.escape(VERSION)}\b.*?\n(.*?)(?=^## |\Z)", changes, re.M | re.S)
+    if found is None:
+        sys.exit(f"CHANGELOG.md has no section {VERSION}")
+    identity = run(RELEASE / "norvane", "--version").strip()
+    return f"# Norvane {VERSION}\n\nThe calculation names itself in every host and report:\n\n```\n{identity}\n```\n\n{found[1].strip()}\n"
+
+
 def finish():
     """The list of contents (SPDX 2.3) and the checksums of everything in dist."""
     relations, packages, files = [], [], []
@@ -270,6 +280,7 @@ def finish():
                          "comment": f"commit {commit()}"},
         "packages": packages, "files": files, "relationships": relations}
     (DIST / f"norvane-{VERSION}.spdx.json").write_text(json.dumps(document, indent=1) + "\n")
+    (DIST / f"norvane-{VERSION}-notes.md").write_text(release_notes(), encoding="utf-8")
     sums = "".join(f"{hashlib.sha256(path.read_bytes()).hexdigest()}  {path.name}\n" for path in sorted(DIST.iterdir()))
     (DIST / "SHA256SUMS").write_text(sums)
     print(sums, end="")
