@@ -148,11 +148,11 @@ void add_hosts(Case& made, std::u16string_view id, const Columns& columns, std::
 // ---- The cases ---------------------------------------------------------------------------------------------------
 
 std::vector<Case> all_cases();
-// AGA8_M with a gas of 1, 5, 11 or 21 components: what the pages on hosts, rows and cores measure.
+// With a gas of 1, 5, 11 or 21 components, one for all states or one a state.
 Case aga8_case(std::size_t components, bool gas_a_row);
 Case aga10_case(std::size_t components, bool gas_a_row);
 Case gerg_case(std::size_t components, bool gas_a_row);
-// The inputs of aga8_case, to make batches of any size from.
+// The inputs of aga8_case.
 std::vector<Column> aga8_columns(std::size_t components, bool gas_a_row);
 
 }  // namespace norvane::bench
