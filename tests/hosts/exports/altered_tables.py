@@ -3,7 +3,8 @@
 
 usage: altered_tables.py LIBRARY
 
-Copies of the library get one bit of one coefficient turned over and are loaded.
+Copies of the library get one bit of one coefficient turned over and are loaded; then one that is loaded and has answered
+gets it in its memory.
 """
 import ctypes
 import os
@@ -94,6 +95,38 @@ with tempfile.TemporaryDirectory() as folder:
         for other, _, function, inputs, outputs in ALTERED:
             if other != standard:
                 check(f"{other} beside an altered {standard}", status(library, function, inputs, outputs) == 0)
+
+# In memory, behind a good answer: found when the identity is asked for, also by calls that remember that answer.
+page = ctypes.CDLL(None, use_errno=True)
+page.mprotect.argtypes = (ctypes.c_void_p, ctypes.c_size_t, ctypes.c_int)
+
+
+def turn(pattern):
+    """Turns one bit of the pattern over wherever it stands in what is mapped of the library."""
+    turned = 0
+    with open("/proc/self/maps", encoding="utf-8") as maps:
+        regions = [line.split() for line in maps if line.rstrip().endswith(os.path.realpath(sys.argv[1]))]
+    for words in regions:
+        first, last = (int(word, 16) for word in words[0].split("-"))
+        at = ctypes.string_at(first, last - first).find(pattern) if words[1].startswith("r") else -1
+        if at >= 0:
+            writable, before = 7 if "x" in words[1] else 3, (4 if "x" in words[1] else 0) + (3 if "w" in words[1] else 1)
+            check("memory can be written", page.mprotect(first, last - first, writable) == 0)
+            ctypes.c_ubyte.from_address(first + at + len(pattern) - 2).value ^= 1
+            check("memory is as before", page.mprotect(first, last - first, before) == 0)
+            turned += 1
+    return turned
+
+
+for standard, pattern, function, inputs, outputs in ALTERED:
+    check(f"{standard}: bytes in memory", turn(pattern) > 0)
+    check(f"{standard}: nobody has asked yet", status(sound, function, inputs, outputs) == 0)
+    check(f"{standard}: identity of the memory", b"DOES NOT MATCH" in sound.norvane_identity())
+    for call in (status, batch_status):
+        check(f"{standard}: status behind a good answer", call(sound, function, inputs, outputs) == 2)
+    turn(pattern[:-2] + bytes([pattern[-2] ^ 1]) + pattern[-1:])
+    check(f"{standard}: identity of what is put right", sound.norvane_identity().decode() == identity)
+    check(f"{standard}: status of what is put right", status(sound, function, inputs, outputs) == 0)
 
 print(identity)
 sys.exit(1 if failures else 0)
