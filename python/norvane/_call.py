@@ -41,7 +41,7 @@ def has_rows(parameter: Input, value: object) -> bool:
     dimensions = getattr(value, "ndim", None)
     if dimensions is not None:
         return dimensions > 1
-    return isinstance(value, (list, tuple)) and any(is_array(row) for row in value)
+    return isinstance(value, (list, tuple)) and any(type(row) is not float and is_array(row) for row in value)
 
 
 def unknown_input(record: Record, name: str) -> TypeError:

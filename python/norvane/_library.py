@@ -48,19 +48,15 @@ class Input:
         self.cells: int = record.get("cells", 1)
         self.may_be_left_out: bool = record.get("may_be_left_out", False)
         self.components: list[str] = [names[0] for names in record.get("cell_names", ())]
+        self.is_list = self.kind == "range"
+        self.required = self.default is None and not self.may_be_left_out
         self._places = {letters(n): i for i, names in enumerate(record.get("cell_names", ())) for n in names}
-
-    @property
-    def is_list(self) -> bool:
-        return self.kind == "range"
-
-    @property
-    def required(self) -> bool:
-        return self.default is None and not self.may_be_left_out
+        self._spelled = {n: i for i, names in enumerate(record.get("cell_names", ())) for n in names}
 
     def component(self, name: str) -> int | None:
         """The place of a component in the list, None for a name that is none."""
-        return self._places.get(letters(name))
+        place = self._spelled.get(name)  # as it is mostly written
+        return self._places.get(letters(name)) if place is None else place
 
     def option(self, value: object) -> int | None:
         """The number of an option given by its number or its label, None when it is neither."""

@@ -9,7 +9,7 @@ import warnings
 from collections.abc import Mapping
 
 from ._errors import Error, UnitWarning, meant
-from ._library import NOT_RUN, POINTER_TO_DOUBLE, Input, Record, library
+from ._library import NOT_RUN, Input, Record, library
 
 _QUANTITY = re.compile(r"\s*([-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?)(?![\d.,])\s*(.*?)\s*", re.DOTALL)
 FRACTION = "mol/mol"
@@ -68,6 +68,9 @@ def same_unit(unit: str, to: str) -> bool:
     return not convert_in_place(numbers_, 2, unit, to) and list(numbers_) == [0.0, 1.0]
 
 
+_EXACT = 2**53  # whole numbers up to here are doubles
+
+
 def target_unit(parameter: Input) -> str | None:
     """The unit in which the function wants this input, None when it has none."""
     return FRACTION if parameter.components else parameter.unit_key
@@ -77,6 +80,8 @@ def number(record: Record, parameter: Input, value: object) -> float:
     """One number in the input's unit."""
     if isinstance(value, float):
         return value
+    if type(value) is int and -_EXACT <= value <= _EXACT:
+        return float(value)
     if isinstance(value, tuple) and len(value) == 2 and isinstance(value[1], str):
         return _in_unit(record, parameter, value, number(record, parameter, value[0]), value[1])
     if isinstance(value, str):
@@ -164,4 +169,4 @@ def cells(record: Record, parameter: Input, value: object) -> list[float]:
 
 
 def double_array(amounts: list[float]):
-    return ctypes.cast((ctypes.c_double * len(amounts))(*amounts), POINTER_TO_DOUBLE)
+    return (ctypes.c_double * len(amounts))(*amounts)
