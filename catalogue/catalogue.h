@@ -21,8 +21,11 @@ struct Line {
 // All 118 lines, in the catalogue's order.
 std::span<const Line> lines() noexcept;
 
-// Registers the functions of one group in the catalogue's order. Specifications are static objects, made on
-// first use.
+// How many functions this build has.
+std::size_t count() noexcept;
+
+// Registers the functions of one group in the catalogue's order. Specifications are static objects, each made when it
+// is first asked for.
 void register_extended(Function_CLibrary& library);
 void register_math(Function_CLibrary& library);
 void register_gerg_math(Function_CLibrary& library);
@@ -30,6 +33,8 @@ void register_gerg_math(Function_CLibrary& library);
 // The specifications of all functions of this build, in the catalogue's order; specification i has position
 // i.
 std::span<const Function_CFunctionSpec* const> specifications();
+// Null when there is none at this position, or no memory for it.
+const Function_CFunctionSpec* specification(std::size_t position) noexcept;
 
 // By identifier without prefix ("AGA8_M"), any case; null when this build has no such function.
 const Function_CFunctionSpec* find(std::u16string_view id);

@@ -75,21 +75,6 @@ Function_CPlace place_of(const record::Field& field, const record::Binding* bind
   return {field.kind, field.count, static_cast<std::uint32_t>(offset), field.conversion};
 }
 
-// The numbers of an enumeration's members as bits; false when one of them is no whole number from 0 to 63.
-bool member_bits(std::uint32_t type, std::uint64_t& bits) {
-  const Unit_CTypeAndUnitContainer& units = Unit_CTypeAndUnitContainer::Instance();
-  std::vector<std::uint32_t> codes;
-  if (units.ListMembers(CodeKind::enumeration_value, type, codes) != UNIT_OK || codes.empty()) return false;
-  bits = 0;
-  for (std::uint32_t code : codes) {
-    const Unit_CEntry* entry = nullptr;
-    if (units.EnumerationValueDetails(code, entry) != UNIT_OK) return false;
-    if (!(entry->factor >= 0.0 && entry->factor <= 63.0) || entry->factor != std::trunc(entry->factor)) return false;
-    bits |= std::uint64_t{1} << static_cast<unsigned>(entry->factor);
-  }
-  return true;
-}
-
 // What a quantity of a fluid or a meter can be, in the quantity's base unit. Wide on purpose: what lies outside is no
 // unusual fluid but an argument that has run away, such as an exponent of 28012.
 struct Plausible {
@@ -117,19 +102,19 @@ void set_plausible(Function_COutput& output, const record::Output& from) {
     return;
   }
   if (kind_of_code(from.type) != CodeKind::unit) return;
-  const Unit_CEntry* unit = nullptr;
-  if (Unit_CTypeAndUnitContainer::Instance().UnitDetails(from.type, unit) != UNIT_OK) return;
+  double factor = 1.0, offset = 0.0;
+  if (!Unit_CTypeAndUnitContainer::ScaleOf(from.type, factor, offset)) return;
   for (const Plausible& bounds : plausible) {
     if (type_number(bounds.quantity) != type_number(from.type)) continue;
-    output.plausible_low = (bounds.low - unit->offset) / unit->factor;
-    output.plausible_high = (bounds.high - unit->offset) / unit->factor;
+    output.plausible_low = (bounds.low - offset) / factor;
+    output.plausible_high = (bounds.high - offset) / factor;
   }
 }
 
 void make_ready(Function_CInput& input) {
   input.enumerated = kind_of_code(input.type) == CodeKind::enumeration;
   input.checked = input.enumerated || input.has_minimum() || input.has_maximum();
-  if (input.enumerated) input.members_known = member_bits(input.type, input.members);
+  if (input.enumerated) input.members_known = Unit_CTypeAndUnitContainer::MemberBits(input.type, input.members);
   switch (input.default_value.tag()) {
     case Core_CVariant::DOUBLE: {
       double number = 0.0;
@@ -258,8 +243,27 @@ bool Function_CFunctionSpec::outputs_tell_failure() const noexcept {
 
 void Function_CLibrary::Register(const Function_CFunctionSpec& spec) { map_.Insert(spec.worksheet_name(), &spec); }
 
+// A filling that finds no memory leaves no half of a catalogue; who asks next tries again.
+const Function_CLibrary::Map& Function_CLibrary::Entries() const noexcept {
+  if (fill_ == nullptr) return map_;
+  try {
+    filled_.run([this] {
+      auto* self = const_cast<Function_CLibrary*>(this);  // one with a filling is no constant object
+      try {
+        fill_(*self);
+      } catch (...) {
+        self->map_.Clear();
+        throw;
+      }
+    });
+  } catch (...) {
+    // Empty, as far as this caller can tell.
+  }
+  return map_;
+}
+
 const Function_CFunctionSpec* Function_CLibrary::Find(std::u16string_view worksheet_name) const noexcept {
-  const Function_CFunctionSpec* const* found = map_.Find(worksheet_name);
+  const Function_CFunctionSpec* const* found = Entries().Find(worksheet_name);
   return found != nullptr ? *found : nullptr;
 }
 

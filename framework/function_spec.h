@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/once.h"
 #include "core/string_map.h"
 #include "core/variant.h"
 #include "framework/function_arg.h"
@@ -177,6 +178,8 @@ class Function_CFunctionSpec {
 class Function_CLibrary {
  public:
   Function_CLibrary() = default;
+  // A catalogue that is filled when somebody first looks for a function in it; not for a constant object.
+  explicit Function_CLibrary(void (*fill)(Function_CLibrary&)) : fill_(fill) {}
   virtual ~Function_CLibrary() = default;
   Function_CLibrary(const Function_CLibrary&) = delete;
   Function_CLibrary& operator=(const Function_CLibrary&) = delete;
@@ -188,10 +191,12 @@ class Function_CLibrary {
   const Function_CFunctionSpec* FindVisible(std::u16string_view worksheet_name) const noexcept;
   // Entries in the order of registration.
   using Map = Core_CCIStringMap<const Function_CFunctionSpec*>;
-  const Map& Entries() const noexcept { return map_; }
+  const Map& Entries() const noexcept;
 
  private:
   Map map_;
+  void (*fill_)(Function_CLibrary&) = nullptr;
+  mutable Once filled_;
 };
 
 // With FUNCTION_FALLBACK writes the fallback outputs, then sets every status output to the number of the

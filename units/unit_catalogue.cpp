@@ -4,6 +4,7 @@
 #include <array>
 #include <deque>
 #include <iterator>
+#include <new>
 
 #include "core/text.h"
 
@@ -212,6 +213,7 @@ struct Unit_CTypeAndUnitContainer::Tables {
     const std::uint32_t position = codes.Find(code);
     return position != CodeIndex::none ? &entries[position] : nullptr;
   }
+  const Unit_CEntry* Find(std::uint32_t code) const noexcept { return const_cast<Tables*>(this)->Find(code); }
   const System* FindSystem(std::uint32_t code) const noexcept {
     for (const System& system : systems)
       if (system.entry.code == code) return &system;
@@ -219,7 +221,11 @@ struct Unit_CTypeAndUnitContainer::Tables {
   }
 };
 
-Unit_CTypeAndUnitContainer::Unit_CTypeAndUnitContainer() : tables_(std::make_unique<Tables>()) {
+Unit_CTypeAndUnitContainer::Unit_CTypeAndUnitContainer() { Build(); }
+Unit_CTypeAndUnitContainer::Unit_CTypeAndUnitContainer(WhenAsked) noexcept : when_asked_(true) {}
+
+void Unit_CTypeAndUnitContainer::Build() {
+  tables_ = std::make_unique<Tables>();
   const auto note = [this](std::uint32_t result) {
     if (result != UNIT_OK) build_result_ = result;
   };
@@ -233,11 +239,59 @@ Unit_CTypeAndUnitContainer::Unit_CTypeAndUnitContainer() : tables_(std::make_uni
 Unit_CTypeAndUnitContainer::~Unit_CTypeAndUnitContainer() = default;
 
 const Unit_CTypeAndUnitContainer& Unit_CTypeAndUnitContainer::Instance() {
-  static const Unit_CTypeAndUnitContainer catalogue;
+  static Unit_CTypeAndUnitContainer catalogue{WhenAsked{}};
   return catalogue;
 }
 
-const Unit_CEntry* Unit_CTypeAndUnitContainer::Find(std::uint32_t code) const noexcept { return tables_->Find(code); }
+// Null when there is no memory; who asks next tries again.
+const Unit_CTypeAndUnitContainer::Tables* Unit_CTypeAndUnitContainer::tables() const noexcept {
+  if (!when_asked_) return tables_.get();
+  try {
+    asked_.run([this] {
+      auto* self = const_cast<Unit_CTypeAndUnitContainer*>(this);  // Instance() is no constant object
+      try {
+        self->Build();
+      } catch (...) {
+        self->tables_.reset();
+        throw;
+      }
+    });
+  } catch (...) {
+    return nullptr;
+  }
+  return tables_.get();
+}
+
+std::uint32_t Unit_CTypeAndUnitContainer::BuildResult() const noexcept {
+  return tables() != nullptr ? build_result_ : UNIT_UNKNOWN_CODE;
+}
+
+bool Unit_CTypeAndUnitContainer::ScaleOf(std::uint32_t unit, double& factor, double& offset) noexcept {
+  for (const Row& row : rows) {
+    if (row.kind != CodeKind::unit || row.code() != unit) continue;
+    factor = row.factor;
+    offset = row.offset;
+    return true;
+  }
+  return false;
+}
+
+bool Unit_CTypeAndUnitContainer::MemberBits(std::uint32_t type, std::uint64_t& bits) noexcept {
+  bits = 0;
+  for (const Row& row : rows) {
+    if (row.kind != CodeKind::enumeration_value || make_code(CodeKind::enumeration, row.type) != type) continue;
+    const bool small = row.factor >= 0.0 && row.factor <= 63.0;
+    const auto number = static_cast<unsigned>(small ? row.factor : 0.0);
+    if (!small || row.factor != number) return false;
+    bits |= std::uint64_t{1} << number;
+  }
+  return bits != 0;
+}
+
+const Unit_CEntry* Unit_CTypeAndUnitContainer::Find(std::uint32_t code) const noexcept {
+  const Tables* known = tables();
+  return known != nullptr ? known->Find(code) : nullptr;
+}
 
 std::uint32_t Unit_CTypeAndUnitContainer::TextOfCode(std::uint32_t code, std::u16string_view& text) const noexcept {
   if (is_kind(code, CodeKind::data_type)) {
@@ -290,7 +344,8 @@ std::uint32_t Unit_CTypeAndUnitContainer::EnumerationValueByNumber(std::uint32_t
 bool Unit_CTypeAndUnitContainer::CodeOfText(std::u16string_view text, std::uint32_t& code) const noexcept {
   code = 0;
   if (text.empty()) return true;
-  if (const std::uint32_t* found = tables_->keys.Find(text)) {
+  const Tables* known = tables();
+  if (const std::uint32_t* found = known != nullptr ? known->keys.Find(text) : nullptr) {
     code = *found;
     return true;
   }
@@ -310,7 +365,9 @@ std::uint32_t Unit_CTypeAndUnitContainer::ListMembers(CodeKind kind, std::uint32
                                                       std::vector<std::uint32_t>& codes) const {
   codes.clear();
   if (type == 0) {
-    for (const Unit_CEntry& entry : tables_->entries)
+    const Tables* known = tables();
+    if (known == nullptr) throw std::bad_alloc();
+    for (const Unit_CEntry& entry : known->entries)
       if (is_kind(entry.code, kind)) codes.push_back(entry.code);
     return UNIT_OK;
   }
@@ -346,21 +403,25 @@ std::uint32_t Unit_CTypeAndUnitContainer::Convert(std::uint32_t from, std::uint3
 
 std::uint32_t Unit_CTypeAndUnitContainer::SystemDetails(std::uint32_t system,
                                                         const Unit_CEntry*& entry) const noexcept {
-  const System* found = tables_->FindSystem(system);
+  const Tables* known = tables();
+  const System* found = known != nullptr ? known->FindSystem(system) : nullptr;
   if (found == nullptr) return UNIT_UNKNOWN_CODE;
   entry = &found->entry;
   return UNIT_OK;
 }
 
 std::uint32_t Unit_CTypeAndUnitContainer::UnitInSystem(std::uint32_t system, std::uint32_t code) const noexcept {
-  const System* found = tables_->FindSystem(system);
+  const Tables* known = tables();
+  const System* found = known != nullptr ? known->FindSystem(system) : nullptr;
   if (found == nullptr) return code;
   const std::uint32_t mapped = found->map.Find(code);
   return mapped != CodeIndex::none ? mapped : code;
 }
 
 std::span<const Unit_CRateRelation> Unit_CTypeAndUnitContainer::RateRelations() const noexcept {
-  return tables_->rates;
+  const Tables* known = tables();
+  if (known == nullptr) return {};
+  return known->rates;
 }
 
 std::uint32_t Unit_CTypeAndUnitContainer::Add(CodeKind kind, std::uint32_t type, std::uint32_t member,
@@ -371,12 +432,12 @@ std::uint32_t Unit_CTypeAndUnitContainer::Add(CodeKind kind, std::uint32_t type,
   Unit_CEntry* owner = nullptr;
   if (is_type(kind)) {
     code = make_code(kind, type);
-    if (Find(code) != nullptr) return UNIT_ALREADY_EXISTS;
+    if (tables_->Find(code) != nullptr) return UNIT_ALREADY_EXISTS;
   } else if (kind == CodeKind::unit || kind == CodeKind::enumeration_value) {
     code = make_code(kind, type, member);
     owner = tables_->Find(make_code(kind == CodeKind::unit ? CodeKind::quantity : CodeKind::enumeration, type));
     if (owner == nullptr) return UNIT_UNKNOWN_CODE;
-    if (Find(code) != nullptr) return UNIT_MEMBER_EXISTS;
+    if (tables_->Find(code) != nullptr) return UNIT_MEMBER_EXISTS;
   } else {
     return UNIT_BAD_ARGUMENT;
   }

@@ -1,7 +1,9 @@
 // The catalogue of quantity types, units, enumeration types and unit systems.
 //
-// Built once from constant tables, read-only afterwards and free of locks. Operations answer with the result
-// numbers of UnitResult and never throw. Texts are static and outlive the catalogue.
+// Built once from constant tables (that of the process when it is first asked: a call of a calculation asks it nothing),
+// read-only afterwards and free of locks. Operations answer with the result numbers of UnitResult. Where the catalogue of
+// the process finds no memory for its tables it knows no code until it is asked again; only what hands out lists throws.
+// Texts are static and outlive it.
 #pragma once
 
 #include <cstddef>
@@ -11,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/once.h"
 #include "core/string_map.h"
 #include "units/unit_codes.h"
 
@@ -58,7 +61,13 @@ class Unit_CTypeAndUnitContainer {
   static const Unit_CTypeAndUnitContainer& Instance();
 
   // Last non-zero result met while the tables were entered; 0 when every row was good.
-  std::uint32_t BuildResult() const noexcept { return build_result_; }
+  std::uint32_t BuildResult() const noexcept;
+
+  // Answered from the constant tables, without a catalogue. False for what they do not hold.
+  // Factor and offset of a unit: base = value * factor + offset.
+  static bool ScaleOf(std::uint32_t unit, double& factor, double& offset) noexcept;
+  // The numbers of an enumeration's members as bits; false also when one of them is no whole number from 0 to 63.
+  static bool MemberBits(std::uint32_t type, std::uint64_t& bits) noexcept;
 
   // Data type name, unit symbol, display text of an enumeration value or of a type.
   std::uint32_t TextOfCode(std::uint32_t code, std::u16string_view& text) const noexcept;
@@ -102,6 +111,13 @@ class Unit_CTypeAndUnitContainer {
   std::uint32_t Details(std::uint32_t code, const Unit_CEntry*& entry) const noexcept;
 
   struct Tables;
+  struct WhenAsked {};
+  explicit Unit_CTypeAndUnitContainer(WhenAsked) noexcept;
+  void Build();
+  const Tables* tables() const noexcept;
+
+  bool when_asked_ = false;
+  mutable Once asked_;
   std::unique_ptr<Tables> tables_;
   std::uint32_t build_result_ = 0;
 };

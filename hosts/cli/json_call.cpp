@@ -385,7 +385,7 @@ bool parse(JsonCalls::Reader& reader, std::string_view text, const Begin& begin)
 }  // namespace
 
 JsonCalls::JsonCalls(Reading reading)
-    : reading_(std::move(reading)), reader_(std::make_unique<Reader>()), plans_(catalogue::specifications().size()) {}
+    : reading_(std::move(reading)), reader_(std::make_unique<Reader>()), plans_(catalogue::count()) {}
 JsonCalls::~JsonCalls() = default;
 
 const Function_CFunctionSpec& JsonCalls::function(const std::string& id) {

@@ -28,7 +28,7 @@ const host::Module& catalogues() {
 host::ThreadState Session::new_state(const host::Module& module, host::RecordingContext*& context) {
   auto made = std::make_unique<host::RecordingContext>(module);
   context = made.get();
-  return {std::move(made), catalogue::specifications().size()};
+  return {std::move(made), catalogue::count()};
 }
 
 Session::Session() : module_(catalogues()), state_(new_state(module_, context_)) {}

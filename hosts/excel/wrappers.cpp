@@ -12,9 +12,9 @@ Record* run(Dialect dialect, std::size_t position, Record* const* args, std::siz
   const host::FloatingPointGuard guard;
   // A host may recalculate cells of this thread while a call asks it for others.
   host::HeldContext held(nullptr);
-  const auto specs = catalogue::specifications();
-  if (!held || position >= specs.size()) return nullptr;
-  const Function_CFunctionSpec& spec = *specs[position];
+  const Function_CFunctionSpec* known = catalogue::specification(position);
+  if (!held || known == nullptr) return nullptr;
+  const Function_CFunctionSpec& spec = *known;
   // Every context of this image comes from make_context.
   auto& context = static_cast<XLL_CFunctionContext&>(held.context());
   Record* result = context.arena().AllocateArray<Record>(1);

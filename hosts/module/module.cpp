@@ -4,6 +4,7 @@
 #include <mutex>
 #include <new>
 
+#include "core/once.h"
 #include "hosts/module/function_state.h"
 #include "hosts/module/recording_context.h"
 
@@ -80,16 +81,13 @@ void destroy(Registered* entry) noexcept {
 void thread_value_ended(void* value) noexcept { destroy(static_cast<Registered*>(value)); }
 #endif
 
-std::unique_ptr<Module> make_module() noexcept {
-  try {
-    auto made = std::unique_ptr<Module>(new Module{{}, Unit_CTypeAndUnitContainer::Instance()});
-    catalogue::register_extended(made->library);
-    catalogue::register_math(made->library);
-    catalogue::register_gerg_math(made->library);
-    return made;
-  } catch (...) {
-    return nullptr;
-  }
+Once module_made;
+std::unique_ptr<const Module> the_module;
+
+void fill(Function_CLibrary& library) {
+  catalogue::register_extended(library);
+  catalogue::register_math(library);
+  catalogue::register_gerg_math(library);
 }
 
 std::unique_ptr<Function_CContext> make_plain_context(const Module& shared) {
@@ -102,7 +100,7 @@ ThreadState* make_thread_state() noexcept {
   try {
     const ContextFactory factory = registry().factory.load(std::memory_order_acquire);
     auto context = factory != nullptr ? factory(*shared) : make_plain_context(*shared);
-    auto entry = std::make_unique<Registered>(std::move(context), catalogue::specifications().size());
+    auto entry = std::make_unique<Registered>(std::move(context), catalogue::count());
     if (!set_value(registry().key, entry.get())) return nullptr;
     const std::lock_guard lock(registry().mutex);
     entry->next = registry().first;
@@ -161,8 +159,14 @@ HeldContext::HeldContext(const Function_CCallerInfo* caller) noexcept : state_(t
 }
 
 const Module* module() noexcept {
-  static const std::unique_ptr<Module> instance = make_module();
-  return instance.get();
+  try {
+    module_made.run([] {
+      the_module.reset(new Module{Function_CLibrary(fill), Unit_CTypeAndUnitContainer::Instance()});
+    });
+    return the_module.get();
+  } catch (...) {
+    return nullptr;
+  }
 }
 
 void set_context_factory(ContextFactory factory) noexcept {

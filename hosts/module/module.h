@@ -11,8 +11,8 @@
 
 namespace norvane::host {
 
-// The catalogues of the process, built on first use (a host that is loaded as a library asks for them while
-// it is loaded) and read-only afterwards. Never throws; null when building them failed for want of memory.
+// The catalogues of the process, made on first use and read-only afterwards; what they hold is built when it is asked
+// for, so that a first call pays for its own function. Never throws; null when there is no memory for them.
 struct Module {
   Function_CLibrary library;
   const Unit_CTypeAndUnitContainer& units;

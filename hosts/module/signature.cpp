@@ -1,7 +1,10 @@
 #include "hosts/module/signature.h"
 
+#include <array>
+#include <atomic>
 #include <iterator>
 #include <memory>
+#include <mutex>
 
 #include "catalogue/catalogue.h"
 #include "core/text.h"
@@ -57,31 +60,33 @@ Passing passing_of_record(const Record& record) noexcept {
   }
 }
 
+// Each made when it is first asked for.
 struct Signatures {
-  std::vector<std::unique_ptr<const Signature>> by_id{std::size(order)};
-  std::vector<const Signature*> by_position;  // in the catalogue
-
-  Signatures() : by_position(catalogue::specifications().size()) {
-    for (std::size_t i = 0; i < std::size(order); ++i) {
-      const Function_CFunctionSpec* spec = catalogue::find(order[i]);
-      if (spec == nullptr) continue;
-      auto made = std::make_unique<Signature>(make_signature(*spec));
-      made->id = static_cast<std::uint32_t>(i + 1);
-      by_position[spec->position] = made.get();
-      by_id[i] = std::move(made);
-    }
-  }
+  std::mutex mutex;
+  std::array<std::unique_ptr<const Signature>, std::size(order)> owned;
+  std::array<std::atomic<const Signature*>, std::size(order)> made{};
 };
 
-const Signatures* all() noexcept {
-  static const std::unique_ptr<const Signatures> instance = []() noexcept -> std::unique_ptr<const Signatures> {
-    try {
-      return std::make_unique<const Signatures>();
-    } catch (...) {
-      return nullptr;
+Signatures& all() noexcept {
+  static Signatures signatures;
+  return signatures;
+}
+
+const Signature* make(Signatures& known, std::size_t place) noexcept {
+  try {
+    const std::lock_guard lock(known.mutex);
+    if (known.owned[place] == nullptr) {
+      const Function_CFunctionSpec* spec = catalogue::find(order[place]);
+      if (spec == nullptr) return nullptr;
+      auto signature = std::make_unique<Signature>(make_signature(*spec));
+      signature->id = static_cast<std::uint32_t>(place + 1);
+      known.owned[place] = std::move(signature);
+      known.made[place].store(known.owned[place].get(), std::memory_order_release);
     }
-  }();
-  return instance.get();
+    return known.owned[place].get();
+  } catch (...) {
+    return nullptr;
+  }
 }
 
 }  // namespace
@@ -117,16 +122,16 @@ Signature make_signature(const Function_CFunctionSpec& spec) {
 }
 
 const Signature* find_signature(std::uint32_t id) noexcept {
-  const Signatures* signatures = all();
-  if (signatures == nullptr || id < 1 || id > std::size(order)) return nullptr;
-  return signatures->by_id[id - 1].get();
+  if (id < 1 || id > std::size(order)) return nullptr;
+  Signatures& known = all();
+  const Signature* signature = known.made[id - 1].load(std::memory_order_acquire);
+  return signature != nullptr ? signature : make(known, id - 1);
 }
 
 const Signature* find_signature(std::u16string_view id) noexcept {
-  const Signatures* signatures = all();
-  if (signatures == nullptr) return nullptr;
-  const Function_CFunctionSpec* spec = catalogue::find(id);
-  return spec != nullptr ? signatures->by_position[spec->position] : nullptr;
+  for (std::size_t place = 0; place < std::size(order); ++place)
+    if (equal_ignoring_case(order[place], id)) return find_signature(static_cast<std::uint32_t>(place + 1));
+  return nullptr;
 }
 
 }  // namespace norvane::host
