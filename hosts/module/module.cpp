@@ -59,6 +59,7 @@ struct Registry {
   Key key{};
   std::atomic<bool> attached{false};
   std::atomic<ContextFactory> factory{nullptr};
+  std::atomic<bool> short_of_memory{false};  // a thread could have no state; told to the next one that has one
 };
 
 Registry& registry() noexcept {
@@ -97,19 +98,21 @@ std::unique_ptr<Function_CContext> make_plain_context(const Module& shared) {
 }
 
 ThreadState* make_thread_state() noexcept {
-  const Module* shared = module();
-  if (shared == nullptr) return nullptr;
   try {
+    const Module* shared = module();
+    if (shared == nullptr) throw std::bad_alloc();
     const ContextFactory factory = registry().factory.load(std::memory_order_acquire);
     auto context = factory != nullptr ? factory(*shared) : make_plain_context(*shared);
     auto entry = std::make_unique<Registered>(std::move(context), catalogue::specifications().size());
-    if (!set_value(registry().key, entry.get())) return nullptr;
+    if (!set_value(registry().key, entry.get())) throw std::bad_alloc();
+    if (registry().short_of_memory.exchange(false)) entry->state.last_call.end = LastCall::End::no_context;
     const std::lock_guard lock(registry().mutex);
     entry->next = registry().first;
     if (entry->next != nullptr) entry->next->previous = entry.get();
     registry().first = entry.get();
     return &entry.release()->state;
   } catch (...) {
+    registry().short_of_memory = true;
     return nullptr;
   }
 }
@@ -161,8 +164,17 @@ HeldContext::HeldContext(const Function_CCallerInfo* caller) noexcept : state_(t
 }
 
 const Module* module() noexcept {
-  static const std::unique_ptr<Module> instance = make_module();
-  return instance.get();
+  try {
+    // Where there was no memory for it, the next caller tries again.
+    static const std::unique_ptr<Module> instance = [] {
+      auto made = make_module();
+      if (made == nullptr) throw std::bad_alloc();
+      return made;
+    }();
+    return instance.get();
+  } catch (...) {
+    return nullptr;
+  }
 }
 
 void set_context_factory(ContextFactory factory) noexcept {

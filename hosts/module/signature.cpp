@@ -74,14 +74,12 @@ struct Signatures {
 };
 
 const Signatures* all() noexcept {
-  static const std::unique_ptr<const Signatures> instance = []() noexcept -> std::unique_ptr<const Signatures> {
-    try {
-      return std::make_unique<const Signatures>();
-    } catch (...) {
-      return nullptr;
-    }
-  }();
-  return instance.get();
+  try {
+    static const Signatures instance;  // where there was no memory for it, the next caller tries again
+    return &instance;
+  } catch (...) {
+    return nullptr;
+  }
 }
 
 }  // namespace
