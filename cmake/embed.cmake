@@ -4,12 +4,14 @@ set(entries "")
 foreach(path IN LISTS FILES)
   get_filename_component(name ${path} NAME)
   file(READ ${path} content)
-  string(APPEND entries "    {\"${name}\", R\"----(${content})----\"},\n")
+  string(APPEND entries "    {\"${name}\", R\"----(${content})----\"sv},\n")
 endforeach()
 file(WRITE ${OUTPUT} "#include \"hosts/cli/check_values.h\"
 
 namespace norvane::cli {
 namespace {
+
+using std::string_view_literals::operator\"\"sv; // which knows the length: a compiler has not to count
 
 constexpr CheckFile files[] = {
 ${entries}};

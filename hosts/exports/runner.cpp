@@ -1,6 +1,7 @@
 #include "hosts/exports/runner.h"
 
 #include <cstring>
+#include <new>
 
 #include "catalogue/identity.h"
 #include "core/kernel.h"
@@ -96,11 +97,13 @@ std::uint32_t norvane_run(std::uint32_t id, const norvane_value* in, std::size_t
                           std::size_t out_count) {
   try {
     const norvane::host::Signature* signature = norvane::host::find_signature(id);
-    if (signature == nullptr || signature->inputs.size() != in_count || signature->outputs.size() != out_count)
+    if (signature == nullptr) throw std::bad_alloc();  // an export is there because its function is
+    if (signature->inputs.size() != in_count || signature->outputs.size() != out_count)
       return norvane::exports::not_run;
     if (norvane::host::direct_call(*signature, in, out)) return 0;
     return norvane::exports::run(*signature, in, out);
   } catch (...) {
+    norvane::host::note_no_memory();
     return norvane::exports::not_run;
   }
 }

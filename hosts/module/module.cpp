@@ -60,6 +60,7 @@ struct Registry {
   Key key{};
   std::atomic<bool> attached{false};
   std::atomic<ContextFactory> factory{nullptr};
+  std::atomic<bool> short_of_memory{false};  // a thread could have no state; told to the next one that has one
 };
 
 Registry& registry() noexcept {
@@ -95,19 +96,21 @@ std::unique_ptr<Function_CContext> make_plain_context(const Module& shared) {
 }
 
 ThreadState* make_thread_state() noexcept {
-  const Module* shared = module();
-  if (shared == nullptr) return nullptr;
   try {
+    const Module* shared = module();
+    if (shared == nullptr) throw std::bad_alloc();
     const ContextFactory factory = registry().factory.load(std::memory_order_acquire);
     auto context = factory != nullptr ? factory(*shared) : make_plain_context(*shared);
     auto entry = std::make_unique<Registered>(std::move(context), catalogue::count());
-    if (!set_value(registry().key, entry.get())) return nullptr;
+    if (!set_value(registry().key, entry.get())) throw std::bad_alloc();
+    if (registry().short_of_memory.exchange(false)) entry->state.last_call.end = LastCall::End::no_context;
     const std::lock_guard lock(registry().mutex);
     entry->next = registry().first;
     if (entry->next != nullptr) entry->next->previous = entry.get();
     registry().first = entry.get();
     return &entry.release()->state;
   } catch (...) {
+    registry().short_of_memory = true;
     return nullptr;
   }
 }

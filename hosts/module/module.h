@@ -37,7 +37,7 @@ struct Signature;
 // How the last typed call of a thread ended, to be told when somebody asks.
 struct LastCall {
   static constexpr std::size_t no_record = static_cast<std::size_t>(-1);
-  enum class End : std::uint8_t { none, ran, busy, no_memory, null_output, bad_argument, no_batch };
+  enum class End : std::uint8_t { none, ran, busy, no_context, no_memory, null_output, bad_argument, no_batch };
   End end = End::none;
   const Function_CFunctionSpec* spec = nullptr;
   FUNCTION_ARG* arguments = nullptr;  // ran: in the memory of the context, until the thread's next call

@@ -161,14 +161,20 @@ void note_null_output(const Signature& signature, std::size_t place) noexcept {
     state->last_call = {LastCall::End::null_output, signature.spec, nullptr, signature.outputs[place].index};
 }
 
+void note_no_memory() noexcept {
+  if (ThreadState* state = thread_state()) state->last_call = {.end = LastCall::End::no_context};
+}
+
 std::u16string last_message() {
   ThreadState* state = thread_state();
-  if (state == nullptr) return u"not enough memory for a calculation context of this thread";
+  constexpr const char16_t* no_context = u"not enough memory for a calculation context of this thread";
+  if (state == nullptr) return no_context;
   const LastCall& last = state->last_call;
   std::u16string text;
   switch (last.end) {
     case LastCall::End::none: return {};
     case LastCall::End::busy: return u"this thread is inside another call of the library";
+    case LastCall::End::no_context: return no_context;
     case LastCall::End::no_memory: text = u"not enough memory for the arguments"; break;
     case LastCall::End::null_output:
       text = u"output " + to_utf16(std::to_string(last.index)) + u" (" +

@@ -93,6 +93,9 @@ class ValueCaller : public TypedCaller {
 // Notes for last_message() that an output has no place to go to.
 void note_null_output(const Signature& signature, std::size_t place) noexcept;
 
+// Notes for last_message() that there was no memory even to begin a call.
+void note_no_memory() noexcept;
+
 // What there is to say about the calling thread's last typed call: why it was refused, what stands behind a status
 // other than 0, remarks on a good result; empty when there is nothing. Calls do not pay for this: it is found out now.
 std::u16string last_message();

@@ -47,6 +47,8 @@ Outcome calculate(const Gas& gas, Result& result) noexcept {
   if (!(G >= minimum_specific_gravity))
     return blame(gas.specific_gravity, calculation_error, u"must be at least %", minimum_specific_gravity);
   result = {(0.00197 / G + 0.02035 - 100.0 * sum_a / G) * 1e6, 1571.5 * G + 144.0 - 100.0 * sum_k};
+  if (!std::isfinite(result.mass_based) || !std::isfinite(result.volume_based))
+    return failure(calculation_error, u"the heating value is no finite number");
   return {};
 }
 

@@ -23,7 +23,7 @@ struct Result {
 };
 
 // argument_error when the eight diluents exceed 1 in sum or one is negative, calculation_error for a specific gravity
-// below 1e-6.
+// below 1e-6 or a result that is no finite number.
 Outcome calculate(const Gas& gas, Result& result) noexcept;
 
 extern const CoefficientSet coefficient_set;

@@ -9,13 +9,15 @@
 #include <new>
 #include <thread>
 
+#include "catalogue/catalogue.h"
 #include "core/text.h"
 #include "framework/binding.h"
+#include "hosts/module/direct_call.h"
 #include "hosts/module/typed_call.h"
-#include "tests/module/typed_arguments.h"
+#include "tests/module/batch_table.h"
 
 namespace {
-thread_local std::size_t allocations = 0;
+thread_local std::size_t allocations = 0, refused_allocation = 0;  // the number of the one that finds no memory
 }
 
 // The sanitizers bring an allocator of their own, whose calls have to match.
@@ -24,8 +26,7 @@ constexpr bool counts_allocations = false;
 #else
 constexpr bool counts_allocations = true;
 void* operator new(std::size_t size) {
-  ++allocations;
-  void* memory = std::malloc(size);
+  void* memory = ++allocations == refused_allocation ? nullptr : std::malloc(size);
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
@@ -36,46 +37,9 @@ void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 namespace norvane::host {
 namespace {
 
+using Table = test::BatchTable;
 using test::TypedArguments;
 using test::TypedResult;
-
-constexpr double untouched = -7.25;
-
-// Rows as columns of their own, a list as `cells` columns or as the cells of a row behind each other.
-struct Table {
-  Table(const Signature& signature, std::size_t row_count, bool by_cell) : rows(row_count) {
-    for (const PlannedInput& input : signature.plan.inputs) {
-      const std::size_t cells = input.from == PlannedInput::From::list ? input.cells : 1;
-      auto& numbers = values.emplace_back(cells * rows);
-      columns.push_back(by_cell && cells > 1 ? Column{numbers.data(), 1, cells, rows}
-                                             : Column{numbers.data(), cells, cells, 1});
-    }
-    for (std::size_t k = 0; k < signature.outputs.size(); ++k) {
-      outputs.emplace_back(rows, untouched);
-      places.push_back(outputs.back().data());
-    }
-    statuses.assign(rows, 77);
-  }
-  double& cell(std::size_t input, std::size_t row, std::size_t cell) {
-    return values[input][row * columns[input].row_step + cell * columns[input].cell_step];
-  }
-  std::size_t run(const Signature& signature) { return run_batch(signature, rows, columns, places, statuses.data()); }
-  bool written() const {
-    for (std::uint32_t status : statuses)
-      if (status != 77) return true;
-    for (const auto& column : outputs)
-      for (double value : column)
-        if (value != untouched) return true;
-    return false;
-  }
-
-  std::size_t rows;
-  std::vector<std::vector<double>> values;
-  std::vector<Column> columns;
-  std::deque<std::vector<double>> outputs;
-  std::vector<double*> places;
-  std::vector<std::uint32_t> statuses;
-};
 
 // A random call whose lists a table can hold.
 TypedArguments random_arguments(const Signature& signature, std::uint64_t& number) {
@@ -89,32 +53,8 @@ TypedArguments random_arguments(const Signature& signature, std::uint64_t& numbe
   }
 }
 
-void put(const Signature& signature, const TypedArguments& arguments, Table& table, std::size_t row) {
-  for (std::size_t i = 0; i < signature.inputs.size(); ++i) {
-    const bool list = signature.inputs[i].passing == Passing::range;
-    for (std::size_t cell = 0; cell < table.columns[i].cells; ++cell)
-      table.cell(i, row, cell) = list ? arguments.lists[i][cell] : arguments.numbers[i];
-  }
-}
-
-// The number that a single call delivers, as a batch writes it.
-double delivered(const Parameter& output, std::uint64_t word) {
-  return output.passing == Passing::number ? std::bit_cast<double>(word)
-                                           : static_cast<std::int32_t>(static_cast<std::uint32_t>(word));
-}
-
 void expect_row(const Signature& signature, const Table& table, std::size_t row, const TypedResult& single) {
-  const bool ran = single.answer == TypedAnswer::delivered;
-  EXPECT_EQ(table.statuses[row], ran ? single.status : batch_not_run);
-  for (std::size_t k = 0; k < signature.outputs.size(); ++k) {
-    const double value = table.outputs[k][row];
-    const double expected = delivered(signature.outputs[k], single.outputs[k]);
-    if (std::isnan(value) && (!ran || single.status != 0)) {
-      EXPECT_TRUE(!ran || expected == 0.0);
-      continue;
-    }
-    EXPECT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(expected)) << "output " << k + 1;
-  }
+  EXPECT_EQ(table.fault(signature, row, single), "");
 }
 
 TEST(Batch, ARowOfEveryFunctionIsTheSingleCall) {
@@ -129,7 +69,7 @@ TEST(Batch, ARowOfEveryFunctionIsTheSingleCall) {
     std::uint64_t number = 0;
     for (std::size_t row = 0; row < rows; ++row) {
       const TypedArguments arguments = random_arguments(signature, number);
-      put(signature, arguments, table, row);
+      table.put(signature, arguments, row);
       singles.push_back(test::call_through_context(signature, arguments));
     }
     const std::size_t answer = table.run(signature);
@@ -386,7 +326,7 @@ TEST(Batch, NothingIsAllocatedOnceTheThreadIsWarm) {
   const Signature& signature = *find_signature(u"AGA8_M");
   Table table(signature, 300, false);
   std::uint64_t number = 0;
-  for (std::size_t row = 0; row < table.rows; ++row) put(signature, random_arguments(signature, number), table, row);
+  for (std::size_t row = 0; row < table.rows; ++row) table.put(signature, random_arguments(signature, number), row);
   table.run(signature);
   const std::size_t before = allocations;
   table.run(signature);
@@ -397,7 +337,7 @@ TEST(Batch, ThreadsDoNotMeet) {
   const Signature& signature = *find_signature(u"AGA8_M");
   Table table(signature, 200, false);
   std::uint64_t number = 0;
-  for (std::size_t row = 0; row < table.rows; ++row) put(signature, random_arguments(signature, number), table, row);
+  for (std::size_t row = 0; row < table.rows; ++row) table.put(signature, random_arguments(signature, number), row);
   table.run(signature);
   std::vector<std::thread> threads;
   std::vector<int> different(4);
@@ -413,6 +353,91 @@ TEST(Batch, ThreadsDoNotMeet) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(different, std::vector<int>(4));
+}
+
+// Each time on a new thread, where the first call sets everything up.
+TEST(Batch, MemoryRefusedAtAnyRequestIsSaidAndForgotten) {
+  if (!counts_allocations) GTEST_SKIP() << "a sanitizer's allocator refuses nothing";
+  std::size_t refusals = 0;
+  for (std::uint32_t id = 1; id <= interface_order().size(); ++id) {
+    const Signature& signature = *find_signature(id);
+    SCOPED_TRACE(to_utf8(signature.spec->id));
+    std::uint64_t number = 0;
+    const TypedArguments arguments = random_arguments(signature, number);
+    const TypedResult expected = test::call_through_context(signature, arguments);
+    const auto refuse = [&](std::size_t n) {
+      Table table(signature, 2, false);
+      for (std::size_t row = 0; row < table.rows; ++row) table.put(signature, arguments, row);
+      TypedResult result;
+      result.outputs.assign(signature.outputs.size(), 0);
+      std::vector<void*> places;
+      for (std::uint64_t& output : result.outputs) places.push_back(&output);
+      test::TypedTestCaller caller(arguments.values.data(), places.data());
+      const auto call = [&] {
+        if (direct_call(signature, arguments.values.data(), places.data()))
+          result.answer = TypedAnswer::delivered;
+        else
+          result.answer = TypedCall::make(signature, caller, result.status);
+      };
+      allocations = 0;
+      refused_allocation = n;
+      bool thrown = false;
+      try {
+        call();
+      } catch (const std::bad_alloc&) {  // the exports catch it
+        thrown = true;
+      }
+      const bool made = !thrown && result.answer == TypedAnswer::delivered;
+      const std::size_t failed = table.run(signature);
+      const bool met = allocations >= n;
+      refused_allocation = 0;
+      EXPECT_TRUE(failed != batch_refused || !last_message().empty());
+      for (int again = 0; again < 2; ++again) {
+        if (again == 1 || made) {
+          EXPECT_EQ(result.status, expected.status) << n;
+          EXPECT_EQ(result.outputs, expected.outputs) << n;
+        }
+        for (std::size_t row = 0; (again == 1 || failed != batch_refused) && row < table.rows; ++row)
+          EXPECT_EQ(table.fault(signature, row, expected), "") << n;
+        call();
+        table.run(signature);
+      }
+      refusals += met;
+      return met;
+    };
+    bool more = true;
+    for (std::size_t n = 1; more; ++n) std::thread([&] { more = refuse(n); }).join();
+    if (HasFailure()) return;
+  }
+  EXPECT_GT(refusals, 500u);
+}
+
+// Functions, names and hostile arguments in any order, on as many threads as like it.
+TEST(Threads, MixedCallsAnswerAsOneThreadDoes) {
+  const auto specs = catalogue::specifications();
+  const std::size_t calls = specs.size() * 6;
+  const auto answers = [&](std::size_t first) {
+    std::vector<std::string> all(calls);
+    for (std::size_t i = 0; i < calls; ++i) {
+      const std::size_t number = (first + i * 211) % calls;
+      const Function_CFunctionSpec& spec = *specs[number % specs.size()];
+      test::Arguments arguments;
+      test::RandomCall(spec, number / specs.size() + number % 16, arguments);
+      HeldContext held(nullptr);
+      FUNCTION_ARG output = FUNCTION_ARG::Empty();
+      std::uint32_t flags = 0;
+      const std::uint32_t status = held.context().Execute(spec, arguments.values.data(), arguments.values.size(),
+                                                          output, flags, held.state().slot(spec));
+      all[number] = std::to_string(status) + " " + test::bits_of(output);
+    }
+    return all;
+  };
+  const std::vector<std::string> expected = answers(0);
+  std::vector<std::vector<std::string>> found(8);
+  std::vector<std::thread> threads;
+  for (std::size_t t = 0; t < found.size(); ++t) threads.emplace_back([&, t] { found[t] = answers(t * 97); });
+  for (std::thread& thread : threads) thread.join();
+  for (const auto& each : found) EXPECT_EQ(each, expected);
 }
 
 }  // namespace

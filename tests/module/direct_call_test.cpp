@@ -5,10 +5,13 @@
 
 #include <cfenv>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <thread>
 
 #include "core/text.h"
+#include "framework/binding.h"
+#include "hosts/module/function_state.h"
 #include "hosts/module/typed_call.h"
 #include "tests/module/typed_arguments.h"
 
@@ -57,6 +60,56 @@ TEST(DirectCall, AnswersWhatTheContextAnswersAndAllThatIsPlainlyGood) {
   }
   EXPECT_GT(good, 3000u);
   EXPECT_GT(left, 1500u);
+}
+
+// The calculations themselves, without the bounds that a record puts before them: any number ends with a status and a
+// reason, or with finite results; and what was kept from the calls before, of which a call takes over much, changes no
+// bit.
+TEST(Calculations, AnswerAnyNumbersAsIfForTheFirstTime) {
+  for (std::uint32_t id = 1; id <= interface_order().size(); ++id) {
+    const Signature& signature = *find_signature(id);
+    const record::Binding& binding = *signature.spec->binding;
+    SCOPED_TRACE(to_utf8(signature.spec->id));
+    FunctionState kept(signature);
+    test::Random random(signature.spec->id, 0, 0);
+    const std::uint64_t calls = signature.spec->id.find(u"GERG") != std::u16string_view::npos ? 200 : 2000;
+    for (std::uint64_t n = 0; n < calls; ++n) {
+      const TypedArguments drawn(signature, n);
+      const bool anew = n % 5 == 0;
+      if (anew) std::memcpy(kept.arguments, binding.arguments.prototype, binding.arguments.size);
+      const std::size_t changed = random.below(signature.inputs.size());
+      for (std::size_t i = anew ? 0 : changed; i < (anew ? signature.inputs.size() : changed + 1); ++i) {
+        const PlannedInput& input = signature.plan.inputs[i];
+        const auto put = [&](std::size_t cell, double value, std::size_t odds) {
+          if (random.below(odds) == 0)
+            value = random.below(2) == 0 ? random.hostile(0.0, 2.0 * value)
+                                         : std::copysign(std::exp(random.within(-700.0, 700.0)), value);
+          std::memcpy(kept.arguments + input.offset + cell * sizeof value, &value, sizeof value);
+        };
+        for (std::size_t cell = 0; cell < std::min<std::size_t>(input.cells, drawn.lists[i].size()); ++cell)
+          put(cell, drawn.lists[i][cell], 90);
+        if (input.from == PlannedInput::From::list) continue;
+        input.accept(drawn.numbers[i], kept.arguments);
+        if (input.kind == record::Field::Kind::number && !input.enumerated) put(0, drawn.numbers[i], 5);
+      }
+      FunctionState fresh(signature);
+      for (FunctionState* state : {&kept, &fresh})
+        std::memcpy(state->results, binding.results.prototype, binding.results.size);
+      const Outcome outcome = binding.calculate(kept.arguments, kept.results, kept.memory);
+      const Outcome first = binding.calculate(kept.arguments, fresh.results, fresh.memory);
+      ASSERT_EQ(outcome.status, first.status) << n;
+      if (!outcome.good()) {
+        ASSERT_NE(outcome.text[0], u'\0') << n;
+        continue;
+      }
+      for (const PlannedOutput& output : signature.plan.outputs) {
+        const double value = output.value(kept.results);
+        ASSERT_TRUE(std::isfinite(value)) << n;
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(output.value(fresh.results)))
+            << n;
+      }
+    }
+  }
 }
 
 class DirectAga8 : public ::testing::Test {

@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
-"""batch under load: rows keep their order over threads, an interrupted run says how far it came and leaves nothing,
-memory refused at any request ends the program with whole lines and no unfinished file."""
+"""batch under load: rows keep their order over threads, an interrupted run says how far it came and leaves nothing, as
+does one whose disk is full or whose reader goes away; memory refused at any request ends the program with whole lines
+and no unfinished file."""
 import json
 import os
+import resource
 import signal
 import subprocess
 import sys
@@ -47,6 +49,40 @@ for name in ("SIGINT", "SIGTERM"):
         assert b"interrupted" in err and b" good" in err, err
         assert out == b"" or out.endswith(b"\n"), "an unfinished line"
         assert not [f for f in os.listdir() if f.startswith("stopped.csv")], os.listdir()
+
+# Killed: nothing under the name, and the next run replaces what it finds beside it.
+run = subprocess.Popen([norvane, "batch", "BitTest", "--out", "killed.csv"], stdin=subprocess.PIPE)
+run.stdin.write(b"number,bit\n" + b"1,1\n" * 20000)
+while not os.path.exists("killed.csv.part"):
+    assert run.poll() is None
+run.kill()
+run.wait(30)
+assert [f for f in os.listdir() if f.startswith("killed")] == ["killed.csv.part"], os.listdir()
+assert batch("--out", "killed.csv").returncode == 0
+assert [f for f in os.listdir() if f.startswith("killed")] == ["killed.csv"], os.listdir()
+
+# A reader that goes away is a failed output.
+run = subprocess.Popen([norvane, "batch", "BitTest"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+run.stdout.close()
+try:
+    run.stdin.write(rows * 3)
+    run.stdin.close()
+except BrokenPipeError:
+    pass
+assert b"cannot write standard output" in run.stderr.read() and run.wait(30) == 3, run.returncode
+
+
+def full_disk():  # a limit on the size of files stands in for it
+    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (1024, 1024))
+
+
+for arguments in (["batch", "BitTest", "--out", "full"], ["report", "BitTest", "number=5", "bit=2", "--out", "full.html"],
+                  ["check", "--html", "full.html"], ["doc", "--traceability", "full.md"]):
+    run = subprocess.run([norvane, *arguments], input=rows, capture_output=True, timeout=120, preexec_fn=full_disk,
+                         restore_signals=False)
+    assert run.returncode == 3 and b"cannot write full" in run.stderr, (arguments, run.returncode, run.stderr)
+    assert not [f for f in os.listdir() if f.startswith("full")], os.listdir()
 
 # From some request for memory on, all are refused (the first few come before the program begins).
 if refuser:

@@ -7,6 +7,7 @@
 #include <map>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "catalogue/catalogue.h"
@@ -24,18 +25,16 @@
 
 namespace {
 
-std::size_t allocations = 0;
+std::size_t allocations = 0, refused_allocation = 0;  // the number of the one that finds no memory
 
 }  // namespace
 
 __attribute__((noinline)) void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size > 0 ? size : 1)) return memory;
+  if (void* memory = operator new(size, std::nothrow)) return memory;
   throw std::bad_alloc();
 }
 __attribute__((noinline)) void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  ++allocations;
-  return std::malloc(size > 0 ? size : 1);
+  return ++allocations == refused_allocation ? nullptr : std::malloc(size > 0 ? size : 1);
 }
 __attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
 __attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
@@ -98,8 +97,10 @@ int answer_for(int function, int count, XlRecord12** args, XlRecord12* result) {
 extern "C" __attribute__((visibility("default"))) int MdCallBack12(int function, int count, XlRecord12** args,
                                                                    XlRecord12* result) {
   const std::size_t before = allocations;  // what the host itself takes does not count
+  const std::size_t refused = std::exchange(refused_allocation, 0);
   const int code = answer_for(function, count, args, result);
   allocations = before;
+  refused_allocation = refused;
   return code;
 }
 
@@ -570,6 +571,36 @@ TEST_F(ExcelUnit, AWarmCallAllocatesNothing) {
       EXPECT_EQ(allocations - before, 0u) << std::string(spec->id.begin(), spec->id.end());
     }
   }
+}
+
+// A thread's first call, one request of which is refused, shows an error or its result; the next one shows the result.
+TEST_F(ExcelUnit, ACallWithoutMemoryFailsAlone) {
+  host::set_context_factory(make_context);
+  XlRecord12 reference{}, bit{};
+  reference.reference = {1, {1, 1, 3, 3}};
+  reference.type = XL_REFERENCE;
+  bit.number = 1;
+  bit.type = XL_NUMBER;
+  XlRecord12* args[] = {&reference, &bit};
+  const std::size_t position = catalogue::find(u"BitTest")->position;
+  const sheet::Value right = sheet::Integer(1);  // bit 1 of 42
+  std::size_t n = 0;
+  do {
+    host::thread_ended();
+    allocations = 0;
+    refused_allocation = ++n;
+    const XlRecord12* result = call_12(position, args, 2);
+    refused_allocation = 0;
+    const std::size_t met = allocations;
+    if (result != nullptr && result->type != XL_ERROR) {
+      EXPECT_EQ(sheet::Read(*result), right) << n;
+    }
+    result = call_12(position, args, 2);
+    ASSERT_NE(result, nullptr) << n;
+    EXPECT_EQ(sheet::Read(*result), right) << n;
+    allocations = met;
+  } while (allocations >= n);
+  EXPECT_GT(n, 3u);
 }
 
 }  // namespace

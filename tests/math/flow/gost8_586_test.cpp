@@ -148,33 +148,5 @@ TEST(Gost8586, EveryRowAnswersOrSaysWhy) {
   }
 }
 
-TEST(Gost8586, AnswersAnyNumbers) {
-  test::Random random(11);
-  for (int i = 0; i < 100000; ++i) {
-    Arguments in;
-    in.measured = {.dp = random.hostile(0, 5000),
-                   .pressure = random.hostile(0.5, 100),
-                   .temperature = random.hostile(-100, 500),
-                   .density = random.hostile(0.1, 1000),
-                   .viscosity = std::exp(random.within(-15, 8)),
-                   .kappa = random.hostile(1, 2)};
-    in.measured.fluid = static_cast<differential_pressure::Fluid>(random.whole(0, 3));
-    in.geometry = {random.hostile(10, 2000), random.hostile(0, 1e-4), 20,
-                   random.hostile(5, 1000),  random.hostile(0, 1e-4), 20};
-    in.roughness = random.hostile(0, 10);
-    in.edge_radius = random.hostile(0, 10);
-    in.tappings = static_cast<Tappings>(random.whole(0, 4));
-    Result r;
-    const Outcome outcome = calculate(in, r);
-    if (outcome.good()) {
-      ASSERT_TRUE(r.mass_rate >= 0.0 && std::isfinite(r.mass_rate) && std::isfinite(r.reynolds) &&
-                  std::isfinite(r.roughness_factor) && std::isfinite(r.edge_factor) &&
-                  std::isfinite(r.expansibility));
-    } else {
-      ASSERT_FALSE(std::u16string_view(outcome.text).empty());
-    }
-  }
-}
-
 }  // namespace
 }  // namespace norvane

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/math/gas/detail_reference.h"
+#include "tests/math/gas/gases.h"
 #include "tests/support/call.h"
 
 namespace norvane::test {
@@ -26,52 +26,6 @@ struct Place {
   double T, r;  // [K], reduced density
 };
 constexpr Place places[] = {{250.0, 0.02}, {300.0, 0.2}, {350.0, 0.7}, {450.0, 1.2}, {600.0, 0.05}};
-
-// Derivatives of the Helmholtz energy against differences of the equation written out; five points, so that what
-// extended precision leaves is below 1e-9.
-TEST(AGA10, DerivativesAreThoseOfTheEquation) {
-  using Real = long double;
-  for (const AGA8::Composition* x : gases) {
-    AGA8::Mixture mixture;
-    mixture.set(*x);
-    for (const Place& place : places) {
-      const Real T = place.T, rho = place.r / mixture.K3;
-      const Real h = 1e-3L;
-      std::vector<DetailReference> references;
-      for (int i = -2; i <= 2; ++i) references.emplace_back(*x, T * (1 + i * h));
-      const auto ar = [&](int i, int j) {  // at T (1 + i h), rho (1 + j h)
-        return references[static_cast<std::size_t>(i + 2)].helmholtz(rho * (1 + j * h));
-      };
-      const auto first = [h](Real a, Real b, Real c, Real d) { return (a - 8 * b + 8 * c - d) / (12 * h); };
-      const auto second = [h](Real a, Real b, Real m, Real c, Real d) {
-        return (-a + 16 * b - 30 * m + 16 * c - d) / (12 * h * h);
-      };
-      const Real middle = ar(0, 0);
-      const Real rho_points[] = {ar(0, -2), ar(0, -1), ar(0, 1), ar(0, 2)};
-      const Real T_points[] = {ar(-2, 0), ar(-1, 0), ar(1, 0), ar(2, 0)};
-      Real slopes[4];
-      for (int i : {0, 1, 2, 3}) {
-        const int step = i < 2 ? i - 2 : i - 1;
-        slopes[i] = first(ar(step, -2), ar(step, -1), ar(step, 1), ar(step, 2));
-      }
-      const helmholtz::Residual r = AGA8::residual(mixture, static_cast<double>(T), static_cast<double>(rho));
-      // tau d/dtau = -T d/dT, tau^2 d2/dtau2 = T^2 d2/dT2 + 2 T d/dT
-      const Real T_slope = first(T_points[0], T_points[1], T_points[2], T_points[3]);
-      const Real want[] = {middle,
-                           first(rho_points[0], rho_points[1], rho_points[2], rho_points[3]),
-                           second(rho_points[0], rho_points[1], middle, rho_points[2], rho_points[3]),
-                           -T_slope,
-                           second(T_points[0], T_points[1], middle, T_points[2], T_points[3]) + 2 * T_slope,
-                           -first(slopes[0], slopes[1], slopes[2], slopes[3])};
-      const double got[] = {r.ar, r.d, r.dd, r.t, r.tt, r.dt};
-      const double tolerance[] = {1e-13, 2e-9, 2e-9, 2e-9, 2e-8, 2e-8};
-      const double size = std::fabs(r.ar) + std::fabs(r.d) + std::fabs(r.dd) + std::fabs(r.t) + std::fabs(r.tt);
-      for (std::size_t i = 0; i < std::size(got); ++i)
-        EXPECT_NEAR(got[i], static_cast<double>(want[i]), tolerance[i] * size)
-            << i << " at " << place.T << " " << place.r;
-    }
-  }
-}
 
 // Central difference of a property of the state along temperature or density, to its logarithm.
 template <class Get>

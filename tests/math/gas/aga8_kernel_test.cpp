@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/math/gas/detail_reference.h"
+#include "tests/math/gas/gases.h"
 #include "tests/support/kernel_rows.h"
 
 namespace norvane::test {

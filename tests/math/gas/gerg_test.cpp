@@ -79,42 +79,6 @@ auto slope(const Function& f, Real step) {
 
 // ---- The equation ------------------------------------------------------------------------------------------------
 
-TEST(Gerg, EnergyAndItsDerivativesAreThoseOfTheEquationWrittenOut) {
-  Random random(u"energy", 1, 1);
-  for (int n = 0; n < 90; ++n) {
-    const auto edition = n % 2 == 0 ? Edition::gerg_2008 : Edition::gerg_2004;
-    const auto i = static_cast<std::size_t>(n / 2);
-    const Composition x = i < component_count ? pure(i) : random_gas(random, static_cast<Kind>(n % kind_count));
-    Mixture mixture;
-    mixture.set(edition, x);
-    const double T = mixture.T_r * random.within(0.4, 2.0), rho = random.within(0.02, 2.5) / mixture.v_r;
-    Isotherm isotherm;
-    isotherm.set(mixture, T);
-    const helmholtz::Residual r = residual(mixture, isotherm, rho);
-
-    const GergReference reference(edition);
-    GergReference::Moles moles;
-    std::copy(x.begin(), x.end(), moles.begin());
-    // Of ln tau and ln rho.
-    const auto ar = [&](Real t, Real d) { return reference.energy(moles, T * std::exp(-t), std::exp(-d) / rho); };
-    const Real h = 2e-4L;  // the highest power of tau is 30
-    const auto at_d = [&](Real d) { return slope([&](Real t) { return ar(t, d); }, h); };
-    const Real t = at_d(0), d = slope([&](Real s) { return ar(0, s); }, h);
-    const Real tt = slope([&](Real s) { return slope([&](Real u) { return ar(s + u, 0); }, h); }, h) - t;
-    const Real dd = slope([&](Real s) { return slope([&](Real u) { return ar(0, s + u); }, h); }, h) - d;
-    const Real want[] = {ar(0, 0), d, dd, t, tt, slope(at_d, h)};
-    const double got[] = {r.ar, r.d, r.dd, r.t, r.tt, r.dt};
-    const double size = std::fabs(r.ar) + std::fabs(r.d) + std::fabs(r.dd) + std::fabs(r.tt) + std::fabs(r.dt);
-    for (std::size_t k = 0; k < std::size(got); ++k)
-      ASSERT_NEAR(got[k], static_cast<double>(want[k]), (k == 0 ? 1e-13 : 2e-8) * size)
-          << k << " " << shown(x, T, rho);
-    const Isotherm::Point point = isotherm.at(rho);
-    ASSERT_NEAR(point.z, 1.0 + r.d, 1e-13 * size);
-    ASSERT_NEAR(point.dp_drho, 1.0 + 2.0 * r.d + r.dd, 1e-13 * size);
-    ASSERT_NEAR(isotherm.energy(rho), r.ar, 1e-13 * size);
-  }
-}
-
 TEST(Gerg, FugacitiesAreDerivativesOfTheEnergy) {
   Random random(u"fugacity", 1, 1);
   for (int n = 0; n < 12; ++n) {
@@ -484,70 +448,6 @@ Gas gas_of(const Composition& x, double t, double p) {
 template <class Structure>
 bool same_bits(const Structure& a, const Structure& b) {
   return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-// Composition, temperature and pressure change in every combination, failures among them; what the memory answers
-// must be what a fresh calculation answers, bit for bit.
-TEST(GergFunctions, MemoryAnswersAsAFreshCalculation) {
-  Random random(u"memory", 1, 1);
-  const Composition gases[] = {random_gas(random, lean), random_gas(random, wet), pure(methane), pure(n_nonane)};
-  const double temperatures[] = {-120.0, 10.0, 10.000000000000002, not_a_number};
-  const double pressures[] = {0.0, 3.0, 3.0000000000000004, 40.0, 300.0};
-  CEquation equation, density_memory;
-  CFlash phases;
-  for (int i = 0; i < 600; ++i) {
-    const Gas gas = gas_of(gases[random.below(4)], temperatures[random.below(4)], pressures[random.below(5)]);
-    CEquation fresh;
-    CFlash fresh_phases;
-    GasAnswer kept{}, want{};
-    FlashAnswer kept_phases{}, want_phases{};
-    const Outcome outcome = gas_2004(gas, kept, equation), expected = gas_2004(gas, want, fresh);
-    ASSERT_EQ(outcome.status, expected.status);
-    ASSERT_EQ(outcome.text, expected.text);
-    ASSERT_TRUE(same_bits(kept, want));
-    GasAnswer density{};
-    if (density_2004(gas, density, density_memory).good()) {
-      ASSERT_TRUE(same_bits(density.mass_density, want.mass_density));
-    }
-    ASSERT_EQ(flash_2004(gas, kept_phases, phases).status, flash_2004(gas, want_phases, fresh_phases).status);
-    ASSERT_TRUE(same_bits(kept_phases, want_phases));
-  }
-}
-
-// Whatever comes in: a status with its reason or finite numbers, and always an end.
-TEST(GergFunctions, AnswersAnyNumbers) {
-  Random random(u"hostile", 1, 1);
-  const double numbers[] = {not_a_number, infinite, -infinite, 0.0, -0.0, -1.0, 1e-320, 1e-160, 1e308, 1.0, 50.0};
-  int good = 0;
-  for (int i = 0; i < 1500; ++i) {
-    Gas gas{};
-    const bool tame = i % 2 == 0;
-    for (double& amount : gas.composition)
-      amount =
-          random.below(3) == 0 ? (tame ? std::pow(10.0, random.within(-320.0, 0.0)) : numbers[random.below(11)]) : 0;
-    if (tame) gas.composition[random.below(21)] = 1.0;
-    gas.temperature = random.below(8) == 0 ? numbers[random.below(11)] : random.within(-260.0, 460.0);
-    gas.pressure = random.below(8) == 0 ? numbers[random.below(11)] : 200.0 * std::pow(random.unit(), 4.0);
-    gas.neo_pentane = static_cast<composition::NeoPentaneMode>(random.whole(1, 3));
-    CEquation equation;
-    CFlash phases;
-    GasAnswer answer;
-    FlashAnswer split;
-    const Outcome outcomes[] = {gas_2008(gas, answer, equation), flash_2008(gas, split, phases)};
-    for (const Outcome& outcome : outcomes) {
-      ASSERT_TRUE(outcome.good() || outcome.text[0] != u'\0');
-      good += outcome.good();
-    }
-    if (outcomes[0].good()) {
-      for (double value : {answer.z, answer.mass_density, answer.speed_of_sound, answer.kappa})
-        ASSERT_TRUE(std::isfinite(value) && value > 0.0);
-    }
-    if (outcomes[1].good()) {
-      ASSERT_TRUE(std::isfinite(split.mass_density) && split.mass_density > 0.0);
-      ASSERT_TRUE(split.vapour_fraction >= 0.0 && split.vapour_fraction <= 1.0);
-    }
-  }
-  EXPECT_GT(good, 500);
 }
 
 TEST(GergFunctions, SaysWhatAnAnswerIsNot) {

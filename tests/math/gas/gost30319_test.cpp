@@ -110,35 +110,6 @@ TEST(Gost30319, DetailIsARatioOfStates) {
   EXPECT_EQ(calculate_detail(in, r, cache).status, AGA8::composition_error);
 }
 
-TEST(Gost30319, AnswersAnyNumbers) {
-  test::Random random(9);
-  const auto sound = [](const Outcome& outcome, std::initializer_list<double> values) {
-    if (!outcome.good()) return !std::u16string_view(outcome.text).empty();
-    for (double value : values)
-      if (!(value >= 0.0) || !std::isfinite(value)) return false;
-    return true;
-  };
-  DetailCache cache;
-  for (int i = 0; i < 100000; ++i) {
-    const double p = random.hostile(0, 20), T = random.hostile(100, 500), rho = random.hostile(0.1, 3);
-    const double n2 = random.hostile(0, 0.6), co2 = random.hostile(0, 0.6), hv = random.hostile(1, 80);
-    Result r;
-    const Outcome by_density = calculate({p, T, rho, n2, co2, static_cast<Method>(random.whole(0, 3))}, r);
-    ASSERT_TRUE(sound(by_density, {r.k, r.z, r.zc, r.mass_density, r.speed_of_sound, r.viscosity}));
-    const Outcome either = calculate_gerg91({p, T, rho, hv, n2, co2, static_cast<Known>(random.whole(0, 3))}, r);
-    ASSERT_TRUE(sound(either, {r.k, r.z, r.zc, r.mass_density, r.speed_of_sound, r.viscosity}));
-    DetailArguments in = {.pressure = p,
-                          .temperature = T,
-                          .base_pressure = random.hostile(0.1, 1),
-                          .base_temperature = random.hostile(200, 400)};
-    in.composition[static_cast<std::size_t>(random.whole(0, 21))] = random.hostile(1, 1);
-    DetailResult detail;
-    if (i % 10 != 0) continue;
-    const Outcome by_composition = calculate_detail(in, detail, cache);
-    ASSERT_TRUE(sound(by_composition, {detail.k, detail.z, detail.zc, detail.mass_density}));
-  }
-}
-
 TEST(Mr113, ChecksTheArgumentsBeforeTheLibrary) {
   MR113::Result result;
   MR113::Arguments in = {.pressure = 1.0, .temperature = 300};
