@@ -25,7 +25,6 @@
 #include <utility>
 
 #include "core/elementary.h"
-#include "math/common/root.h"
 #include "math/gas/aga8_kernel.h"
 #include "math/gas/aga8_terms.h"
 
@@ -130,26 +129,17 @@ void Mixture::set(const Composition& x) noexcept {
   set_energy_and_size(*this, roots[0], roots[1]);
 }
 
-void Isotherm::set(const Mixture& mixture, double temperature) noexcept { set_isotherm(*this, mixture, temperature); }
+void Isotherm::set(const Mixture& mixture, double temperature) noexcept { kernel().set(*this, mixture, temperature); }
 
-double Isotherm::pressure(double rho) const noexcept { return pressure_of(*this, rho); }
+double Isotherm::pressure(double rho) const noexcept { return kernel().pressure(*this, rho); }
 
-bool Isotherm::density(double p, double& rho) const noexcept {
-  if (!(p > 0.0)) return false;  // no gas without pressure; the ideal volume would be infinite
-  const root::March march{start_of_search(*this, p), max_density, p / RT / first_step};
-  root::Point low{}, high{};
-  return root::bracket([this](double x) { return pressure(x); }, p, march, low, high) &&
-         root::brent([this, p](double x) { return pressure(x) - p; }, low, high, {.f = tolerance * p}, rho);
-}
+bool Isotherm::density(double p, double& rho) const noexcept { return kernel().density(*this, p, rho); }
 
 void ResidualIsotherm::set(const Mixture& mixture, double temperature) noexcept {
-  set_residual_isotherm(*this, mixture, temperature);
+  kernel().set_residual(*this, mixture, temperature);
 }
 
-helmholtz::Residual ResidualIsotherm::at(double rho) const noexcept {
-  const ResidualOf<double> r = residual_of(*this, rho);
-  return {r.ar, r.d, r.dd, r.t, r.tt, r.dt};
-}
+helmholtz::Residual ResidualIsotherm::at(double rho) const noexcept { return kernel().residual(*this, rho); }
 
 helmholtz::Residual residual(const Mixture& mixture, double T, double rho) noexcept {
   ResidualIsotherm isotherm;

@@ -57,14 +57,14 @@ struct Mixture {
 // What depends on composition and temperature. The terms 13..58 have only 24 different pairs of
 // exponents (k, b) of the density, so that at one temperature they are 24 coefficients.
 struct Isotherm {
-  double T = 0.0;               // [K]
-  double RT = 0.0;              // [MPa m3/kmol]
-  double B = 0.0;               // second virial coefficient [m3/kmol]
-  double K3 = 0.0;              // [m3/kmol]
-  double linear = 0.0;          // sum of C*_n, n = 13..18
-  double max_density = 0.0;     // density at which the search is cut [kmol/m3]
-  std::array<double, 24> C{};   // sum of C*_n with the same (k, b)
-  std::array<double, 24> bC{};  // b times that
+  double T = 0.0;            // [K]
+  double RT = 0.0;           // [MPa m3/kmol]
+  double B = 0.0;            // second virial coefficient [m3/kmol]
+  double K3 = 0.0;           // [m3/kmol]
+  double linear = 0.0;       // sum of C*_n, n = 13..18
+  double max_density = 0.0;  // density at which the search is cut [kmol/m3]
+  // Sum of C*_n with the same (k, b), and b times that: side by side, as they are summed.
+  alignas(16) std::array<std::array<double, 2>, 24> C{};
 
   void set(const Mixture& mixture, double temperature) noexcept;
   // Pressure [MPa] at a molar density rho [kmol/m3].
@@ -78,10 +78,10 @@ struct Isotherm {
 struct ResidualIsotherm : Isotherm {
   struct Sums {
     double B = 0.0, linear = 0.0;
-    std::array<double, 24> C{};
   };
   Sums u, uu;
-  std::array<double, 24> bbC{}, buC{};  // b^2 C, and b times the sum of u C
+  // b^2 times the sum of C, sum of u C, b times that, sum of u (u+1) C.
+  alignas(32) std::array<std::array<double, 4>, 24> rest{};
 
   void set(const Mixture& mixture, double temperature) noexcept;
   // At a molar density rho [kmol/m3].

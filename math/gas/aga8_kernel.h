@@ -15,6 +15,12 @@ using PairSums = std::array<double, 12>;
 // Every kernel gives the bits of every other.
 struct Kernel {
   void (*sum_pairs)(const Composition& x, PairSums& sums) noexcept;
+  // Of one state: Isotherm::set, pressure and density, ResidualIsotherm::set and at.
+  void (*set)(Isotherm& isotherm, const Mixture& mixture, double T) noexcept;
+  double (*pressure)(const Isotherm& isotherm, double rho) noexcept;
+  bool (*density)(const Isotherm& isotherm, double p, double& rho) noexcept;
+  void (*set_residual)(ResidualIsotherm& isotherm, const Mixture& mixture, double T) noexcept;
+  helmholtz::Residual (*residual)(const ResidualIsotherm& isotherm, double rho) noexcept;
   // Densities [kmol/m3] of rows with one mixture at temperatures T [K] and pressures p [MPa]. NaN where the search finds
   // none, and in rare rows that are left to Isotherm::density.
   void (*densities)(const Mixture& mixture, const double* T, const double* p, double* rho, std::size_t rows) noexcept;

@@ -108,6 +108,20 @@ inline void for_each_density_term(const Function& function, std::index_sequence<
    ...);
 }
 
+// The terms of a slot in their order: f(term, position of the exponent).
+template <std::size_t slot, class Function, std::size_t... n>
+[[gnu::always_inline]] inline void for_terms_of(const Function& function, std::index_sequence<n...>) noexcept {
+  const auto visit = [&](auto term) {
+    if constexpr (slot_of[term] == slot)
+      function(term, std::integral_constant<std::size_t, position[first_density_term + term]>{});
+  };
+  (visit(std::integral_constant<std::size_t, n>{}), ...);
+}
+template <class Function, std::size_t... s>
+[[gnu::always_inline]] inline void for_each_slot(const Function& function, std::index_sequence<s...>) noexcept {
+  (function(std::integral_constant<std::size_t, s>{}), ...);
+}
+
 // ---- Pair coefficients, tabulated once ---------------------------------------------------------------------------
 
 // Terms of B that all pairs have, and terms that only pairs of polar components or of hydrogen have.
@@ -209,26 +223,36 @@ template <class I, class M, class Real>
   isotherm.max_density = lanes::select(T > critical * mixture.U, max_density * 20.0, max_density);
 }
 
-template <class I, class M, class Real>
-[[gnu::always_inline]] inline void set_isotherm(I& isotherm, const M& mixture, Real T) noexcept {
+// Fills the limits, B and the linear term of an isotherm; `take(slot, sum)` gets the sums of C*_n with the same (k, b).
+template <class I, class M, class Real, class Take>
+[[gnu::always_inline]] inline void set_isotherm(I& isotherm, const M& mixture, Real T, const Take& take) noexcept {
   const Powers<Real> t = powers<Real>(1.0 / T, T);
   Real B{};
   for (std::size_t n = 0; n < virial_term_count; ++n) B += mixture.beta[n] * t.u[position[n]];
   Real linear{};
   for (std::size_t n = 0; n < virial_term_count - first_density_term; ++n)
     linear += mixture.gamma[n] * t.u[position[first_density_term + n]];
-  std::array<Real, slot_count> sum{};
-  for_each_density_term([&](auto n, auto slot, auto power) { sum[slot] += mixture.gamma[n] * t.u[power]; },
-                        std::make_index_sequence<density_term_count>{});
   set_limits(isotherm, mixture, T);
   isotherm.B = B;
   isotherm.linear = linear;
-  isotherm.C = sum;
-  for (std::size_t s = 0; s < slot_count; ++s) isotherm.bC[s] = static_cast<double>(slots[s].b) * sum[s];
+  for_each_slot(
+      [&](auto slot) {
+        Real sum{};
+        for_terms_of<slot>([&](auto n, auto power) { sum += mixture.gamma[n] * t.u[power]; },
+                           std::make_index_sequence<density_term_count>{});
+        take(slot, sum);
+      },
+      std::make_index_sequence<slot_count>{});
 }
 
+// The same with the sums of u and of u (u+1) times the terms.
+template <class Real>
+struct ResidualSums {
+  std::array<Real, slot_count> C, u, uu;
+};
 template <class I, class M, class Real>
-[[gnu::always_inline]] inline void set_residual_isotherm(I& isotherm, const M& mixture, Real T) noexcept {
+[[gnu::always_inline]] inline ResidualSums<Real> set_residual_isotherm(I& isotherm, const M& mixture,
+                                                                       Real T) noexcept {
   const Powers<Real> t = powers<Real>(1.0 / T, T);
   Real B{}, uB{}, uuB{};
   for (std::size_t n = 0; n < virial_term_count; ++n) {
@@ -238,15 +262,15 @@ template <class I, class M, class Real>
     uB += u * value;
     uuB += u * (u + 1.0) * value;
   }
-  std::array<Real, slot_count> sum{}, u_sum{}, uu_sum{};
+  ResidualSums<Real> sum{};
   Real linear{}, u_linear{}, uu_linear{};
   for_each_density_term(
       [&](auto n, auto slot, auto power) {
         constexpr double u = terms[first_density_term + n].u;
         const Real value = mixture.gamma[n] * t.u[power];
-        sum[slot] += value;
-        u_sum[slot] += u * value;
-        uu_sum[slot] += u * (u + 1.0) * value;
+        sum.C[slot] += value;
+        sum.u[slot] += u * value;
+        sum.uu[slot] += u * (u + 1.0) * value;
         if constexpr (first_density_term + n < virial_term_count) {
           linear += value;
           u_linear += u * value;
@@ -257,66 +281,41 @@ template <class I, class M, class Real>
   set_limits(isotherm, mixture, T);
   isotherm.B = B;
   isotherm.linear = linear;
-  isotherm.C = sum;
   isotherm.u.B = uB;
   isotherm.u.linear = u_linear;
-  isotherm.u.C = u_sum;
   isotherm.uu.B = uuB;
   isotherm.uu.linear = uu_linear;
-  isotherm.uu.C = uu_sum;
-  for (std::size_t s = 0; s < slot_count; ++s) {
-    const double b = slots[s].b;
-    const Real bC = b * sum[s];
-    isotherm.bC[s] = bC;
-    isotherm.bbC[s] = b * bC;
-    isotherm.buC[s] = b * u_sum[s];
-  }
+  return sum;
 }
 
-// Polynomials of the five groups of equal k in the reduced density, powers of r2 = r^2 kept
-// apart so that the two halves run side by side.
-template <class Real>
-[[gnu::always_inline]] inline Real group0(const Real* c, Real r, Real r2) noexcept {  // b = 2..7
-  return r2 * ((c[0] + r2 * (c[2] + r2 * c[4])) + r * (c[1] + r2 * (c[3] + r2 * c[5])));
-}
-template <class Real>
-[[gnu::always_inline]] inline Real group1(const Real* c, Real r3, Real r5) noexcept {  // b = 3, 8
-  return r3 * (c[0] + r5 * c[1]);
-}
-template <class Real>
-[[gnu::always_inline]] inline Real group2(const Real* c, Real r, Real r2) noexcept {  // b = 1..9
-  return r * ((c[0] + r2 * (c[2] + r2 * (c[4] + r2 * (c[6] + r2 * c[8])))) +
-              r * (c[1] + r2 * (c[3] + r2 * (c[5] + r2 * c[7]))));
-}
-template <class Real>
-[[gnu::always_inline]] inline Real group3(const Real* c, Real r, Real r2) noexcept {  // b = 1, 3
-  return r * (c[0] + r2 * c[1]);
-}
-template <class Real>
-[[gnu::always_inline]] inline Real group4(const Real* c, Real r, Real r2) noexcept {  // b = 1..5
-  return r * ((c[0] + r2 * (c[2] + r2 * c[4])) + r * (c[1] + r2 * c[3]));
-}
-
-// Sums over the slots of one k of c_s r^b_s.
+// Sums over the slots of one k of c_s r^b_s; c(s) is a coefficient. The polynomials of the five groups have the powers
+// of r^2 apart, so that two halves run side by side.
 template <class Real>
 struct Groups {
   Real k0, k1, k2, k3, k4;
 };
+template <class Real, class C>
+[[gnu::always_inline]] inline Groups<Real> groups(const C& c, Real r) noexcept {
+  const Real r2 = r * r, r3 = r2 * r, r5 = r2 * r3;
+  return {r2 * ((c(0) + r2 * (c(2) + r2 * c(4))) + r * (c(1) + r2 * (c(3) + r2 * c(5)))),  // b = 2..7
+          r3 * (c(6) + r5 * c(7)),                                                         // b = 3, 8
+          r * ((c(8) + r2 * (c(10) + r2 * (c(12) + r2 * (c(14) + r2 * c(16))))) +          // b = 1..9
+               r * (c(9) + r2 * (c(11) + r2 * (c(13) + r2 * c(15))))),
+          r * (c(17) + r2 * c(18)),                                               // b = 1, 3
+          r * ((c(19) + r2 * (c(21) + r2 * c(23))) + r * (c(20) + r2 * c(22)))};  // b = 1..5
+}
 template <class Real>
 [[gnu::always_inline]] inline Groups<Real> groups(const std::array<Real, slot_count>& c, Real r) noexcept {
-  const Real r2 = r * r, r3 = r2 * r;
   const Real* first = c.data();
-  return {group0(first, r, r2), group1(first + 6, r3, r2 * r3), group2(first + 8, r, r2), group3(first + 17, r, r2),
-          group4(first + 19, r, r2)};
+  return groups([first](std::size_t s) { return first[s]; }, r);
 }
 
+// Of the groups with and without b, and the exponentials of -r^k.
 template <class I, class Real>
-[[gnu::always_inline]] inline Real pressure_of(const I& isotherm, Real rho) noexcept {
-  const Real r = isotherm.K3 * rho;
-  const Real r2 = r * r, r3 = r2 * r, r4 = r2 * r2;
-  const lanes::Four<Real> e = lanes::exp4(lanes::Four<Real>{{-r, -r2, -r3, -r4}});
-  const Groups<Real> v = groups(isotherm.C, r);
-  const Groups<Real> bv = groups(isotherm.bC, r);
+[[gnu::always_inline]] inline Real pressure_of(const I& isotherm, Real rho, Real r, Real r2,
+                                               const lanes::Four<Real>& e, const Groups<Real>& v,
+                                               const Groups<Real>& bv) noexcept {
+  const Real r3 = r2 * r, r4 = r2 * r2;
   const Real sum = bv.k0 + (e.v[0] * (bv.k1 - r * v.k1) + e.v[1] * (bv.k2 - 2.0 * r2 * v.k2)) +
                    (e.v[2] * (bv.k3 - 3.0 * r3 * v.k3) + e.v[3] * (bv.k4 - 4.0 * r4 * v.k4));
   return rho * isotherm.RT * (1.0 + (rho * isotherm.B - r * isotherm.linear) + sum);
@@ -340,13 +339,14 @@ struct ResidualOf {
   }
 };
 
+// Of the groups weighted by 1, b, b^2, u, b u and u (u+1).
 template <class I, class Real>
-[[gnu::always_inline]] inline ResidualOf<Real> residual_of(const I& isotherm, Real rho) noexcept {
-  const Real r = isotherm.K3 * rho;
-  const Real r2 = r * r, r3 = r2 * r, r4 = r2 * r2;
-  const lanes::Four<Real> e = lanes::exp4(lanes::Four<Real>{{-r, -r2, -r3, -r4}});
-  const Groups<Real> v = groups(isotherm.C, r), bv = groups(isotherm.bC, r), bbv = groups(isotherm.bbC, r);
-  const Groups<Real> uv = groups(isotherm.u.C, r), buv = groups(isotherm.buC, r), uuv = groups(isotherm.uu.C, r);
+[[gnu::always_inline]] inline ResidualOf<Real> residual_of(const I& isotherm, Real rho, Real r, Real r2,
+                                                           const lanes::Four<Real>& e, const Groups<Real>& v,
+                                                           const Groups<Real>& bv, const Groups<Real>& bbv,
+                                                           const Groups<Real>& uv, const Groups<Real>& buv,
+                                                           const Groups<Real>& uuv) noexcept {
+  const Real r3 = r2 * r, r4 = r2 * r2;
   ResidualOf<Real> sum{};
   sum.add(0.0, Real{}, Real{} + 1.0, v.k0, bv.k0, bbv.k0, uv.k0, buv.k0, uuv.k0);
   sum.add(1.0, r, e.v[0], v.k1, bv.k1, bbv.k1, uv.k1, buv.k1, uuv.k1);

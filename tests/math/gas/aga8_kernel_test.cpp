@@ -94,6 +94,25 @@ TEST(Kernels, AGA8) {
         kernel->sum_pairs(x[i], of_kernel);
         ASSERT_TRUE(of_baseline == of_kernel) << i;
       }
+      // The parts of one state.
+      const Kernel& baseline = *AGA8::kernel(InstructionSet::baseline);
+      for (std::size_t i = 0; i < rows; i += 5) {
+        Isotherm isotherm;
+        ResidualIsotherm one_way, other_way;
+        kernel->set(isotherm, mixture, T[i]);
+        baseline.set_residual(one_way, mixture, T[i]);
+        kernel->set_residual(other_way, mixture, T[i]);
+        double found = not_a_number;
+        ASSERT_EQ(kernel->density(isotherm, p[i], found), !std::isnan(of_one[i]));
+        if (std::isnan(of_one[i])) continue;
+        ASSERT_TRUE(isotherm.C == one_way.C && isotherm.B == one_way.B && isotherm.linear == one_way.linear);
+        ASSERT_TRUE(other_way.C == one_way.C && other_way.rest == one_way.rest);
+        ASSERT_TRUE(same(found, of_one[i]));
+        ASSERT_TRUE(same(kernel->pressure(other_way, found), baseline.pressure(one_way, found)));
+        const helmholtz::Residual wanted = baseline.residual(one_way, found),
+                                  got = kernel->residual(other_way, found);
+        ASSERT_EQ(std::memcmp(&wanted, &got, sizeof got), 0);
+      }
     }
   }
 }
