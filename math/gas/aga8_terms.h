@@ -211,6 +211,7 @@ template <class I, class M, class Real>
 
 template <class I, class M, class Real>
 [[gnu::always_inline]] inline void set_isotherm(I& isotherm, const M& mixture, Real T) noexcept {
+  set_limits(isotherm, mixture, T);
   const Powers<Real> t = powers<Real>(1.0 / T, T);
   Real B{};
   for (std::size_t n = 0; n < virial_term_count; ++n) B += mixture.beta[n] * t.u[position[n]];
@@ -220,7 +221,6 @@ template <class I, class M, class Real>
   std::array<Real, slot_count> sum{};
   for_each_density_term([&](auto n, auto slot, auto power) { sum[slot] += mixture.gamma[n] * t.u[power]; },
                         std::make_index_sequence<density_term_count>{});
-  set_limits(isotherm, mixture, T);
   isotherm.B = B;
   isotherm.linear = linear;
   isotherm.C = sum;
