@@ -108,6 +108,46 @@ consteval bool keys_are_unique() {
 }
 static_assert(keys_are_unique());
 
+// The rows as the library carries them: their texts one behind the other, found by numbers. Addresses would be entered
+// by the system into every row whenever the library is loaded.
+struct KeptText {
+  std::uint16_t first = 0, size = 0;
+};
+struct KeptRow {
+  CodeKind kind{};
+  std::uint32_t type = 0, member = 0;
+  KeptText key, text, long_name;
+  double factor = 0.0, offset = 0.0;
+};
+constexpr std::size_t all_text_size = [] {
+  std::size_t size = 0;
+  for (const Row& row : rows) size += row.key.size() + row.text.size() + row.long_name.size() + 3;
+  return size;
+}();
+static_assert(all_text_size <= 0xFFFF);
+struct Kept {
+  std::array<KeptRow, std::size(rows)> all{};
+  std::array<char16_t, all_text_size> texts{};
+};
+constexpr Kept kept = [] {
+  Kept made;
+  std::size_t end = 0;
+  const auto keep = [&](std::u16string_view text) {
+    const KeptText place{static_cast<std::uint16_t>(end), static_cast<std::uint16_t>(text.size())};
+    for (const char16_t unit : text) made.texts[end++] = unit;
+    ++end;  // as behind every literal, a zero
+    return place;
+  };
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    const Row& row = rows[i];
+    made.all[i] = {row.kind,   row.type,  row.member, keep(row.key), keep(row.text), keep(row.long_name),
+                   row.factor, row.offset};
+  }
+  return made;
+}();
+
+std::u16string_view text_of(KeptText text) noexcept { return {kept.texts.data() + text.first, text.size}; }
+
 // Code i is the name of plain data type i.
 constexpr std::u16string_view data_type_names[] = {u"",    u"text", u"num",  u"date",  u"bool",
                                                    u"int", u"unit", u"enum", u"ipaddr"};
@@ -229,8 +269,9 @@ void Unit_CTypeAndUnitContainer::Build() {
   const auto note = [this](std::uint32_t result) {
     if (result != UNIT_OK) build_result_ = result;
   };
-  for (const Row& row : rows)
-    note(Add(row.kind, row.type, row.member, row.key, row.text, row.long_name, row.factor, row.offset));
+  for (const KeptRow& row : kept.all)
+    note(Add(row.kind, row.type, row.member, text_of(row.key), text_of(row.text), text_of(row.long_name), row.factor,
+             row.offset));
   for (const RateRow& row : rate_rows) note(AddRateRelation(row.rate, row.time, row.quantity));
   note(AddSystem(1, u"metric", u"Metric", u"Metric", metric_pairs));
   note(AddSystem(2, u"customary", u"U.S. Customary", u"U.S. Customary", customary_pairs));
@@ -267,8 +308,8 @@ std::uint32_t Unit_CTypeAndUnitContainer::BuildResult() const noexcept {
 }
 
 bool Unit_CTypeAndUnitContainer::ScaleOf(std::uint32_t unit, double& factor, double& offset) noexcept {
-  for (const Row& row : rows) {
-    if (row.kind != CodeKind::unit || row.code() != unit) continue;
+  for (const KeptRow& row : kept.all) {
+    if (row.kind != CodeKind::unit || make_code(row.kind, row.type, row.member) != unit) continue;
     factor = row.factor;
     offset = row.offset;
     return true;
@@ -278,7 +319,7 @@ bool Unit_CTypeAndUnitContainer::ScaleOf(std::uint32_t unit, double& factor, dou
 
 bool Unit_CTypeAndUnitContainer::MemberBits(std::uint32_t type, std::uint64_t& bits) noexcept {
   bits = 0;
-  for (const Row& row : rows) {
+  for (const KeptRow& row : kept.all) {
     if (row.kind != CodeKind::enumeration_value || make_code(CodeKind::enumeration, row.type) != type) continue;
     const bool small = row.factor >= 0.0 && row.factor <= 63.0;
     const auto number = static_cast<unsigned>(small ? row.factor : 0.0);
@@ -356,17 +397,17 @@ bool Unit_CTypeAndUnitContainer::CodeOfText(std::u16string_view text, std::uint3
 }
 
 bool Unit_CTypeAndUnitContainer::IsSymbol(std::u16string_view text) const noexcept {
-  return std::any_of(std::begin(rows), std::end(rows), [text](const Row& row) {
-    return row.kind == CodeKind::unit && equal_ignoring_case(row.text, text);
+  return std::any_of(kept.all.begin(), kept.all.end(), [text](const KeptRow& row) {
+    return row.kind == CodeKind::unit && equal_ignoring_case(text_of(row.text), text);
   });
 }
 
 std::uint32_t Unit_CTypeAndUnitContainer::ListMembers(CodeKind kind, std::uint32_t type,
                                                       std::vector<std::uint32_t>& codes) const {
   codes.clear();
+  const Tables* known = tables();
+  if (known == nullptr) throw std::bad_alloc();
   if (type == 0) {
-    const Tables* known = tables();
-    if (known == nullptr) throw std::bad_alloc();
     for (const Unit_CEntry& entry : known->entries)
       if (is_kind(entry.code, kind)) codes.push_back(entry.code);
     return UNIT_OK;

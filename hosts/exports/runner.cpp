@@ -1,7 +1,6 @@
 #include "hosts/exports/runner.h"
 
 #include <cstring>
-#include <new>
 
 #include "catalogue/identity.h"
 #include "core/kernel.h"
@@ -93,19 +92,30 @@ const char* kept(std::string host::ThreadState::*place, std::u16string_view text
 }  // namespace
 }  // namespace norvane::exports
 
-std::uint32_t norvane_run(std::uint32_t id, const norvane_value* in, std::size_t in_count, void* const* out,
-                          std::size_t out_count) {
+namespace {
+
+// What a direct call does not end.
+[[gnu::noinline]] std::uint32_t run_by_context(const norvane::host::Signature* signature, const norvane_value* in,
+                                               void* const* out) noexcept {
   try {
-    const norvane::host::Signature* signature = norvane::host::find_signature(id);
-    if (signature == nullptr) throw std::bad_alloc();  // an export is there because its function is
-    if (signature->inputs.size() != in_count || signature->outputs.size() != out_count)
-      return norvane::exports::not_run;
-    if (norvane::host::direct_call(*signature, in, out)) return 0;
     return norvane::exports::run(*signature, in, out);
   } catch (...) {
     norvane::host::note_no_memory();
     return norvane::exports::not_run;
   }
+}
+
+}  // namespace
+
+std::uint32_t norvane_run(std::uint32_t id, const norvane_value* in, std::size_t in_count, void* const* out,
+                          std::size_t out_count) {
+  const norvane::host::Signature* signature = norvane::host::find_signature(id);
+  if (signature == nullptr) {  // an export is there because its function is
+    norvane::host::note_no_memory();
+    return norvane::exports::not_run;
+  }
+  if (signature->inputs.size() != in_count || signature->outputs.size() != out_count) return norvane::exports::not_run;
+  return norvane::host::direct_call(*signature, in, out) ? 0 : run_by_context(signature, in, out);
 }
 
 std::size_t norvane_run_batch(std::uint32_t id, std::size_t rows, const norvane_column* inputs,

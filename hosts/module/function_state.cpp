@@ -23,6 +23,13 @@ FunctionState::FunctionState(const Signature& of) : signature(&of) {
   results = arguments + padded(binding.arguments.size);
   words = new (block_.get() + structures) std::uint64_t[word_count]();
   outputs = words + plan.inputs.size();
+  for (std::size_t i = 0; i < plan.inputs.size(); ++i) {
+    const PlannedInput& input = plan.inputs[i];
+    (input.from == PlannedInput::From::list ? lists : numbers)
+        .push_back({static_cast<std::uint16_t>(i), input.cells, input.offset});
+  }
+  for (std::size_t k = 0; k < plan.outputs.size(); ++k)
+    (plan.outputs[k].wide ? wide : narrow).push_back(static_cast<std::uint16_t>(k));
   std::memcpy(arguments, binding.arguments.prototype, binding.arguments.size);
 }
 

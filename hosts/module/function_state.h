@@ -25,6 +25,15 @@ struct FunctionState {
   bool taken = false;
   bool answered = false;
   std::uint64_t* words = nullptr;
+  // The inputs that are lists, whose word is a pointer and says nothing, and those that are not.
+  struct Place {
+    std::uint16_t input = 0;
+    std::uint16_t cells = 0;
+    std::uint32_t offset = 0;
+  };
+  std::vector<Place> lists, numbers;
+  // The outputs that leave as a float, and those that leave as a 32-bit number.
+  std::vector<std::uint16_t> wide, narrow;
   std::uint64_t* outputs = nullptr;
   // The structures of a call; what no line fills has the prototype's values.
   std::byte* arguments = nullptr;

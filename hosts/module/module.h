@@ -122,7 +122,7 @@ class HeldContext {
 // Destroys the calling thread's state: from DllMain's thread detach, by itself on other systems.
 void thread_ended() noexcept;
 
-// Masks floating-point traps and puts the caller's floating-point environment back: one at every host's door.
+// Masks floating-point traps and puts the caller's rounding and traps back: one at every host's door.
 class FloatingPointGuard {
  public:
   FloatingPointGuard() noexcept;

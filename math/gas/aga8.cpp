@@ -156,6 +156,19 @@ bool same(double a, double b) noexcept { return std::memcmp(&a, &b, sizeof a) ==
 
 }  // namespace
 
+const CDetail::Prepared* CDetail::prepare(const CompositionInput& given, NeoPentaneMode mode,
+                                          Outcome& refusal) noexcept {
+  if (has_given_ && mode == mode_ && std::memcmp(given.data(), given_.data(), sizeof given_) == 0) return &prepared_;
+  has_given_ = false;
+  refusal = composition::prepare(given, mode, composition_error, prepared_.x);
+  if (!refusal.good()) return nullptr;
+  prepared_.range_1994 = composition_range_1994(prepared_.x);
+  given_ = given;
+  mode_ = mode;
+  has_given_ = true;
+  return &prepared_;
+}
+
 const Mixture& CDetail::mixture(const Composition& x) noexcept {
   if (!has_composition_ || std::memcmp(x.data(), x_.data(), sizeof x_) != 0) {
     x_ = x;
@@ -212,24 +225,25 @@ bool within_limits_of_p(double p) noexcept { return p >= 0.0 && p <= highest_p; 
 }  // namespace
 
 Outcome state_of(const Gas& gas, Answer& answer, CDetail& memory) noexcept {
-  Composition x;
-  const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, composition_error, x);
-  if (!prepared.good()) return prepared;
+  Outcome refusal;
+  const CDetail::Prepared* prepared = memory.prepare(gas.composition, gas.neo_pentane, refusal);
+  if (prepared == nullptr) return refusal;
+  const Composition& x = prepared->x;
   const double t = gas.temperature, p = gas.pressure;
   if (!within_limits_of_t(t + zero_celsius))
     return blame(gas.temperature, argument_error, u"must be within % to %", lowest_t, highest_t);
   if (!within_limits_of_p(p)) return blame(gas.pressure, argument_error, u"must be within % to %", 0.0, highest_p);
-  answer.range = gas.edition == 1 ? std::max(composition_range_1994(x), state_range_1994(t, p)) : range_2017(x, t, p);
+  answer.range = gas.edition == 1 ? std::max(prepared->range_1994, state_range_1994(t, p)) : range_2017(x, t, p);
   return density_of(gas, x, answer.state, memory);
 }
 
 Outcome state_of_unlimited(const Gas& gas, Answer& answer, CDetail& memory) noexcept {
-  Composition x;
-  const Outcome prepared = composition::prepare(gas.composition, gas.neo_pentane, composition_error, x);
-  if (!prepared.good()) return prepared;
+  Outcome refusal;
+  const CDetail::Prepared* prepared = memory.prepare(gas.composition, gas.neo_pentane, refusal);
+  if (prepared == nullptr) return refusal;
   // The normal limits of temperature and pressure play no part here, only those of the equation as a whole.
-  answer.range = std::max(composition_range_1994(x), state_limits_1994(gas.temperature, gas.pressure));
-  return density_of(gas, x, answer.state, memory);
+  answer.range = std::max(prepared->range_1994, state_limits_1994(gas.temperature, gas.pressure));
+  return density_of(gas, prepared->x, answer.state, memory);
 }
 
 // ---- Rows --------------------------------------------------------------------------------------------------------

@@ -104,12 +104,22 @@ enum Result : int { converged = 0, failed = -1, not_finite = -2 };
 // so that an answer from memory equals a fresh one bit for bit. Not for use by several threads at once.
 class CDetail {
  public:
+  struct Prepared {
+    Composition x{};
+    int range_1994 = 0;  // of the composition
+  };
+  // A composition as it is given, prepared for the equation: from memory or made now. Null when it is refused.
+  const Prepared* prepare(const CompositionInput& given, NeoPentaneMode mode, Outcome& refusal) noexcept;
   // T [K], p [MPa]. The state is set when the result is `converged`.
   Result calculate(const Composition& x, double T, double p, State& state) noexcept;
   // The mixture of a composition, from memory or made now.
   const Mixture& mixture(const Composition& x) noexcept;
 
  private:
+  bool has_given_ = false;
+  CompositionInput given_{};
+  NeoPentaneMode mode_ = composition::add_to_i_pentane;
+  Prepared prepared_;
   bool has_composition_ = false;
   bool has_isotherm_ = false;
   bool has_state_ = false;

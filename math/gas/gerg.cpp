@@ -163,6 +163,15 @@ void PhaseMixture::set(Edition of, const Composition& composition) noexcept {
   T_r = 0.5 * sum[1];
 }
 
+namespace {
+
+// A routine of its own: in one with the sums that follow the compiler runs out of registers.
+[[gnu::noinline]] void set_powers(double tau, bool departs, std::array<double, power_count>& powers) noexcept {
+  fill_powers(tau, departs, powers, std::make_index_sequence<power_count>{});
+}
+
+}  // namespace
+
 void Isotherm::set(const Mixture& mixture, double temperature) noexcept {
   T = temperature;
   RT = R * T;
@@ -170,7 +179,7 @@ void Isotherm::set(const Mixture& mixture, double temperature) noexcept {
   v_r = mixture.v_r;
   departs = mixture.departs;
   fifth = mixture.x[carbon_dioxide] > 0.0 || mixture.x[water] > 0.0 || mixture.x[hydrogen] > 0.0;
-  fill_powers(tau, departs, powers, std::make_index_sequence<power_count>{});
+  set_powers(tau, departs, powers);
   for_slots(
       [&](auto slot, auto of_slot) {
         n[slot] = sum_slot<slot>([&](auto term) { return mixture.n[term] * powers[exponents.place[term]]; }, of_slot);
