@@ -24,6 +24,12 @@ class If97 {
         ideal(IAPWS_IF97::region2_ideal, p, tau) + sum(IAPWS_IF97::region2_terms, Jet::of_x(p), tau - Jet(0.5_r)), p,
         T, p, 540 / T);
   }
+  static WaterState metastable(Real p, Real T) {
+    const Jet tau = Jet::of_y(540 / T);
+    return of_gibbs(ideal(IAPWS_IF97::metastable_ideal, p, tau) +
+                        sum(IAPWS_IF97::metastable_terms, Jet::of_x(p), tau - Jet(0.5_r)),
+                    p, T, p, 540 / T);
+  }
   static WaterState region5(Real p, Real T) {
     const Jet tau = Jet::of_y(1000 / T);
     return of_gibbs(ideal(IAPWS_IF97::region5_ideal, p, tau) + sum(IAPWS_IF97::region5_terms, Jet::of_x(p), tau), p,
