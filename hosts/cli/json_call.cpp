@@ -237,20 +237,46 @@ struct JsonCalls::Reader {
       return true;
     }
     Value& value = current();
-    value.cells = cells.size() - value.first_cell;
     if (place == Place::row) {
+      value.cells = cells.size() - value.first_cell;
       if (value.rows == 0) value.columns = value.cells;
       ++value.rows;
       if (value.cells != value.rows * value.columns) return refuse_here("the rows differ in length");
       place = Place::rows;
       return true;
     }
+    end_list(value);
+    return true;
+  }
+  void end_list(Value& value) {
+    value.cells = cells.size() - value.first_cell;
     if (value.shape == Value::Shape::list) {
       value.columns = 1;
       value.rows = value.cells;
     }
     place = Place::inputs;
-    return true;
+  }
+  // Lines repeat the gas of the line before, more often than not: the last list of numbers as it was written and as it
+  // was read.
+  std::string list_text;
+  std::vector<Cell> list_cells;
+
+  std::size_t repeated_list(std::string_view text) {
+    if (place != Place::value || list_text.empty() || !text.starts_with(list_text)) return 0;
+    Value& value = current();
+    value.shape = Value::Shape::list;
+    cells.insert(cells.end(), list_cells.begin(), list_cells.end());
+    end_list(value);
+    return list_text.size();
+  }
+  void list_ended(std::string_view text) {
+    constexpr std::size_t longest = 4096;
+    if (place != Place::inputs || current().shape != Value::Shape::list || text.size() > longest) return;
+    const auto first = cells.begin() + static_cast<std::ptrdiff_t>(current().first_cell);
+    if (std::any_of(first, cells.end(), [](const Cell& cell) { return cell.kind != Cell::Kind::number; })) return;
+    list_text.clear();  // without memory for the cells there is no list
+    list_cells.assign(first, cells.end());
+    list_text = text;
   }
   bool parse_error(std::size_t position, const std::string&, const json::exception& exception) {
     // "[json.exception.parse_error.101] parse error at line 1, column 5: syntax error ...; last read: '...'"

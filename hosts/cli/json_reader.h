@@ -4,6 +4,9 @@
 // It gives up at whatever is not strict JSON, at what the receiver refuses, and at what hardly anybody writes: texts
 // with \u, whole numbers of more than 18 digits, numbers beyond a double's range, nesting beyond reason. A parser of the
 // whole language then has the word; it finds the same events and can tell what is wrong.
+//
+// A receiver that has met a list before may say so (repeated_list: how many characters of what follows it knows) and is
+// told how a list was written when it has ended (list_ended; from the last bracket that was opened).
 #pragma once
 
 #include <charconv>
@@ -69,6 +72,7 @@ class JsonReader {
   std::string_view text_;
   const char* at_;
   const char* end_;
+  const char* list_ = nullptr;  // where the last list, or what is in it, began
   bool known_as_utf8_ = false;
   std::string unescaped_;
 };
@@ -79,8 +83,14 @@ bool JsonReader::read(Receiver& receiver) {
   int depth = 0;
   for (;;) {
     const char first = next();
-    if (first == '{' || first == '[') {
+    const std::size_t repeated =
+        first == '[' ? receiver.repeated_list({at_, static_cast<std::size_t>(end_ - at_)}) : 0;
+    if (repeated != 0) {
+      at_ += repeated;
+      if (depth == 0) break;
+    } else if (first == '{' || first == '[') {
       const bool object = first == '{';
+      list_ = at_;
       if (++depth > deepest || !(object ? receiver.start_object(0) : receiver.start_array(0))) return false;
       objects = objects << 1 | (object ? 1u : 0u);
       ++at_;
@@ -103,6 +113,7 @@ bool JsonReader::read(Receiver& receiver) {
       }
       if (after != (object ? '}' : ']') || !(object ? receiver.end_object() : receiver.end_array())) return false;
       ++at_;
+      if (!object) receiver.list_ended({list_, static_cast<std::size_t>(at_ - list_)});
       objects >>= 1;
       if (--depth == 0) break;
     }
