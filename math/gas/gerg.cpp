@@ -17,6 +17,7 @@
 
 #include "core/elementary.h"
 #include "math/gas/gerg2004_table.h"
+#include "math/gas/gerg_kernel.h"
 #include "math/gas/gerg_terms.h"
 
 namespace norvane::GERG2008 {
@@ -251,30 +252,26 @@ helmholtz::Residual residual(const Mixture& mixture, const Isotherm& isotherm, d
 helmholtz::IdealGas ideal_mixture(const Composition& x, double T, Entropy entropy) noexcept {
   constexpr double ratio = R_ideal / R_joule;
   const double inverse_T = 1.0 / T;
-  const double log_T = entropy == Entropy::include ? elementary::log(T) : 0.0;
+  const bool with_entropy = entropy == Entropy::include;
+  const double log_T = with_entropy ? elementary::log(T) : 0.0;
+  std::size_t present[component_count], count = 0;
+  for (std::size_t i = 0; i < component_count; ++i)
+    if (x[i] > 0.0) present[count++] = i;
+  VibrationParts parts;
+  kernel().vibrate(present, count, T, with_entropy, parts);
   helmholtz::IdealGas sum;  // cp/R - 1 and s/R, less what all components share, and h/R
-  for (std::size_t i = 0; i < component_count; ++i) {
-    if (!(x[i] > 0.0)) continue;
+  for (std::size_t g = 0; g < count; ++g) {
+    const std::size_t i = present[g];
     const Ideal& gas = ideal_gases[i];
-    const double weight[4] = {gas.n4, gas.n5, gas.n6, gas.n7};
-    const double y[4] = {gas.theta4 * inverse_T, gas.theta5 * inverse_T, gas.theta6 * inverse_T,
-                         gas.theta7 * inverse_T};
     double cp = gas.n3 - 1.0;
     double h = gas.n3 - 1.0;      // over R T, but for n2
     double logarithms = -gas.n1;  // of a0/(R T), but for ln T
-    if (gas.n4 != 0.0) {
-      const auto e = elementary::exp4({-2.0 * y[0], -2.0 * y[1], -2.0 * y[2], -2.0 * y[3]});
-      for (std::size_t m = 0; m < 4; ++m) {
-        if (weight[m] == 0.0) continue;
-        // With e = exp(-2y): coth y = (1+e)/(1-e), 1/sinh^2 y = 4e/(1-e)^2, ln sinh y = y - ln 2 + ln(1-e); for cosh
-        // the signs before e change, and its terms enter enthalpy and entropy with the opposite sign.
-        const double sign = m % 2 == 0 ? 1.0 : -1.0;
-        const double inverse = 1.0 / (1.0 - sign * e[m]);
-        cp += weight[m] * y[m] * y[m] * 4.0 * e[m] * inverse * inverse;
-        h += sign * weight[m] * y[m] * (1.0 + sign * e[m]) * inverse;
-        if (entropy == Entropy::include)
-          logarithms -= sign * weight[m] * (y[m] - ln2 + elementary::log(1.0 - sign * e[m]));
-      }
+    for (std::size_t m = 0; m < Vibrations::of_gas; ++m) {
+      if (vibrations.weight[i][m] == 0.0) continue;
+      const std::size_t at = Vibrations::of_gas * g + m;
+      cp += parts.cp[at];
+      h += parts.h[at];
+      if (with_entropy) logarithms -= parts.logarithms[at];
     }
     sum.cp += x[i] * cp;
     sum.h += x[i] * (T * h + gas.n2 + T_reference);
@@ -282,7 +279,7 @@ helmholtz::IdealGas ideal_mixture(const Composition& x, double T, Entropy entrop
     sum.s += x[i] * (gas.n3 - 1.0) * log_T;
   }
   const double h = T - T_reference + ratio * sum.h;
-  const double s = entropy == Entropy::include ? ratio * sum.s - elementary::log(T_reference * inverse_T) : 0.0;
+  const double s = with_entropy ? ratio * sum.s - elementary::log(T_reference * inverse_T) : 0.0;
   return {R_joule * (1.0 + ratio * sum.cp), R_joule * h, R_joule * s};
 }
 

@@ -141,6 +141,43 @@ struct Lanes {
   }
   static constexpr int max_rounds = 30;
 
+  // One state: the vibrations of the gases side by side, in steps over all of them, each short enough for several
+  // vectors to be under way at once. With e = exp(-2y): coth y = (1+e)/(1-e), 1/sinh^2 y = 4e/(1-e)^2,
+  // ln sinh y = y - ln 2 + ln(1-e); for cosh the signs before e change, and its terms enter enthalpy and entropy with
+  // the opposite sign.
+  static void vibrate(const std::size_t* gases, std::size_t gas_count, double T, bool with_logarithms,
+                      VibrationParts& parts) noexcept {
+    using Part = typename lanes::Vector<count <= 4 ? count : 4>::Value;
+    constexpr std::size_t of_gas = Vibrations::of_gas, width = lanes::count_of<Part>;
+    const double inverse_T = 1.0 / T;
+    alignas(64) double exponentials[of_gas * component_count];
+    double *cp = parts.cp.data(), *h = parts.h.data(), *logarithms = parts.logarithms.data();
+    // f(place in the lists, weight, y, sign)
+    const auto for_all = [&](const auto& f) {
+      constexpr double signs[of_gas] = {1.0, -1.0, 1.0, -1.0};
+      for (std::size_t g = 0; g < gas_count; ++g) {
+        for (std::size_t m = 0; m < of_gas; m += width) {
+          const Part y = lanes::load<Part>(vibrations.theta[gases[g]] + m) * inverse_T;
+          f(of_gas * g + m, lanes::load<Part>(vibrations.weight[gases[g]] + m), y, lanes::load<Part>(signs + m));
+        }
+      }
+    };
+    for_all([&](std::size_t at, Part, Part y, Part) { lanes::store(exponentials + at, lanes::exp(-2.0 * y)); });
+    for_all([&](std::size_t at, Part weight, Part y, Part sign) {
+      const Part e = lanes::load<Part>(exponentials + at);
+      const Part inverse = 1.0 / (1.0 - sign * e);
+      lanes::store(cp + at, weight * y * y * 4.0 * e * inverse * inverse);
+      lanes::store(h + at, sign * weight * y * (1.0 + sign * e) * inverse);
+    });
+    if (!with_logarithms) return;
+    for_all([&](std::size_t at, Part weight, Part y, Part sign) {
+      const Part below = 1.0 - sign * lanes::load<Part>(exponentials + at);
+      lanes::store(logarithms + at, sign * weight * (y - ln2 + lanes::log(below)));
+    });
+  }
+
+  // ---- Rows ------------------------------------------------------------------------------------------------------
+
   struct Ideal {
     Value cp, h;
   };
@@ -247,7 +284,7 @@ struct Lanes {
     });
   }
 
-  static constexpr Kernel kernel = {&densities, &states};
+  static constexpr Kernel kernel = {&vibrate, &densities, &states};
 };
 
 }  // namespace norvane::GERG2008

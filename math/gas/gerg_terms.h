@@ -290,6 +290,26 @@ inline constexpr double T_reference = 298.15;   // [K], of enthalpy and entropy
 inline constexpr double p_reference = 101.325;  // [kPa], of the entropy
 inline constexpr double ln2 = 0.69314718055994531;
 
+// The ideal gases' vibrations: n4 to n7 and their temperatures. A place without one has a temperature that harms nothing.
+struct Vibrations {
+  static constexpr std::size_t of_gas = 4;
+  double weight[component_count][of_gas], theta[component_count][of_gas];
+};
+constexpr Vibrations make_vibrations() {
+  Vibrations made{};
+  for (std::size_t i = 0; i < component_count; ++i) {
+    const Ideal& gas = ideal_gases[i];
+    const double weight[] = {gas.n4, gas.n5, gas.n6, gas.n7};
+    const double theta[] = {gas.theta4, gas.theta5, gas.theta6, gas.theta7};
+    for (std::size_t m = 0; m < Vibrations::of_gas; ++m) {
+      made.weight[i][m] = weight[m];
+      made.theta[i][m] = weight[m] != 0.0 ? theta[m] : 1.0;
+    }
+  }
+  return made;
+}
+inline constexpr Vibrations vibrations = make_vibrations();
+
 // Everything but the entropy.
 helmholtz::State state_of(double T, double rho, const helmholtz::Residual& r,
                           const helmholtz::IdealGas& ideal) noexcept;
