@@ -47,7 +47,8 @@ Conversion conversion(std::string_view from, std::string_view to) {
   }
   const Named given = units_named(from), wanted = units_named(to);
   if (given.empty() || wanted.empty()) {
-    made.message = '"' + std::string(given.empty() ? from : to) + "\" is no unit";
+    // Whatever the bytes are, what is said of them is UTF-8.
+    made.message = '"' + to_utf8(to_utf16(given.empty() ? from : to)) + "\" is no unit";
     return made;
   }
   // A symbol alone may name units of several quantities.

@@ -27,13 +27,6 @@ struct Answer {
   bool success = false;
 };
 
-bool all_finite(const FUNCTION_ARG& value) {
-  if (value.kind != ARG_ARRAY) return value.kind != ARG_NUMBER || std::isfinite(value.number);
-  for (std::uint64_t i = 0; i < value.count(); ++i)
-    if (!all_finite(value.array.elements[i])) return false;
-  return true;
-}
-
 bool same(const Answer& a, const Answer& b) { return a.status == b.status && a.flags == b.flags && a.bits == b.bits; }
 
 class EveryFunction : public testing::TestWithParam<Spec*> {
@@ -58,7 +51,7 @@ class EveryFunction : public testing::TestWithParam<Spec*> {
     const bool zero =
         first.kind == ARG_INTEGER ? first.integer == 0 : first.kind == ARG_NUMBER && first.number == 0.0;
     answer.success = answer.status == ERROR_OK && answer.flags == 0 && (!calculates() || zero);
-    if (answer.status == ERROR_OK && !all_finite(context.output)) complain("an output is not finite");
+    if (answer.status == ERROR_OK && !test::all_finite(context.output)) complain("an output is not finite");
     if (answer.status == ERROR_OK && calculates() && context.output.count() != spec_.output_count)
       complain("not as many outputs as the record has");
     return answer;

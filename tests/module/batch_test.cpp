@@ -412,24 +412,36 @@ TEST(Batch, MemoryRefusedAtAnyRequestIsSaidAndForgotten) {
   EXPECT_GT(refusals, 500u);
 }
 
-// Functions, names and hostile arguments in any order, on as many threads as like it.
+// Functions, names and hostile arguments in any order, through the context and directly.
 TEST(Threads, MixedCallsAnswerAsOneThreadDoes) {
   const auto specs = catalogue::specifications();
   const std::size_t calls = specs.size() * 6;
   const auto answers = [&](std::size_t first) {
     std::vector<std::string> all(calls);
+    std::size_t direct = 0;
     for (std::size_t i = 0; i < calls; ++i) {
       const std::size_t number = (first + i * 211) % calls;
       const Function_CFunctionSpec& spec = *specs[number % specs.size()];
       test::Arguments arguments;
       test::RandomCall(spec, number / specs.size() + number % 16, arguments);
-      HeldContext held(nullptr);
-      FUNCTION_ARG output = FUNCTION_ARG::Empty();
-      std::uint32_t flags = 0;
-      const std::uint32_t status = held.context().Execute(spec, arguments.values.data(), arguments.values.size(),
-                                                          output, flags, held.state().slot(spec));
-      all[number] = std::to_string(status) + " " + test::bits_of(output);
+      {
+        HeldContext held(nullptr);
+        FUNCTION_ARG output = FUNCTION_ARG::Empty();
+        std::uint32_t flags = 0;
+        const std::uint32_t status = held.context().Execute(spec, arguments.values.data(), arguments.values.size(),
+                                                            output, flags, held.state().slot(spec));
+        all[number] = std::to_string(status) + " " + test::bits_of(output);
+      }
+      const Signature* signature = find_signature(spec.id);
+      if (signature == nullptr) continue;
+      const TypedArguments typed(*signature, number % 16);
+      std::vector<std::uint64_t> words(signature->outputs.size());
+      std::vector<void*> places;
+      for (std::uint64_t& word : words) places.push_back(&word);
+      direct += direct_call(*signature, typed.values.data(), places.data());
+      for (std::uint64_t word : words) all[number] += " " + std::to_string(word);
     }
+    EXPECT_GT(direct, calls / 5);
     return all;
   };
   const std::vector<std::string> expected = answers(0);

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <thread>
 
 #include "core/text.h"
 #include "framework/binding.h"
@@ -181,23 +180,6 @@ TEST_F(DirectAga8, PutsTheFloatingPointEnvironmentBack) {
     std::fesetround(FE_TONEAREST);
     EXPECT_EQ(again.outputs == expected.outputs, pressure == 60.0);
   }
-}
-
-TEST_F(DirectAga8, ThreadsKeepTheirOwn) {
-  const Direct expected = call();
-  std::vector<std::thread> threads;
-  std::vector<int> wrong(4);
-  for (std::size_t t = 0; t < wrong.size(); ++t) {
-    threads.emplace_back([&, t] {
-      TypedArguments own = arguments;
-      for (int i = 0; i < 200; ++i) {
-        own.values[0] = {{.number = i % 2 == 0 ? 60.0 : 20.0 + static_cast<double>(t)}, 0};
-        wrong[t] += (call_directly(signature, own).outputs == expected.outputs) != (i % 2 == 0);
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(wrong, std::vector<int>(4));
 }
 
 }  // namespace

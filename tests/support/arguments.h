@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cinttypes>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <deque>
@@ -86,6 +87,14 @@ inline std::string bits_of(const FUNCTION_ARG& value) {
     }
     default: return std::string("kind ").append(std::to_string(value.kind));
   }
+}
+
+// Whether a value, or every value in it, is a finite number or no number at all.
+inline bool all_finite(const FUNCTION_ARG& value) {
+  if (value.kind != ARG_ARRAY) return value.kind != ARG_NUMBER || std::isfinite(value.number);
+  for (std::uint64_t i = 0; i < value.count(); ++i)
+    if (!all_finite(value.array.elements[i])) return false;
+  return true;
 }
 
 class Arguments {

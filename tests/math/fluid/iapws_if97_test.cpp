@@ -6,8 +6,6 @@
 #include <limits>
 #include <random>
 
-#include "tests/math/fluid/consistency.h"
-
 namespace norvane::test {
 namespace {
 
@@ -21,30 +19,6 @@ Result at(double p, double T, Phase phase = Phase::automatic) {
   const Outcome outcome = calculate({p, T, phase}, result);
   EXPECT_EQ(outcome.status, success) << p << " MPa, " << T << " K";
   return result;
-}
-
-FluidState fluid_state(const State& x) { return {x.v, x.h, x.s, x.cp, x.cv, x.w2}; }
-
-TEST(IF97, PropertiesBelongTogetherInEveryRegion) {
-  const auto region3_state = [](double p, double T) {
-    double rho = 0.0;
-    EXPECT_TRUE(region3_density(p, T, Phase::automatic, rho));
-    return fluid_state(region3(rho, T));
-  };
-  for (double T : {280.0, 400.0, 600.0})
-    for (double p : {20.0, 60.0, 99.0})
-      expect_consistent([](double a, double b) { return fluid_state(region1(a, b)); }, p, T, 2e-6);
-  for (double T : {400.0, 700.0, 1000.0})
-    for (double p : {1e-3, 0.1, T < 500.0 ? 0.15 : 9.0}) {
-      expect_consistent([](double a, double b) { return fluid_state(region2(a, b)); }, p, T, 2e-6);
-      if (T < 500.0)
-        expect_consistent([](double a, double b) { return fluid_state(metastable_vapour(a, b)); }, p, T, 2e-6);
-    }
-  for (double T : {1100.0, 2200.0})
-    for (double p : {0.01, 45.0})
-      expect_consistent([](double a, double b) { return fluid_state(region5(a, b)); }, p, T, 2e-6);
-  for (const auto& [p, T] : {std::pair{17.5, 630.0}, {30.0, 640.0}, {24.0, 660.0}, {90.0, 640.0}, {80.0, 820.0}})
-    expect_consistent(region3_state, p, T, 5e-5);
 }
 
 // Regions meet at their boundaries within the jumps that the release admits; a state on a boundary

@@ -22,61 +22,6 @@ constexpr double R = 8.31451;
 const AGA8::Composition argon_gas = gas({{AGA8::argon, 1.0}});
 const AGA8::Composition* const gases[] = {&gas_of_21, &gulf_coast, &coke_oven, &sour, &argon_gas};
 
-struct Place {
-  double T, r;  // [K], reduced density
-};
-constexpr Place places[] = {{250.0, 0.02}, {300.0, 0.2}, {350.0, 0.7}, {450.0, 1.2}, {600.0, 0.05}};
-
-// Central difference of a property of the state along temperature or density, to its logarithm.
-template <class Get>
-double along(const AGA8::Mixture& mixture, const AGA8::Composition& x, double T, double rho, double T_share,
-             double rho_share, Get get) {
-  constexpr double h = 1e-4;
-  const MolarState up = state(mixture, x, T * (1.0 + h * T_share), rho * (1.0 + h * rho_share), Entropy::include);
-  const MolarState down = state(mixture, x, T * (1.0 - h * T_share), rho * (1.0 - h * rho_share), Entropy::include);
-  return (get(up) - get(down)) / (2.0 * h);
-}
-
-double pressure(const MolarState& s) { return s.rho * R * s.T * s.z; }  // [kPa]
-
-// Maxwell's relations and the definitions of the heat capacities and the speed
-// of sound, by differences of the properties themselves.
-TEST(AGA10, PropertiesBelongTogether) {
-  constexpr double tolerance = 1e-6;
-  for (const AGA8::Composition* x : gases) {
-    AGA8::Mixture mixture;
-    mixture.set(*x);
-    for (const Place& place : places) {
-      const double T = place.T, rho = place.r / mixture.K3;
-      const auto d = [&](double T_share, double rho_share, auto get) {
-        return along(mixture, *x, T, rho, T_share, rho_share, get);
-      };
-      const MolarState s = state(mixture, *x, T, rho, Entropy::include);
-      const auto entropy = [](const MolarState& m) { return m.s; };
-      const auto energy = [](const MolarState& m) { return m.h - m.z * R * m.T; };
-      SCOPED_TRACE(testing::Message() << T << " K, " << place.r);
-      // dp/drho and dp/dT
-      EXPECT_NEAR(d(0, 1, pressure) / (rho * R * T), s.dp_drho, tolerance);
-      EXPECT_NEAR(d(1, 0, pressure) / (rho * R * T), s.dp_dT, tolerance);
-      // Maxwell: rho^2 (ds/drho)_T = -(dp/dT)_rho
-      EXPECT_NEAR(d(0, 1, entropy) / R, -s.dp_dT, tolerance);
-      // T (ds/dT)_rho = cv = (du/dT)_rho, and (du/drho)_T = (p - T dp/dT)/rho^2
-      EXPECT_NEAR(d(1, 0, entropy) / s.cv, 1.0, tolerance);
-      EXPECT_NEAR(d(1, 0, energy) / (T * s.cv), 1.0, tolerance);
-      EXPECT_NEAR(d(0, 1, energy) / (R * T), s.z - s.dp_dT, tolerance);
-      // cp = (dh/dT)_p: along the isobar rho changes by -(dp/dT)/(dp/drho) of its logarithm
-      const double isobar = -s.dp_dT / s.dp_drho;
-      EXPECT_NEAR(d(1, isobar, [](const MolarState& m) { return m.h; }) / (T * s.cp), 1.0, tolerance);
-      // M w^2 = (dp/drho)_s: along the isentrope T changes by R (dp/dT)/cv
-      EXPECT_NEAR(d(R * s.dp_dT / s.cv, 1, entropy) / s.cv, 0.0, tolerance);
-      EXPECT_NEAR(d(R * s.dp_dT / s.cv, 1, pressure) / rho / s.M_w2, 1.0, tolerance);
-      // The ideal gas: cp = dh/dT, ds/dT = cp/T
-      EXPECT_NEAR(d(1, 0, [](const MolarState& m) { return m.ideal.h; }) / (T * s.ideal.cp), 1.0, tolerance);
-      EXPECT_NEAR(d(1, 0, [](const MolarState& m) { return m.ideal.s; }) / s.ideal.cp, 1.0, tolerance);
-    }
-  }
-}
-
 // Enthalpies of the elements and of water at 25 degC above 0 K, and absolute entropies,
 // as the thermodynamic tables print them [J/mol, J/(mol K)].
 TEST(AGA10, IdealGasesHaveTheirTabulatedEnthalpyAndEntropy) {
