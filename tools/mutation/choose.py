@@ -3,9 +3,9 @@
 
 usage: choose.py CANDIDATES OUTPUT_FOLDER [--build build/release]
 
-CANDIDATES are the lines of norvane_refereed. Each output gets the tolerance that its calculation needs here, one and a
-half times its deviation and 3e-16 at least; one that needs more than 1e-13 is left out. Of the candidates come those, the
-most telling first, that notice a coefficient which no case of tests/data notices. Writes a file a function.
+CANDIDATES are the lines of norvane_refereed. Each output gets the tolerance that its calculation needs here, twice
+its deviation and 5e-16 at least; one that needs more than 1e-13 is left out. Of the candidates come those, the most
+telling first, that notice a coefficient which no case of tests/data notices; they are added to a file a function.
 """
 import collections
 import json
@@ -31,8 +31,8 @@ def judged(lines, build):
         line["rtols"] = {}
         for key, want in list(line["outputs"].items()):
             deviation = abs(answer["outputs"][key] - want) / (abs(want) or 1.0)
-            if key != "status" and deviation <= 1e-13:
-                line["rtols"][key] = rounded_up(max(1.5 * deviation, 3e-16))
+            if key != "status" and deviation <= 5e-14:
+                line["rtols"][key] = rounded_up(max(2 * deviation, 5e-16))
             elif key != "status":
                 del line["outputs"][key]
         if line["rtols"]:

@@ -152,6 +152,7 @@ enum Result : int { noticed = 10, by_tests = 11, unnoticed = 12 };
                              const std::vector<Part>& parts, bool with_tests, int report) {
   // What runs away has been noticed, and so has what stops itself: an instruction may have been hit.
   setpgid(0, 0);
+  alarm(20);
   const itimerval two_seconds{{}, {2, 0}};
   setitimer(ITIMER_PROF, &two_seconds, nullptr);
   const int nothing = open("/dev/null", O_WRONLY);
