@@ -191,8 +191,12 @@ std::string hosts(std::size_t of_case, const Workers& workers, const Options& op
     names.push_back("the wrapper that a worksheet calls");
   }
   const std::filesystem::path start = std::filesystem::current_path();
-  char pattern[] = "/tmp/compare-XXXXXX";
-  const std::filesystem::path folder = mkdtemp(pattern);
+  std::string pattern = (std::filesystem::temp_directory_path() / "compare-XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) {
+    std::fprintf(stderr, "no temporary folder %s\n", pattern.c_str());
+    std::exit(1);
+  }
+  const std::filesystem::path folder = pattern;
   std::vector<Command> programs = commands(folder, options);
   std::filesystem::current_path(folder);
   // The commands take their turns among the calls.
