@@ -88,8 +88,12 @@ TEST(Calculations, AnswerAnyNumbersAsIfForTheFirstTime) {
         for (std::size_t cell = 0; cell < std::min<std::size_t>(input.cells, drawn.lists[i].size()); ++cell)
           put(cell, drawn.lists[i][cell], 90);
         if (input.from == PlannedInput::From::list) continue;
-        input.accept(drawn.numbers[i], kept.arguments);
-        if (input.kind == record::Field::Kind::number && !input.enumerated) put(0, drawn.numbers[i], 5);
+        bool fits = input.accept(drawn.numbers[i], kept.arguments) == Verdict::fits;
+        if (input.kind == record::Field::Kind::number && !input.enumerated)
+          put(0, drawn.numbers[i], 5);
+        else  // what is none of its options ends every call before this
+          for (int option = 0; option < 64 && !fits; ++option)
+            fits = input.accept(option, kept.arguments) == Verdict::fits;
       }
       FunctionState fresh(signature);
       for (FunctionState* state : {&kept, &fresh})
