@@ -9,8 +9,9 @@
 namespace norvane {
 
 // Table n advances a byte over n further bytes of zero; table 0 alone is the classical one.
-inline constexpr std::array<std::array<std::uint32_t, 256>, 16> crc32_tables = [] {
-  std::array<std::array<std::uint32_t, 256>, 16> tables{};
+using Crc32Tables = std::array<std::array<std::uint32_t, 256>, 16>;
+consteval Crc32Tables make_crc32_tables() {
+  Crc32Tables tables{};
   for (std::uint32_t i = 0; i < 256; ++i) {
     std::uint32_t value = i;
     for (int bit = 0; bit < 8; ++bit) value = (value & 1) != 0 ? 0xEDB88320u ^ (value >> 1) : value >> 1;
@@ -19,7 +20,8 @@ inline constexpr std::array<std::array<std::uint32_t, 256>, 16> crc32_tables = [
   for (std::size_t n = 1; n < tables.size(); ++n)
     for (std::size_t i = 0; i < 256; ++i) tables[n][i] = tables[0][tables[n - 1][i] & 0xFF] ^ (tables[n - 1][i] >> 8);
   return tables;
-}();
+}
+inline constexpr Crc32Tables crc32_tables = make_crc32_tables();
 inline constexpr const std::array<std::uint32_t, 256>& crc32_table = crc32_tables[0];
 
 constexpr std::uint32_t crc32_step(std::uint32_t state, std::uint32_t byte) {
