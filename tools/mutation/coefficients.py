@@ -212,7 +212,10 @@ def main():
     for entry, answer in zip(unchanged, killer.ask(unchanged)):
         if answer[0] == "noticed":
             sys.exit(f"the cases fail with all numbers as they are: {', '.join(sorted(entry.functions))}")
-    answers = [answer[0] for answer in killer.ask(entries)]
+    answers = []
+    for owner in dict.fromkeys(entry.owner for entry in entries):
+        answers += [answer[0] for answer in killer.ask([entry for entry in entries if entry.owner == owner])]
+        print(f"{len(answers)} of {len(entries)}: {owner}", file=sys.stderr, flush=True)
     if options.tests:
         suites = collections.defaultdict(set)
         for path in files("tests/math", "_test.cpp"):
