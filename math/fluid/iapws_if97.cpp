@@ -89,7 +89,8 @@ struct Rows {
       const std::size_t left = order[r], right = r + 1 < rows ? order[r + 1] : left;
       const std::size_t right_length = r + 1 < rows ? length(right) : 0;
       for (std::size_t k = 0; k < length(left); ++k) {
-        const Term filler{terms[first[right]].I, 0, 0.0};
+        // With an exponent of the table, whose power is there.
+        const Term filler{terms[first[right]].I, terms[first[left] + k].J, 0.0};
         made.pairs[made.size++] = {terms[first[left] + k], k < right_length ? terms[first[right] + k] : filler,
                                    k + 1 == length(left)};
       }
