@@ -1,6 +1,6 @@
-// AGA-8 with vectors: the sums of one state, or several rows side by side. Included by one file for each instruction set, which says how wide a vector is;
-// everything is a template of that and of the set, so that no two of them
-// share a function.
+// AGA-8 with vectors: the sums of one state, or several rows side by side. Included by one file for each instruction
+// set, which says how wide a vector is; everything is a template of that and of the set, so that no two of them share a
+// function.
 #pragma once
 
 #include <cmath>

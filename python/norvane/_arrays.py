@@ -17,7 +17,6 @@ except ImportError as missing:  # single calls do without
     raise ImportError("norvane: arrays need NumPy; pip install norvane[numpy]") from missing
 
 REFUSED = ctypes.c_size_t(-1).value
-_POINTER = ctypes.POINTER(ctypes.c_double)
 # Rows of one call: small enough for outputs to stay in the cache, large enough that calls cost nothing.
 _SHARE = 8192
 
@@ -91,7 +90,7 @@ class Prepared:
         return Column(address, self.row_step, self.cells, self.cell_step)
 
     def of_row(self, row: int) -> list[float]:
-        pointer = ctypes.cast(self.address + 8 * row * self.row_step, _POINTER)
+        pointer = ctypes.cast(self.address + 8 * row * self.row_step, POINTER_TO_DOUBLE)
         return [pointer[i * self.cell_step] for i in range(self.cells)]
 
 
